@@ -1,0 +1,146 @@
+#include "CorvaneCore/files/Files.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+
+#include "CorvaneCore/files/FileDescriptor.h"
+#include "CorvaneCore/text/Uuid.h"
+
+namespace corvane {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::error_code lastError() { return {errno, std::generic_category()}; }
+
+FileTime modificationTime(const struct stat& status) {
+#ifdef __APPLE__
+  const timespec& time = status.st_mtimespec;
+#else
+  const timespec& time = status.st_mtim;
+#endif
+  return FileTime(std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec));
+}
+
+/// Begins with a dot, so that whoever watches the folder passes it over, and ends in no suffix
+/// that anybody watches for.
+fs::path temporaryNameFor(const fs::path& path) {
+  return path.parent_path() / ("." + makeRequestId() + ".tmp");
+}
+
+/// A file being written beside its final place; gone at the end of its life unless it was moved.
+class TemporaryFile {
+ public:
+  explicit TemporaryFile(const fs::path& finalPath)
+      : target(finalPath),
+        path(temporaryNameFor(finalPath)),
+        file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666)) {
+    if (!file.isOpen()) fail();
+  }
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+  ~TemporaryFile() {
+    if (!moved) ::unlink(path.c_str());
+  }
+
+  void write(std::string_view contents) {
+    while (!contents.empty()) {
+      const ssize_t count = ::write(file.get(), contents.data(), contents.size());
+      if (count < 0 && errno == EINTR) continue;
+      if (count < 0) fail();
+      contents.remove_prefix(static_cast<std::size_t>(count));
+    }
+    if (!file.close()) fail();
+  }
+
+  void moveIntoPlace() {
+    if (::rename(path.c_str(), target.c_str()) != 0) fail();
+    moved = true;
+  }
+
+ private:
+  [[noreturn]] void fail() const { throw FileError("write", target, lastError()); }
+
+  const fs::path& target;
+  fs::path path;
+  FileDescriptor file;
+  bool moved = false;
+};
+
+}  // namespace
+
+std::optional<FileStamp> readStamp(const fs::path& path) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0) return std::nullopt;
+  return FileStamp{modificationTime(status), static_cast<std::uintmax_t>(status.st_size)};
+}
+
+std::string readFile(const fs::path& path, std::size_t limit) {
+  // Without O_NONBLOCK opening a FIFO would wait for its writer.
+  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  struct stat status {};
+  if (!file.isOpen() || ::fstat(file.get(), &status) != 0) {
+    throw FileError("read", path, lastError());
+  }
+  if (S_ISDIR(status.st_mode)) {
+    throw FileError("read", path, std::make_error_code(std::errc::is_a_directory));
+  }
+  if (!S_ISREG(status.st_mode)) {
+    throw FileError("read", path, std::make_error_code(std::errc::invalid_argument));
+  }
+  std::string contents;
+  // The size is only a hint: the file may grow or shrink while it is read.
+  std::size_t room = std::min(static_cast<std::size_t>(status.st_size), limit) + 1;
+  std::size_t length = 0;
+  while (true) {
+    contents.resize(length + room);
+    const ssize_t count = ::read(file.get(), contents.data() + length, room);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) throw FileError("read", path, lastError());
+    length += static_cast<std::size_t>(count);
+    if (count == 0) break;
+    if (length > limit) {
+      throw FileError("read", path, std::make_error_code(std::errc::file_too_large));
+    }
+    constexpr std::size_t leastRoom = 4096;
+    room = std::max(contents.size() - length, leastRoom);
+  }
+  contents.resize(length);
+  return contents;
+}
+
+void writeFileWhole(const fs::path& path, std::string_view contents) {
+  std::error_code error;
+  fs::create_directories(path.parent_path(), error);
+  if (error) throw FileError("write", path, error);
+  TemporaryFile temporary(path);
+  temporary.write(contents);
+  temporary.moveIntoPlace();
+}
+
+void ensureDirectoryExists(const fs::path& directory) {
+  std::error_code ignored;
+  if (!fileExists(directory)) fs::create_directories(directory, ignored);
+}
+
+bool fileExists(const fs::path& path) {
+  std::error_code ignored;
+  return fs::exists(path, ignored);
+}
+
+std::vector<fs::path> listVisible(const fs::path& directory) {
+  std::vector<fs::path> entries;
+  std::error_code error;
+  for (fs::directory_iterator next(directory, error), end; !error && next != end;
+       next.increment(error)) {
+    if (!next->path().filename().native().starts_with('.')) entries.push_back(next->path());
+  }
+  std::sort(entries.begin(), entries.end());
+  return entries;
+}
+
+}  // namespace corvane

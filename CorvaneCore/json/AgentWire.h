@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "CorvaneCore/json/Codec.h"
+#include "CorvaneCore/json/JsonReader.h"
+
+/// The one wire form of every file shared with Corvane.app: compact JSON, keys sorted, slashes not
+/// escaped, dates as ISO 8601 texts in whole seconds, empty optionals left out.
+namespace corvane::AgentWire {
+
+/// Throws EncodeError.
+template <class T>
+[[nodiscard]] std::string encode(const T& value) {
+  JsonWriter writer;
+  Codec<T>::encode(value, writer);
+  return writer.take();
+}
+
+/// Throws DecodeError.
+template <class T>
+[[nodiscard]] T decode(std::string_view text) {
+  return decodeValue<T>(readJson(text));
+}
+
+}  // namespace corvane::AgentWire

@@ -1,0 +1,136 @@
+#include "CorvaneCore/json/AnyCodable.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+/// Calls `visit` for every direct child of a container; does nothing for other kinds.
+template <class Value, class Visit>
+void forEachChild(Value& value, Visit visit) {
+  if (auto* array = std::get_if<AnyCodable::Array>(&value)) {
+    for (auto& element : *array) visit(element);
+  } else if (auto* object = std::get_if<AnyCodable::Object>(&value)) {
+    for (auto& member : *object) visit(member.value);
+  }
+}
+
+bool isContainer(const AnyCodable& value) noexcept {
+  return value.array() != nullptr || value.object() != nullptr;
+}
+
+/// The container `source` with its keys and scalars; every nested container is left null and put,
+/// with the place it belongs to, on `pending`.
+struct Copy {
+  const AnyCodable* from;
+  AnyCodable* to;
+};
+
+void copyShallow(const Copy& copy, std::vector<Copy>& pending) {
+  const auto copyChild = [&pending](const AnyCodable& from, AnyCodable& to) {
+    if (isContainer(from)) {
+      pending.push_back({&from, &to});
+    } else {
+      to = from;
+    }
+  };
+  if (const auto* array = copy.from->array()) {
+    auto& target = copy.to->value().emplace<AnyCodable::Array>(array->size());
+    for (std::size_t i = 0; i < array->size(); ++i) copyChild((*array)[i], target[i]);
+  } else if (const auto* object = copy.from->object()) {
+    std::vector<JsonObject::Member> members(object->size());
+    std::size_t i = 0;
+    for (const auto& member : *object) members[i++].key = member.key;
+    auto& target = copy.to->value().emplace<AnyCodable::Object>(std::move(members));
+    auto into = target.begin();
+    for (const auto& member : *object) copyChild(member.value, (into++)->value);
+  }
+}
+
+}  // namespace
+
+AnyCodable::AnyCodable(const AnyCodable& other) {
+  if (!other.holdsChildren()) {
+    held = other.held;
+    return;
+  }
+  std::vector<Copy> pending{{&other, this}};
+  while (!pending.empty()) {
+    const Copy next = pending.back();
+    pending.pop_back();
+    copyShallow(next, pending);
+  }
+}
+
+AnyCodable& AnyCodable::operator=(const AnyCodable& other) {
+  if (this != &other) *this = AnyCodable(other);
+  return *this;
+}
+
+AnyCodable& AnyCodable::operator=(AnyCodable&& other) noexcept {
+  if (this == &other) return *this;
+  // `other` may live inside this value, so it is taken out before anything is released.
+  Value taken = std::move(other.held);
+  releaseChildren();
+  held = std::move(taken);
+  return *this;
+}
+
+AnyCodable::~AnyCodable() { releaseChildren(); }
+
+void AnyCodable::releaseChildren() noexcept {
+  if (!holdsChildren()) return;
+  std::vector<Value> pending;
+  const auto takeContainers = [&pending](Value& value) {
+    forEachChild(value, [&pending](AnyCodable& child) {
+      if (child.holdsChildren()) pending.push_back(std::exchange(child.held, {}));
+    });
+  };
+  takeContainers(held);
+  while (!pending.empty()) {
+    Value next = std::move(pending.back());
+    pending.pop_back();
+    takeContainers(next);
+  }
+}
+
+const AnyCodable* AnyCodable::find(std::string_view key) const noexcept {
+  const auto* members = object();
+  return members ? members->find(key) : nullptr;
+}
+
+bool operator==(const AnyCodable& left, const AnyCodable& right) {
+  std::vector<std::pair<const AnyCodable*, const AnyCodable*>> pending{{&left, &right}};
+  while (!pending.empty()) {
+    const auto [a, b] = pending.back();
+    pending.pop_back();
+    if (a->held.index() != b->held.index()) return false;
+    if (const auto* array = a->array()) {
+      const auto& other = *b->array();
+      if (array->size() != other.size()) return false;
+      for (std::size_t i = 0; i < array->size(); ++i) pending.emplace_back(&(*array)[i], &other[i]);
+    } else if (const auto* object = a->object()) {
+      const auto& other = *b->object();
+      if (object->size() != other.size()) return false;
+      auto with = other.begin();
+      for (const auto& member : *object) {
+        if (member.key != with->key) return false;
+        pending.emplace_back(&member.value, &(with++)->value);
+      }
+    } else if (a->isNull()) {
+      continue;
+    } else if (const auto* text = a->string()) {
+      if (*text != *b->string()) return false;
+    } else if (const auto* integer = a->integer()) {
+      if (*integer != *b->integer()) return false;
+    } else if (const auto* number = a->number()) {
+      if (*number != *b->number()) return false;
+    } else if (*a->boolean() != *b->boolean()) {
+      return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace corvane

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <concepts>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "CorvaneCore/json/JsonObject.h"
+
+namespace corvane {
+
+/// One JSON value of any kind. The kind survives reading and writing: a boolean never becomes a
+/// number and an integer never gains a fraction. Values nest to any depth: destroying, copying and
+/// comparing use no machine stack per level.
+class AnyCodable {
+ public:
+  using Array = std::vector<AnyCodable>;
+  using Object = JsonObject;
+  using Value =
+      std::variant<std::monostate, bool, std::int64_t, double, std::string, Array, Object>;
+
+  AnyCodable() noexcept = default;
+  AnyCodable(std::nullptr_t) noexcept {}
+  AnyCodable(bool value) noexcept : held(value) {}
+  template <std::integral Integer>
+    requires(!std::same_as<Integer, bool> && !std::same_as<Integer, char> &&
+             (sizeof(Integer) < 8 || std::signed_integral<Integer>))
+  AnyCodable(Integer value) noexcept : held(static_cast<std::int64_t>(value)) {}
+  AnyCodable(double value) noexcept : held(value) {}
+  AnyCodable(std::string value) noexcept : held(std::move(value)) {}
+  AnyCodable(std::string_view value) : held(std::string(value)) {}
+  AnyCodable(const char* value) : held(std::string(value)) {}
+  AnyCodable(Array value) noexcept : held(std::move(value)) {}
+  AnyCodable(Object value) noexcept : held(std::move(value)) {}
+  template <class Element>
+  AnyCodable(const std::vector<Element>& elements) : held(Array(elements.begin(), elements.end())) {}
+  template <class Element>
+  AnyCodable(const std::map<std::string, Element>& members);
+
+  AnyCodable(const AnyCodable& other);
+  AnyCodable(AnyCodable&& other) noexcept = default;
+  AnyCodable& operator=(const AnyCodable& other);
+  AnyCodable& operator=(AnyCodable&& other) noexcept;
+  ~AnyCodable();
+
+  /// The held value.
+  [[nodiscard]] const Value& value() const noexcept { return held; }
+  [[nodiscard]] Value& value() noexcept { return held; }
+
+  [[nodiscard]] bool isNull() const noexcept { return held.index() == 0; }
+  /// The value when it is of the asked kind, else nullptr.
+  [[nodiscard]] const bool* boolean() const noexcept { return std::get_if<bool>(&held); }
+  [[nodiscard]] const std::int64_t* integer() const noexcept {
+    return std::get_if<std::int64_t>(&held);
+  }
+  [[nodiscard]] const double* number() const noexcept { return std::get_if<double>(&held); }
+  [[nodiscard]] const std::string* string() const noexcept {
+    return std::get_if<std::string>(&held);
+  }
+  [[nodiscard]] const Array* array() const noexcept { return std::get_if<Array>(&held); }
+  [[nodiscard]] const Object* object() const noexcept { return std::get_if<Object>(&held); }
+
+  /// The member `key` when this is an object that has it, else nullptr.
+  [[nodiscard]] const AnyCodable* find(std::string_view key) const noexcept;
+
+  friend bool operator==(const AnyCodable& left, const AnyCodable& right);
+
+ private:
+  [[nodiscard]] bool holdsChildren() const noexcept { return held.index() >= 5; }
+  void releaseChildren() noexcept;
+
+  Value held;
+};
+
+struct JsonObject::Member {
+  std::string key;
+  AnyCodable value;
+};
+
+template <class Element>
+AnyCodable::AnyCodable(const std::map<std::string, Element>& members) {
+  Object object;
+  for (const auto& [key, value] : members) object.set(key, AnyCodable(value));
+  held = std::move(object);
+}
+
+}  // namespace corvane

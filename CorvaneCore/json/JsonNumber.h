@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <variant>
+
+namespace corvane {
+
+/// A JSON number by its value: an integer when it is whole and fits 64 bits, however it is spelled.
+using JsonNumber = std::variant<std::int64_t, double>;
+
+/// Reads a JSON number literal exactly. Nothing when `literal` is not one, or when its value lies
+/// beyond a double.
+[[nodiscard]] std::optional<JsonNumber> parseJsonNumber(std::string_view literal);
+
+/// The whole number that `text` spells with an optional sign and decimal digits, when it fits 64
+/// bits and nothing else stands in `text`.
+[[nodiscard]] std::optional<std::int64_t> parseInteger(std::string_view text);
+
+}  // namespace corvane

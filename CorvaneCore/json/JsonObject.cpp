@@ -1,0 +1,68 @@
+#include "CorvaneCore/json/JsonObject.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "CorvaneCore/json/AnyCodable.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr auto keyBefore = [](const JsonObject::Member& member, std::string_view key) {
+  return member.key < key;
+};
+
+}  // namespace
+
+JsonObject::JsonObject() noexcept = default;
+JsonObject::JsonObject(std::initializer_list<Member> given) : members(given) { sortUnique(); }
+JsonObject::JsonObject(std::vector<Member> given) : members(std::move(given)) { sortUnique(); }
+JsonObject::JsonObject(const JsonObject& other) = default;
+JsonObject::JsonObject(JsonObject&& other) noexcept = default;
+JsonObject& JsonObject::operator=(const JsonObject& other) = default;
+JsonObject& JsonObject::operator=(JsonObject&& other) noexcept = default;
+JsonObject::~JsonObject() = default;
+
+const AnyCodable* JsonObject::find(std::string_view key) const noexcept {
+  const auto at = std::lower_bound(members.begin(), members.end(), key, keyBefore);
+  return at != members.end() && at->key == key ? &at->value : nullptr;
+}
+
+AnyCodable* JsonObject::find(std::string_view key) noexcept {
+  return const_cast<AnyCodable*>(std::as_const(*this).find(key));
+}
+
+void JsonObject::set(std::string_view key, AnyCodable value) {
+  const auto at = std::lower_bound(members.begin(), members.end(), key, keyBefore);
+  if (at != members.end() && at->key == key) {
+    at->value = std::move(value);
+  } else {
+    members.insert(at, Member{std::string(key), std::move(value)});
+  }
+}
+
+std::size_t JsonObject::size() const noexcept { return members.size(); }
+bool JsonObject::empty() const noexcept { return members.empty(); }
+JsonObject::iterator JsonObject::begin() noexcept { return members.begin(); }
+JsonObject::iterator JsonObject::end() noexcept { return members.end(); }
+JsonObject::const_iterator JsonObject::begin() const noexcept { return members.begin(); }
+JsonObject::const_iterator JsonObject::end() const noexcept { return members.end(); }
+
+void JsonObject::sortUnique() {
+  const auto outOfOrder = [](const Member& left, const Member& right) {
+    return left.key >= right.key;
+  };
+  // Files written by either side come sorted already, so this look is the usual end of it.
+  if (std::adjacent_find(members.begin(), members.end(), outOfOrder) == members.end()) return;
+  std::stable_sort(members.begin(), members.end(),
+                   [](const Member& left, const Member& right) { return left.key < right.key; });
+  auto kept = members.begin();
+  for (auto next = std::next(kept); next != members.end(); ++next) {
+    if (next->key != kept->key) ++kept;
+    if (next != kept) *kept = std::move(*next);
+  }
+  members.erase(std::next(kept), members.end());
+}
+
+}  // namespace corvane

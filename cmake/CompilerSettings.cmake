@@ -1,0 +1,33 @@
+# One place for what every target is compiled with. Presets add optimisation and sanitizers.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+include(CheckPIESupported)
+check_pie_supported()
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow=local -Wconversion -Wnon-virtual-dtor
+                    -Woverloaded-virtual -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # g++ 12 reports these for correct moves of variants and optionals once it inlines them.
+  add_compile_options(-Wno-maybe-uninitialized -Wno-restrict -Wno-stringop-overflow
+                      -Wno-array-bounds -Wno-free-nonheap-object)
+  add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-fcoroutines>)
+else()
+  add_compile_options(-Wno-missing-field-initializers -Wno-shadow)
+endif()
+
+option(CORVANE_HARDENED "Stack protector, fortified libc calls, read-only relocations" OFF)
+if(CORVANE_HARDENED)
+  add_compile_options(-fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+  if(NOT APPLE)
+    add_link_options(-Wl,-z,relro,-z,now,-z,noexecstack)
+  endif()
+endif()
+
+find_program(CCACHE ccache)
+if(CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()

@@ -1,0 +1,18 @@
+# Every library the project is built on; docs/dependencies.md says why each is here.
+find_package(Threads REQUIRED)
+find_package(simdjson REQUIRED)
+find_package(CLI11 REQUIRED)
+
+find_path(ASIO_INCLUDE_DIR asio.hpp REQUIRED)
+add_library(corvane_asio INTERFACE)
+target_include_directories(corvane_asio SYSTEM INTERFACE ${ASIO_INCLUDE_DIR})
+target_compile_definitions(corvane_asio INTERFACE ASIO_STANDALONE ASIO_NO_DEPRECATED)
+target_link_libraries(corvane_asio INTERFACE Threads::Threads)
+
+# Linked statically where the system offers it: a shared library costs time at every start.
+find_path(UTF8PROC_INCLUDE_DIR utf8proc.h REQUIRED)
+find_library(UTF8PROC_LIBRARY NAMES libutf8proc.a utf8proc REQUIRED)
+add_library(corvane_utf8proc INTERFACE)
+target_include_directories(corvane_utf8proc SYSTEM INTERFACE ${UTF8PROC_INCLUDE_DIR})
+target_compile_definitions(corvane_utf8proc INTERFACE UTF8PROC_STATIC)
+target_link_libraries(corvane_utf8proc INTERFACE ${UTF8PROC_LIBRARY})
