@@ -21,6 +21,8 @@ class FileDescriptor {
 
   [[nodiscard]] bool isOpen() const { return descriptor >= 0; }
   [[nodiscard]] int get() const { return descriptor; }
+  /// Gives the descriptor up without closing it.
+  [[nodiscard]] int release() { return std::exchange(descriptor, -1); }
   /// Closes now; false when the system reports an error for what was written.
   bool close() { return descriptor < 0 || ::close(std::exchange(descriptor, -1)) == 0; }
 

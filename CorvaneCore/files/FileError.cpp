@@ -11,6 +11,8 @@ FileError::FileError(std::string_view operation, const std::filesystem::path& fi
   description.append(": ").append(code.message());
 }
 
-std::string displayPath(const std::filesystem::path& path) { return toValidUtf8(path.native()); }
+std::string displayPath(const std::filesystem::path& path) {
+  return toValidUtf8(path.native());
+}
 
 }  // namespace corvane

@@ -15,7 +15,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::error_code lastError() { return {errno, std::generic_category()}; }
+std::error_code lastError() {
+  return {errno, std::generic_category()};
+}
 
 FileTime modificationTime(const struct stat& status) {
 #ifdef __APPLE__
@@ -74,7 +76,7 @@ class TemporaryFile {
 }  // namespace
 
 std::optional<FileStamp> readStamp(const fs::path& path) {
-  struct stat status {};
+  struct stat status{};
   if (::stat(path.c_str(), &status) != 0) return std::nullopt;
   return FileStamp{modificationTime(status), static_cast<std::uintmax_t>(status.st_size)};
 }
@@ -82,7 +84,7 @@ std::optional<FileStamp> readStamp(const fs::path& path) {
 std::string readFile(const fs::path& path, std::size_t limit) {
   // Without O_NONBLOCK opening a FIFO would wait for its writer.
   const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-  struct stat status {};
+  struct stat status{};
   if (!file.isOpen() || ::fstat(file.get(), &status) != 0) {
     throw FileError("read", path, lastError());
   }

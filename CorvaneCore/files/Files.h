@@ -26,7 +26,8 @@ struct FileStamp {
 /// No file that either side writes comes near this size; a larger one is not read.
 inline constexpr std::size_t largestFile = std::size_t{64} << 20;
 
-/// The stamp of the file at `path`, links followed; nothing when there is none or it cannot be seen.
+/// The stamp of the file at `path`, links followed; nothing when there is none or it cannot be
+/// seen.
 [[nodiscard]] std::optional<FileStamp> readStamp(const std::filesystem::path& path);
 
 /// The whole contents of a regular file. Never waits on a FIFO or device put in a file's place.

@@ -77,7 +77,9 @@ AnyCodable& AnyCodable::operator=(AnyCodable&& other) noexcept {
   return *this;
 }
 
-AnyCodable::~AnyCodable() { releaseChildren(); }
+AnyCodable::~AnyCodable() {
+  releaseChildren();
+}
 
 void AnyCodable::releaseChildren() noexcept {
   if (!holdsChildren()) return;

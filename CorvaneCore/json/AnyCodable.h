@@ -37,7 +37,8 @@ class AnyCodable {
   AnyCodable(Array value) noexcept : held(std::move(value)) {}
   AnyCodable(Object value) noexcept : held(std::move(value)) {}
   template <class Element>
-  AnyCodable(const std::vector<Element>& elements) : held(Array(elements.begin(), elements.end())) {}
+  AnyCodable(const std::vector<Element>& elements)
+      : held(Array(elements.begin(), elements.end())) {}
   template <class Element>
   AnyCodable(const std::map<std::string, Element>& members);
 
@@ -67,6 +68,13 @@ class AnyCodable {
   /// The member `key` when this is an object that has it, else nullptr.
   [[nodiscard]] const AnyCodable* find(std::string_view key) const noexcept;
 
+  /// The same when it is held as a T, one of the alternatives of Value, else nullptr.
+  template <class T>
+  [[nodiscard]] const T* findAs(std::string_view key) const noexcept {
+    const AnyCodable* member = find(key);
+    return member ? std::get_if<T>(&member->held) : nullptr;
+  }
+
   friend bool operator==(const AnyCodable& left, const AnyCodable& right);
 
  private:
@@ -80,6 +88,12 @@ struct JsonObject::Member {
   std::string key;
   AnyCodable value;
 };
+
+template <class T>
+const T* JsonObject::findAs(std::string_view key) const noexcept {
+  const AnyCodable* member = find(key);
+  return member ? std::get_if<T>(&member->value()) : nullptr;
+}
 
 template <class Element>
 AnyCodable::AnyCodable(const std::map<std::string, Element>& members) {

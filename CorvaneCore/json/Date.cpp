@@ -47,7 +47,9 @@ class Fields {
 
 }  // namespace
 
-Date currentDate() { return floor<seconds>(system_clock::now()); }
+Date currentDate() {
+  return floor<seconds>(system_clock::now());
+}
 
 std::string formatDate(Date date) {
   const auto day = floor<days>(date);
@@ -87,7 +89,8 @@ std::optional<Date> parseDate(std::string_view text) {
   } else if (zone != 'Z') {
     return std::nullopt;
   }
-  const year_month_day ymd(std::chrono::year(year), std::chrono::month(static_cast<unsigned>(month)),
+  const year_month_day ymd(std::chrono::year(year),
+                           std::chrono::month(static_cast<unsigned>(month)),
                            std::chrono::day(static_cast<unsigned>(day)));
   if (!fields.complete() || !ymd.ok() || hour > 23 || minute > 59 || second > 59) {
     return std::nullopt;

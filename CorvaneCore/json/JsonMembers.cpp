@@ -16,11 +16,21 @@ class MemberFilter final : public JsonSink {
  public:
   explicit MemberFilter(const std::vector<std::string_view>& names) : names(names) {}
 
-  void null() override { pass([](JsonSink& to) { to.null(); }); }
-  void boolean(bool value) override { pass([=](JsonSink& to) { to.boolean(value); }); }
-  void integer(std::int64_t value) override { pass([=](JsonSink& to) { to.integer(value); }); }
-  void number(double value) override { pass([=](JsonSink& to) { to.number(value); }); }
-  void string(std::string_view value) override { pass([=](JsonSink& to) { to.string(value); }); }
+  void null() override {
+    pass([](JsonSink& to) { to.null(); });
+  }
+  void boolean(bool value) override {
+    pass([=](JsonSink& to) { to.boolean(value); });
+  }
+  void integer(std::int64_t value) override {
+    pass([=](JsonSink& to) { to.integer(value); });
+  }
+  void number(double value) override {
+    pass([=](JsonSink& to) { to.number(value); });
+  }
+  void string(std::string_view value) override {
+    pass([=](JsonSink& to) { to.string(value); });
+  }
 
   void beginArray() override {
     pass([](JsonSink& to) { to.beginArray(); });

@@ -10,7 +10,9 @@ namespace corvane {
 
 namespace {
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
 
 /// The parts of a number literal that follow the JSON grammar.
 struct Literal {
@@ -59,7 +61,8 @@ std::int64_t exponentValue(std::string_view exponent) {
   if (exponent.empty()) return 0;
   if (exponent.front() == '+') exponent.remove_prefix(1);
   std::int64_t value = 0;
-  const auto [end, error] = std::from_chars(exponent.data(), exponent.data() + exponent.size(), value);
+  const auto [end, error] =
+      std::from_chars(exponent.data(), exponent.data() + exponent.size(), value);
   if (error != std::errc{} || std::abs(value) > hugeExponent) {
     return exponent.front() == '-' ? -hugeExponent : hugeExponent;
   }
@@ -78,7 +81,8 @@ std::optional<std::int64_t> exactInteger(const Literal& literal) {
   const std::int64_t scale = exponentValue(literal.exponent) -
                              static_cast<std::int64_t>(literal.fraction.size()) + trailingZeros;
   constexpr std::int64_t mostDigits = std::numeric_limits<std::int64_t>::digits10 + 1;
-  if (scale < 0 || static_cast<std::int64_t>(digits.size()) + scale > mostDigits) return std::nullopt;
+  if (scale < 0 || static_cast<std::int64_t>(digits.size()) + scale > mostDigits)
+    return std::nullopt;
   digits.append(static_cast<std::size_t>(scale), '0');
   if (literal.negative) digits.insert(0, 1, '-');
   return parseInteger(digits);

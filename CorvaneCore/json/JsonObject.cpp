@@ -16,8 +16,12 @@ constexpr auto keyBefore = [](const JsonObject::Member& member, std::string_view
 }  // namespace
 
 JsonObject::JsonObject() noexcept = default;
-JsonObject::JsonObject(std::initializer_list<Member> given) : members(given) { sortUnique(); }
-JsonObject::JsonObject(std::vector<Member> given) : members(std::move(given)) { sortUnique(); }
+JsonObject::JsonObject(std::initializer_list<Member> given) : members(given) {
+  sortUnique();
+}
+JsonObject::JsonObject(std::vector<Member> given) : members(std::move(given)) {
+  sortUnique();
+}
 JsonObject::JsonObject(const JsonObject& other) = default;
 JsonObject::JsonObject(JsonObject&& other) noexcept = default;
 JsonObject& JsonObject::operator=(const JsonObject& other) = default;
@@ -42,12 +46,24 @@ void JsonObject::set(std::string_view key, AnyCodable value) {
   }
 }
 
-std::size_t JsonObject::size() const noexcept { return members.size(); }
-bool JsonObject::empty() const noexcept { return members.empty(); }
-JsonObject::iterator JsonObject::begin() noexcept { return members.begin(); }
-JsonObject::iterator JsonObject::end() noexcept { return members.end(); }
-JsonObject::const_iterator JsonObject::begin() const noexcept { return members.begin(); }
-JsonObject::const_iterator JsonObject::end() const noexcept { return members.end(); }
+std::size_t JsonObject::size() const noexcept {
+  return members.size();
+}
+bool JsonObject::empty() const noexcept {
+  return members.empty();
+}
+JsonObject::iterator JsonObject::begin() noexcept {
+  return members.begin();
+}
+JsonObject::iterator JsonObject::end() noexcept {
+  return members.end();
+}
+JsonObject::const_iterator JsonObject::begin() const noexcept {
+  return members.begin();
+}
+JsonObject::const_iterator JsonObject::end() const noexcept {
+  return members.end();
+}
 
 void JsonObject::sortUnique() {
   const auto outOfOrder = [](const Member& left, const Member& right) {

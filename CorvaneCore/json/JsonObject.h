@@ -31,6 +31,9 @@ class JsonObject {
   /// The value under `key`, or nullptr when there is none.
   [[nodiscard]] const AnyCodable* find(std::string_view key) const noexcept;
   [[nodiscard]] AnyCodable* find(std::string_view key) noexcept;
+  /// The value under `key` when it is held as a T, one of AnyCodable's alternatives, else nullptr.
+  template <class T>
+  [[nodiscard]] const T* findAs(std::string_view key) const noexcept;
   /// Sets `key` to `value`, replacing what it held.
   void set(std::string_view key, AnyCodable value);
 

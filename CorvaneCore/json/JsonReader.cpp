@@ -60,9 +60,9 @@ bool surrogatesArePaired(std::string_view text) {
     case simdjson::CAPACITY:
       throw DecodeError("not readable: the text is too large");
     default:
-      throw DecodeError("not valid JSON" +
-                        (offset ? ": unexpected text at or after byte " + std::to_string(*offset)
-                                : ""));
+      throw DecodeError(
+          "not valid JSON" +
+          (offset ? ": unexpected text at or after byte " + std::to_string(*offset) : ""));
   }
 }
 
@@ -225,6 +225,8 @@ AnyCodable JsonReader::read(std::string_view text) {
   return tree.take();
 }
 
-AnyCodable readJson(std::string_view text) { return JsonReader().read(text); }
+AnyCodable readJson(std::string_view text) {
+  return JsonReader().read(text);
+}
 
 }  // namespace corvane

@@ -6,8 +6,8 @@
 namespace corvane {
 
 /// Takes one JSON value as a sequence of events: a scalar, or a begin, the contents and an end.
-/// Inside an object every value is preceded by its key. Reading a text, walking a value and encoding
-/// a record all speak to a sink, so each of them can be joined with each consumer.
+/// Inside an object every value is preceded by its key. Reading a text, walking a value and
+/// encoding a record all speak to a sink, so each of them can be joined with each consumer.
 class JsonSink {
  public:
   virtual ~JsonSink() = default;

@@ -17,7 +17,7 @@ namespace corvane {
 template <class Record, class Member>
 struct Field {
   std::string_view key;
-  Member Record::*member;
+  Member Record::* member;
   /// Read in the place of `key` when `key` is absent; never written.
   std::string_view alias = {};
   /// Whether a member that is not std::optional keeps its initial value when it is absent.
@@ -35,7 +35,7 @@ struct Field {
 ///   }
 /// Decoding, encoding and the paths in error texts all come from that list.
 template <class Record, class Member>
-[[nodiscard]] constexpr Field<Record, Member> field(std::string_view key, Member Record::*member) {
+[[nodiscard]] constexpr Field<Record, Member> field(std::string_view key, Member Record::* member) {
   return {key, member};
 }
 

@@ -14,7 +14,8 @@ namespace corvane {
 ///   enum class Kind        a vocabulary, one value per case
 ///   tagKey                 the key of the tag member
 ///   choice                 a std::variant of declared records, in the order of Kind
-/// and may declare `unknownTag`, the text that a decode error begins with when the tag names no case.
+/// and may declare `unknownTag`, the text that a decode error begins with when the tag names no
+/// case.
 template <class T>
 concept TaggedUnion = HasVocabulary<typename T::Kind> && requires(T value) {
   T::tagKey;
@@ -33,10 +34,10 @@ struct Codec<Union> {
     const auto index = static_cast<std::size_t>(decodeTag(std::move(*tag), tagPlace));
     Union decoded;
     [&]<std::size_t... I>(std::index_sequence<I...>) {
-      ((I == index ? void(decoded.choice.template emplace<I>(
-                         record_detail::decodeFields<std::variant_alternative_t<I, Choice>>(object,
-                                                                                           at)))
-                   : void()),
+      ((I == index
+            ? void(decoded.choice.template emplace<I>(
+                  record_detail::decodeFields<std::variant_alternative_t<I, Choice>>(object, at)))
+            : void()),
        ...);
     }(std::make_index_sequence<std::variant_size_v<Choice>>());
     return decoded;

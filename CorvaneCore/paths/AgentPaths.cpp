@@ -16,6 +16,8 @@ void AgentPaths::ensureAgentResultsDirectoryExists() const {
   ensureDirectoryExists(agentResultsDirectory());
 }
 
-void AgentPaths::ensureAgentMCPDirectoryExists() const { ensureDirectoryExists(agentMCPDirectory()); }
+void AgentPaths::ensureAgentMCPDirectoryExists() const {
+  ensureDirectoryExists(agentMCPDirectory());
+}
 
 }  // namespace corvane

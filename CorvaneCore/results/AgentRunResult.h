@@ -178,18 +178,18 @@ struct AgentRunResult {
 
   static constexpr auto fields() {
     using R = AgentRunResult;
-    return std::tuple(
-        field("schemaVersion", &R::schemaVersion), field("requestId", &R::requestId),
-        field("source", &R::source), field("status", &R::status), field("terminal", &R::terminal),
-        field("updatedAt", &R::updatedAt), field("projectName", &R::projectName),
-        field("platform", &R::platform), field("message", &R::message),
-        field("progress", &R::progress), field("queuePosition", &R::queuePosition),
-        field("blocked", &R::blocked), field("validationIssues", &R::validationIssues),
-        field("tests", &R::tests), field("summary", &R::summary),
-        field("appUnderTest", &R::appUnderTest), field("creditsSpent", &R::creditsSpent),
-        field("creditBalance", &R::creditBalance), field("trace", &R::trace),
-        field("authoredTest", &R::authoredTest), field("authoredTests", &R::authoredTests),
-        field("udi", &R::udi));
+    return std::tuple(field("schemaVersion", &R::schemaVersion), field("requestId", &R::requestId),
+                      field("source", &R::source), field("status", &R::status),
+                      field("terminal", &R::terminal), field("updatedAt", &R::updatedAt),
+                      field("projectName", &R::projectName), field("platform", &R::platform),
+                      field("message", &R::message), field("progress", &R::progress),
+                      field("queuePosition", &R::queuePosition), field("blocked", &R::blocked),
+                      field("validationIssues", &R::validationIssues), field("tests", &R::tests),
+                      field("summary", &R::summary), field("appUnderTest", &R::appUnderTest),
+                      field("creditsSpent", &R::creditsSpent),
+                      field("creditBalance", &R::creditBalance), field("trace", &R::trace),
+                      field("authoredTest", &R::authoredTest),
+                      field("authoredTests", &R::authoredTests), field("udi", &R::udi));
   }
 
   /// Sets the status together with the `terminal` flag that belongs to it.

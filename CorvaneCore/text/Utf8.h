@@ -8,8 +8,8 @@ namespace corvane {
 /// Whether `text` is valid UTF-8.
 [[nodiscard]] bool isValidUtf8(std::string_view text);
 
-/// `text` with every byte that is not part of valid UTF-8 replaced by U+FFFD: for foreign text (file
-/// names, system messages) that goes into JSON or a log line.
+/// `text` with every byte that is not part of valid UTF-8 replaced by U+FFFD: for foreign text
+/// (file names, system messages) that goes into JSON or a log line.
 [[nodiscard]] std::string toValidUtf8(std::string_view text);
 
 /// `text` without the Unicode white space and newlines at its ends. `text` is valid UTF-8.

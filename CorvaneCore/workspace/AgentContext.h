@@ -94,13 +94,14 @@ struct AgentContext {
 
     static constexpr auto fields() {
       using R = ProjectContext;
-      return std::tuple(
-          field("name", &R::name), field("platform", &R::platform),
-          field("bundleIdentifier", &R::bundleIdentifier), field("applicationId", &R::applicationId),
-          field("buildBeforeScheduledRuns", &R::buildBeforeScheduledRuns),
-          field("iosBuildConfigured", &R::iosBuildConfigured),
-          field("androidBuildConfigured", &R::androidBuildConfigured), field("suites", &R::suites),
-          field("tests", &R::tests), field("worldMap", &R::worldMap));
+      return std::tuple(field("name", &R::name), field("platform", &R::platform),
+                        field("bundleIdentifier", &R::bundleIdentifier),
+                        field("applicationId", &R::applicationId),
+                        field("buildBeforeScheduledRuns", &R::buildBeforeScheduledRuns),
+                        field("iosBuildConfigured", &R::iosBuildConfigured),
+                        field("androidBuildConfigured", &R::androidBuildConfigured),
+                        field("suites", &R::suites), field("tests", &R::tests),
+                        field("worldMap", &R::worldMap));
     }
   };
 
@@ -145,11 +146,11 @@ struct AgentContext {
 
   static constexpr auto fields() {
     using R = AgentContext;
-    return std::tuple(
-        field("schemaVersion", &R::schemaVersion), field("updatedAt", &R::updatedAt),
-        field("appVersion", &R::appVersion), field("currentProjectName", &R::currentProjectName),
-        field("projects", &R::projects), field("device", &R::device),
-        field("userDefinedInteractions", &R::userDefinedInteractions));
+    return std::tuple(field("schemaVersion", &R::schemaVersion), field("updatedAt", &R::updatedAt),
+                      field("appVersion", &R::appVersion),
+                      field("currentProjectName", &R::currentProjectName),
+                      field("projects", &R::projects), field("device", &R::device),
+                      field("userDefinedInteractions", &R::userDefinedInteractions));
   }
 
   /// Throws EncodeError or FileError.

@@ -1,0 +1,113 @@
+#include <fcntl.h>
+#include <linux/close_range.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <string>
+#include <system_error>
+
+#include "CorvaneCore/files/FileDescriptor.h"
+#include "CorvaneCore/files/Files.h"
+#include "corvane_mcp/app/AppProcess.h"
+
+namespace corvane {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+bool isProcessFolder(const fs::path& entry) {
+  const std::string name = entry.filename();
+  return std::all_of(name.begin(), name.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+/// The process's arguments joined with blanks; empty when it is gone or not ours to see.
+std::string commandLine(const fs::path& processFolder) {
+  const FileDescriptor file(::open((processFolder / "cmdline").c_str(), O_RDONLY | O_CLOEXEC));
+  std::string arguments;
+  std::array<char, 4096> chunk;
+  ssize_t count = 0;
+  while (file.isOpen() && (count = ::read(file.get(), chunk.data(), chunk.size())) > 0) {
+    arguments.append(chunk.data(), static_cast<std::size_t>(count));
+  }
+  std::replace(arguments.begin(), arguments.end(), '\0', ' ');
+  return arguments;
+}
+
+/// Runs in a fresh child of a process with threads, where only async-signal-safe calls are allowed.
+[[noreturn]] void becomeApplication(const char* program, int errorPipe) {
+  ::setsid();
+  // A second fork, so that the application is nobody's child and is never waited for.
+  const pid_t application = ::fork();
+  if (application != 0) ::_exit(application < 0 ? 1 : 0);
+
+  struct sigaction defaultAction{};
+  defaultAction.sa_handler = SIG_DFL;
+  for (int signal = 1; signal < NSIG; ++signal) ::sigaction(signal, &defaultAction, nullptr);
+  sigset_t none;
+  ::sigemptyset(&none);
+  ::sigprocmask(SIG_SETMASK, &none, nullptr);
+
+  [[maybe_unused]] const int moved = ::chdir("/");
+  // The pipe closes with a successful start as well, which is how its reader learns of it.
+  ::dup2(errorPipe, STDERR_FILENO + 1);
+  errorPipe = STDERR_FILENO + 1;
+  ::fcntl(errorPipe, F_SETFD, FD_CLOEXEC);
+  const int nowhere = ::open("/dev/null", O_RDWR);
+  for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) ::dup2(nowhere, stream);
+  const auto firstOther = static_cast<unsigned>(errorPipe) + 1;
+  if (::syscall(SYS_close_range, firstOther, ~0U, 0) != 0) {
+    const long limit = ::sysconf(_SC_OPEN_MAX);
+    for (int other = errorPipe + 1; other < limit; ++other) ::close(other);
+  }
+  std::array<char*, 2> arguments{const_cast<char*>(program), nullptr};
+  ::execv(program, arguments.data());
+  const int reason = errno;
+  [[maybe_unused]] const ssize_t told = ::write(errorPipe, &reason, sizeof reason);
+  ::_exit(1);
+}
+
+}  // namespace
+
+bool AppProcess::isRunning(std::string_view text) {
+  for (const auto& entry : listVisible("/proc")) {
+    if (isProcessFolder(entry) && commandLine(entry).find(text) != std::string::npos) return true;
+  }
+  return false;
+}
+
+void AppProcess::start(const fs::path& bundle) {
+  const std::string program = bundle / "Contents" / "MacOS" / "Corvane";
+  std::array<int, 2> ends{};
+  if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
+    throw std::system_error(errno, std::generic_category());
+  }
+  const FileDescriptor readEnd(ends[0]);
+  FileDescriptor writeEnd(ends[1]);
+  const pid_t child = ::fork();
+  if (child < 0) throw std::system_error(errno, std::generic_category());
+  if (child == 0) becomeApplication(program.c_str(), writeEnd.get());
+  writeEnd.close();
+
+  int status = 0;
+  while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+  }
+  int reason = 0;
+  ssize_t count = 0;
+  while ((count = ::read(readEnd.get(), &reason, sizeof reason)) < 0 && errno == EINTR) {
+  }
+  if (count == static_cast<ssize_t>(sizeof reason)) {
+    throw std::system_error(reason, std::generic_category());
+  }
+  if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
+    throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
+  }
+}
+
+}  // namespace corvane

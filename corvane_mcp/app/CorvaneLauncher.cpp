@@ -1,0 +1,98 @@
+#include "corvane_mcp/app/CorvaneLauncher.h"
+
+#include <cstdlib>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "CorvaneCore/files/Files.h"
+#include "corvane_mcp/app/AppProcess.h"
+
+namespace corvane {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* suppressVariable = "CORVANE_MCP_SUPPRESS_LAUNCH";
+
+/// Mac Catalyst builds and index-store copies are never what a developer means to run.
+bool isDevelopmentBuild(const fs::path& path) {
+  return path.filename() == "Corvane.app" &&
+         path.native().find("maccatalyst") == std::string::npos &&
+         path.native().find("Index.noindex") == std::string::npos;
+}
+
+FileTime modifiedAt(const fs::path& path) {
+  const auto stamp = readStamp(path);
+  return stamp ? stamp->modifiedAt : FileTime::min();
+}
+
+std::optional<fs::path> ifExists(fs::path path) {
+  return fileExists(path) ? std::optional(std::move(path)) : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<fs::path> CorvaneLauncher::findCorvaneApp() const {
+  if (auto app = bundledCorvaneApp()) return app;
+  if (auto app = ifExists(places.systemApplications / "Corvane.app")) return app;
+  if (auto app = ifExists(places.home / "Applications" / "Corvane.app")) return app;
+  return newestDerivedDataBuild();
+}
+
+std::optional<fs::path> CorvaneLauncher::bundledCorvaneApp() const {
+  if (places.program.empty()) return std::nullopt;
+  std::error_code error;
+  const fs::path program = fs::weakly_canonical(places.program, error);
+  if (error) return std::nullopt;
+  const fs::path bundle = program.parent_path().parent_path().parent_path();
+  if (bundle.extension() != ".app" || !bundle.filename().native().starts_with("Corvane")) {
+    return std::nullopt;
+  }
+  return ifExists(bundle);
+}
+
+std::optional<fs::path> CorvaneLauncher::newestDerivedDataBuild() const {
+  std::optional<fs::path> newest;
+  FileTime newestTime = FileTime::min();
+  std::vector<fs::path> folders{places.home / "Library" / "Developer" / "Xcode" / "DerivedData"};
+  while (!folders.empty()) {
+    const fs::path folder = std::move(folders.back());
+    folders.pop_back();
+    for (const auto& entry : listVisible(folder)) {
+      if (isDevelopmentBuild(entry)) {
+        const FileTime time = modifiedAt(entry);
+        if (!newest || time > newestTime) {
+          newest = entry;
+          newestTime = time;
+        }
+      }
+      std::error_code ignored;
+      const auto kind = fs::symlink_status(entry, ignored).type();
+      if (kind == fs::file_type::directory) folders.push_back(entry);
+    }
+  }
+  return newest;
+}
+
+bool CorvaneLauncher::isRunning() const {
+  return AppProcess::isRunning("Corvane.app/Contents/MacOS/Corvane");
+}
+
+bool CorvaneLauncher::launch(const fs::path& app) const {
+  const char* suppress = std::getenv(suppressVariable);
+  if (suppress && std::string_view(suppress) == "1") {
+    logger.warn("Launch suppressed via CORVANE_MCP_SUPPRESS_LAUNCH=1 (smoke-test only)");
+    return false;
+  }
+  try {
+    AppProcess::start(app);
+    return true;
+  } catch (const std::exception& error) {
+    logger.error("Failed to launch Corvane.app at " + displayPath(app) + ": " + error.what());
+    return false;
+  }
+}
+
+}  // namespace corvane

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+
+#include "corvane_mcp/server/Logger.h"
+
+namespace corvane {
+
+/// Finds, checks and starts Corvane.app. Holds no state: each call looks afresh. No operation
+/// throws; all of them may block for a while and may be called from any thread.
+class CorvaneLauncher {
+ public:
+  /// Where to look.
+  struct Places {
+    /// The program's own path as it was started (its first command-line argument); may be empty.
+    std::filesystem::path program;
+    std::filesystem::path home;
+    std::filesystem::path systemApplications = "/Applications";
+  };
+
+  CorvaneLauncher(Places places, Logger& logger) : places(std::move(places)), logger(logger) {}
+
+  /// The app bundle: the one around this program, else the installed one, else the newest
+  /// development build.
+  [[nodiscard]] std::optional<std::filesystem::path> findCorvaneApp() const;
+  /// The app bundle that contains this program.
+  [[nodiscard]] std::optional<std::filesystem::path> bundledCorvaneApp() const;
+  /// The most recently modified development build. Walks a folder tree that may be large.
+  [[nodiscard]] std::optional<std::filesystem::path> newestDerivedDataBuild() const;
+  [[nodiscard]] bool isRunning() const;
+  /// Starts the app bundle; true when the start was handed to the system.
+  [[nodiscard]] bool launch(const std::filesystem::path& app) const;
+
+ private:
+  Places places;
+  Logger& logger;
+};
+
+}  // namespace corvane

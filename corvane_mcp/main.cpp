@@ -1,0 +1,31 @@
+#include <unistd.h>
+
+#include <csignal>
+
+#include "corvane_mcp/server/MCPServer.h"
+#include "corvane_mcp/server/StandardStreams.h"
+#include "corvane_mcp/tools/Tools.h"
+
+using namespace corvane;
+
+int main(int argumentCount, char** arguments) {
+  MessageWriter writer(claimStandardOutput());
+  // A reader that goes away must not end the process; what is written to it is dropped.
+  std::signal(SIGPIPE, SIG_IGN);
+
+  const AgentPaths paths = AgentPaths::current();
+  Logger logger(paths.logFile());
+  const CorvaneLauncher launcher({argumentCount > 0 ? arguments[0] : "", paths.home()}, logger);
+  ClientIdentity client;
+  const SystemClock clock;
+
+  ToolRegistry registry;
+  paths.ensureAgentImportsDirectoryExists();
+  paths.ensureAgentRunRequestsDirectoryExists();
+  registerTools(registry, {paths, launcher, client, clock, logger});
+
+  MCPServer server({registry, {"corvane-mcp", "0.2.0"}, client, logger, writer});
+  LineReader input(STDIN_FILENO);
+  server.run(input);
+  return 0;
+}

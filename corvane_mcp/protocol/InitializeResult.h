@@ -1,0 +1,52 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "CorvaneCore/json/Record.h"
+
+namespace corvane {
+
+struct ServerInfo {
+  std::string name;
+  std::string version;
+
+  static constexpr auto fields() {
+    using R = ServerInfo;
+    return std::tuple(field("name", &R::name), field("version", &R::version));
+  }
+};
+
+struct ToolsCapability {
+  /// Always false: the tool list never changes while the server runs.
+  bool listChanged = false;
+
+  static constexpr auto fields() {
+    using R = ToolsCapability;
+    return std::tuple(field("listChanged", &R::listChanged));
+  }
+};
+
+struct ServerCapabilities {
+  std::optional<ToolsCapability> tools;
+
+  static constexpr auto fields() {
+    using R = ServerCapabilities;
+    return std::tuple(field("tools", &R::tools));
+  }
+};
+
+/// What `initialize` answers.
+struct InitializeResult {
+  std::string protocolVersion;
+  ServerCapabilities capabilities;
+  ServerInfo serverInfo;
+
+  static constexpr auto fields() {
+    using R = InitializeResult;
+    return std::tuple(field("protocolVersion", &R::protocolVersion),
+                      field("capabilities", &R::capabilities), field("serverInfo", &R::serverInfo));
+  }
+};
+
+}  // namespace corvane

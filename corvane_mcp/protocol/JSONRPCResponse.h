@@ -1,0 +1,34 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "CorvaneCore/json/Record.h"
+#include "corvane_mcp/protocol/JSONRPCError.h"
+#include "corvane_mcp/protocol/JSONRPCID.h"
+
+namespace corvane {
+
+/// One reply. Exactly one of `result` and `error` is set in every reply the server writes.
+struct JSONRPCResponse {
+  std::string jsonrpc = "2.0";
+  /// The request's id, or null when it could not be known.
+  JSONRPCID id;
+  std::optional<AnyCodable> result;
+  std::optional<JSONRPCError> error;
+
+  [[nodiscard]] static JSONRPCResponse success(JSONRPCID id, AnyCodable result) {
+    return {.id = std::move(id), .result = std::move(result), .error = std::nullopt};
+  }
+  [[nodiscard]] static JSONRPCResponse failure(JSONRPCID id, JSONRPCError error) {
+    return {.id = std::move(id), .result = std::nullopt, .error = std::move(error)};
+  }
+
+  static constexpr auto fields() {
+    using R = JSONRPCResponse;
+    return std::tuple(field("jsonrpc", &R::jsonrpc), field("id", &R::id),
+                      field("result", &R::result), field("error", &R::error));
+  }
+};
+
+}  // namespace corvane

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <condition_variable>
+#include <filesystem>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+namespace corvane {
+
+/// The server's only diagnostic channel: every line goes to standard error at once and, in order,
+/// to a log file that is rotated once it has grown past 1 MiB. Failures are never reported. May be
+/// called from any thread; several processes may share one log file.
+class Logger {
+ public:
+  enum class Level { info, warn, error };
+
+  /// Creates the log file's folder, with parents.
+  explicit Logger(std::filesystem::path logFile);
+  Logger(const Logger&) = delete;
+  Logger& operator=(const Logger&) = delete;
+  /// Returns when every line is in the file.
+  ~Logger();
+
+  /// Writes "[timestamp] [LEVEL] message". Control characters of the message are escaped, so that
+  /// one event is one line. Returns at once, unless the disk has fallen megabytes behind.
+  void emit(Level level, std::string_view message);
+  void info(std::string_view message) { emit(Level::info, message); }
+  void warn(std::string_view message) { emit(Level::warn, message); }
+  void error(std::string_view message) { emit(Level::error, message); }
+
+ private:
+  void queueForFile(std::string line);
+  void writeQueuedLines();
+
+  const std::filesystem::path logFile;
+  std::mutex mutex;
+  std::condition_variable changed;
+  std::vector<std::string> queued;
+  std::size_t queuedBytes = 0;
+  /// Whether the file worker waits without a time limit and so needs a call.
+  bool workerIdle = true;
+  bool stopping = false;
+  std::thread worker;
+};
+
+}  // namespace corvane

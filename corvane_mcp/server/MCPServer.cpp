@@ -1,0 +1,177 @@
+#include "corvane_mcp/server/MCPServer.h"
+
+#include "CorvaneCore/json/AgentWire.h"
+#include "corvane_mcp/protocol/ToolsCallParams.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr std::string_view toolsCallMethod = "tools/call";
+constexpr std::string_view defaultProtocolVersion = "2025-03-26";
+
+std::string describeId(const std::optional<JSONRPCID>& id) {
+  if (!id) return "notification";
+  if (const auto* text = std::get_if<std::string>(&id->value)) return "\"" + *text + "\"";
+  return std::to_string(std::get<std::int64_t>(id->value));
+}
+
+/// The progress token of a call's params; null is a token too.
+std::optional<AnyCodable> progressToken(const AnyCodable& params) {
+  const AnyCodable* meta = params.find("_meta");
+  const AnyCodable* token = meta ? meta->find("progressToken") : nullptr;
+  return token ? std::optional(*token) : std::nullopt;
+}
+
+}  // namespace
+
+void MCPServer::run(LineReader& input) {
+  parts.logger.info("corvane-mcp starting (" + parts.serverInfo.name + " v" +
+                    parts.serverInfo.version + ")");
+  do {
+    handleBufferedLines(input);
+  } while (input.readMore());
+  if (const std::size_t count = tasks.inFlight(); count > 0) {
+    parts.logger.info("stdin closed; draining " + std::to_string(count) +
+                      " in-flight tool call(s)");
+    tasks.waitUntilIdle();
+  }
+  parts.logger.info("stdin closed; exiting");
+}
+
+void MCPServer::handleBufferedLines(LineReader& input) {
+  while (const auto line = input.nextBuffered()) {
+    if (line->tooLong) {
+      replyToUnreadable("the line is longer than " + std::to_string(LineReader::longestLine) +
+                        " bytes");
+    } else if (!line->text.empty()) {
+      handleLine(line->text);
+    }
+  }
+  parts.writer.flush();
+}
+
+void MCPServer::handleLine(std::string_view line) {
+  JSONRPCRequest request;
+  try {
+    request = decodeValue<JSONRPCRequest>(reader.read(line));
+  } catch (const std::exception& error) {
+    replyToUnreadable(error.what());
+    return;
+  }
+  parts.logger.info("→ " + request.method + " (id=" + describeId(request.id) + ")");
+  if (request.method == toolsCallMethod) {
+    tasks.start(respondToToolsCall(std::move(request)));
+    return;
+  }
+  try {
+    AnyCodable result = dispatch(request);
+    if (request.id) {
+      send(JSONRPCResponse::success(*request.id, std::move(result)), Delivery::together);
+    }
+  } catch (...) {
+    replyWithFailure(request.id, std::current_exception(),
+                     {"Notification " + request.method + " raised error (no response sent): ",
+                      "Unhandled error in " + request.method + ": "},
+                     Delivery::together);
+  }
+}
+
+AnyCodable MCPServer::dispatch(const JSONRPCRequest& request) {
+  const std::string& method = request.method;
+  if (method == "initialize") return encodeValue(handleInitialize(request.params));
+  if (method == "tools/list") return encodeValue(parts.registry.descriptors());
+  if (method == "ping" || method == "notifications/initialized") return AnyCodable::Object();
+  if (method == "shutdown") {
+    parts.logger.info("Received shutdown");
+    return AnyCodable::Object();
+  }
+  throw JSONRPCError(JSONRPCError::methodNotFound, "Method not found: " + method);
+}
+
+InitializeResult MCPServer::handleInitialize(const std::optional<AnyCodable>& params) {
+  const AnyCodable given = params.value_or(AnyCodable());
+  const auto* clientInfo = given.findAs<JsonObject>("clientInfo");
+  if (const auto* name = clientInfo ? clientInfo->findAs<std::string>("name") : nullptr) {
+    parts.client.setName(*name);
+    parts.logger.info("Client identified: " + *name);
+  }
+  const auto* requested = given.findAs<std::string>("protocolVersion");
+  const std::string answered = requested ? *requested : std::string(defaultProtocolVersion);
+  parts.logger.info("initialize: protocolVersion requested=" + (requested ? *requested : "<none>") +
+                    " → responding " + answered);
+  return {answered, {ToolsCapability{}}, parts.serverInfo};
+}
+
+Task<void> MCPServer::respondToToolsCall(JSONRPCRequest request) {
+  std::exception_ptr failure;
+  AnyCodable result;
+  try {
+    result = co_await handleToolsCall(std::move(request.params));
+  } catch (...) {
+    failure = std::current_exception();
+  }
+  if (failure) {
+    replyWithFailure(request.id, failure,
+                     {"tools/call notification raised error (no response sent): ",
+                      "Unhandled error in tools/call: "},
+                     Delivery::now);
+  } else if (request.id) {
+    send(JSONRPCResponse::success(*request.id, std::move(result)), Delivery::now);
+  }
+}
+
+Task<AnyCodable> MCPServer::handleToolsCall(std::optional<AnyCodable> params) {
+  if (!params) throw JSONRPCError(JSONRPCError::invalidParams, "tools/call requires params");
+  ToolCall call;
+  if (auto token = progressToken(*params)) call.progress.emplace(parts.writer, std::move(*token));
+  ToolsCallParams decoded;
+  try {
+    decoded = decodeValue<ToolsCallParams>(std::move(*params), "params");
+  } catch (const DecodeError& error) {
+    throw JSONRPCError(JSONRPCError::invalidParams,
+                       std::string("tools/call params malformed: ") + error.what());
+  }
+  call.arguments = std::move(decoded.arguments);
+  parts.logger.info("tools/call " + decoded.name + ": progressToken " +
+                    (call.progress ? "present" : "ABSENT"));
+  co_return encodeValue(co_await parts.registry.call(std::move(decoded.name), std::move(call)));
+}
+
+void MCPServer::replyToUnreadable(std::string_view description) {
+  parts.logger.error(std::string("Parse error: ").append(description));
+  send(JSONRPCResponse::failure({},
+                                JSONRPCError(JSONRPCError::parseError, std::string(description))),
+       Delivery::together);
+}
+
+void MCPServer::replyWithFailure(const std::optional<JSONRPCID>& id,
+                                 const std::exception_ptr& failure, const FailureTexts& texts,
+                                 Delivery delivery) {
+  JSONRPCError error;
+  try {
+    std::rethrow_exception(failure);
+  } catch (const JSONRPCError& protocolError) {
+    error = protocolError;
+    if (!id) parts.logger.warn(texts.unanswered + error.message);
+  } catch (const std::exception& unexpected) {
+    error = JSONRPCError(JSONRPCError::internalError, unexpected.what());
+    parts.logger.error(texts.unhandled + error.message);
+  }
+  if (id) send(JSONRPCResponse::failure(*id, std::move(error)), delivery);
+}
+
+void MCPServer::send(const JSONRPCResponse& response, Delivery delivery) {
+  try {
+    const std::string message = AgentWire::encode(response);
+    if (delivery == Delivery::now) {
+      parts.writer.send(message);
+    } else {
+      parts.writer.queue(message);
+    }
+  } catch (const std::exception& error) {
+    parts.logger.error(std::string("Failed to encode response: ") + error.what());
+  }
+}
+
+}  // namespace corvane

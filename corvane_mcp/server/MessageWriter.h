@@ -1,0 +1,35 @@
+#pragma once
+
+#include <mutex>
+#include <string>
+#include <string_view>
+
+#include "CorvaneCore/files/FileDescriptor.h"
+
+namespace corvane {
+
+/// The one owner of the protocol's output. Messages leave whole, each followed by a line feed, in
+/// the order they were given. A reader that is slow holds the callers back, so memory stays
+/// bounded; one that is gone is not noticed and what is written to it is dropped. May be called
+/// from any thread.
+class MessageWriter {
+ public:
+  explicit MessageWriter(FileDescriptor output) : output(std::move(output)) {}
+
+  /// Writes a message, and those queued before it, now.
+  void send(std::string_view message);
+  /// Keeps a message back to leave together with later ones; flush() must follow soon.
+  void queue(std::string_view message);
+  /// Writes what is queued.
+  void flush();
+
+ private:
+  void append(std::string_view message);
+  void writePending();
+
+  std::mutex mutex;
+  FileDescriptor output;
+  std::string pending;
+};
+
+}  // namespace corvane

@@ -1,0 +1,48 @@
+#include "corvane_mcp/server/ToolTasks.h"
+
+#include <asio/co_spawn.hpp>
+#include <exception>
+
+namespace corvane {
+
+namespace {
+
+/// Enough that one slow folder does not hold up the other calls.
+constexpr std::size_t threadCount = 4;
+
+}  // namespace
+
+ToolTasks::~ToolTasks() {
+  waitUntilIdle();
+  if (pool) pool->join();
+}
+
+void ToolTasks::start(Task<void> task) {
+  if (!pool) pool.emplace(threadCount);
+  {
+    const std::scoped_lock lock(mutex);
+    ++running;
+  }
+  asio::co_spawn(*pool, std::move(task), [this](const std::exception_ptr& fault) {
+    if (fault) std::terminate();
+    finished();
+  });
+}
+
+std::size_t ToolTasks::inFlight() const {
+  const std::scoped_lock lock(mutex);
+  return running;
+}
+
+void ToolTasks::waitUntilIdle() {
+  std::unique_lock lock(mutex);
+  idle.wait(lock, [this] { return running == 0; });
+}
+
+void ToolTasks::finished() {
+  // Notified under the lock: once it is released the owner may be gone.
+  const std::scoped_lock lock(mutex);
+  if (--running == 0) idle.notify_all();
+}
+
+}  // namespace corvane

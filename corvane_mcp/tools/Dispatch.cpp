@@ -1,0 +1,25 @@
+#include "corvane_mcp/tools/Dispatch.h"
+
+namespace corvane {
+
+std::string Dispatch::Launch::describe() const {
+  return succeeded ? appPath : appPath + "  (LAUNCH FAILED — open Corvane manually)";
+}
+
+std::string Dispatch::describeApp(const std::optional<std::filesystem::path>& app) {
+  return app ? displayPath(*app) : "<not found>";
+}
+
+Dispatch::Launch Dispatch::launchApp(const ToolServices& services) {
+  const auto app = services.launcher.findCorvaneApp();
+  if (!app) services.logger.warn("Could not locate Corvane.app to launch");
+  const bool runs = app && (services.launcher.isRunning() || services.launcher.launch(*app));
+  return {describeApp(app), runs};
+}
+
+std::string Dispatch::getResultCall(std::string_view requestId, int waitSeconds) {
+  return std::string("get_result {\"requestId\":\"").append(requestId) +
+         "\",\"waitSeconds\":" + std::to_string(waitSeconds) + "}";
+}
+
+}  // namespace corvane

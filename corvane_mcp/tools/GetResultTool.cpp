@@ -1,0 +1,158 @@
+#include "corvane_mcp/tools/GetResultTool.h"
+
+#include <algorithm>
+
+#include "CorvaneCore/text/Uuid.h"
+#include "corvane_mcp/results/ResultTexts.h"
+#include "corvane_mcp/results/StepTraceChoice.h"
+#include "corvane_mcp/tools/RequestIdArgument.h"
+#include "corvane_mcp/tools/ToolArguments.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr std::int64_t longestWait = 240;
+
+/// About four and a half missed heartbeats of some 20 seconds.
+constexpr std::int64_t staleAfterSeconds = 91;
+
+struct Arguments {
+  std::optional<std::string> requestId;
+  std::optional<std::int64_t> waitSeconds;
+  std::optional<bool> includeStepTrace;
+  std::optional<std::int64_t> traceStepIndex;
+  std::optional<std::int64_t> traceTestIndex;
+
+  static auto arguments() {
+    using A = Arguments;
+    return std::tuple(
+        argument("requestId", &A::requestId, "The requestId returned by create_test or run_test.")
+            .required()
+            .with("pattern", RequestIdArgument::pattern),
+        argument("waitSeconds", &A::waitSeconds,
+                 "Long-poll up to this many seconds for a terminal status. 0 = return the current "
+                 "snapshot immediately.")
+            .with("minimum", 0)
+            .with("maximum", longestWait)
+            .with("default", 0),
+        argument("includeStepTrace", &A::includeStepTrace,
+                 "Also return before/after screenshots of a step as image blocks. Screenshots "
+                 "exist for EVERY executed step (from the run's capture session) — useful to audit "
+                 "passing asserts too. Default step: the failing step, or the last executed step "
+                 "when the run passed. Token-expensive; request only what you need.")
+            .with("default", false),
+        argument("traceStepIndex", &A::traceStepIndex,
+                 "Optional with includeStepTrace: return this step's screenshots instead of the "
+                 "default (failing/last) step's.")
+            .with("minimum", 0),
+        argument("traceTestIndex", &A::traceTestIndex,
+                 "Optional with includeStepTrace on a multi-test run: read this test's capture "
+                 "session (0-based index into tests[]). Default: the run's failing-or-last test.")
+            .with("minimum", 0));
+  }
+};
+
+/// Sends a numbered progress notification for every snapshot.
+ResultFileStore::OnUpdate progressUpdates(const std::optional<ProgressReporter>& reporter) {
+  if (!reporter) return nullptr;
+  return [reporter = *reporter, count = 0](const ResultFileStore::Snapshot& snapshot) mutable {
+    reporter.emit(++count, std::nullopt, ResultTexts::progressLine(snapshot));
+  };
+}
+
+std::string pendingText(const std::string& id) {
+  return "status: pending (Corvane has not picked up the request yet)\n\n{\"requestId\":\"" + id +
+         "\",\"status\":\"pending\",\"terminal\":false}\n\nThe request file is still waiting in "
+         "Corvane's drop folder. Is Corvane.app running and signed in? (create_test/run_test "
+         "launch "
+         "it, but a cold start takes a few seconds — call get_result again with waitSeconds.)";
+}
+
+std::string unknownText(const std::string& id) {
+  return "error:unknown_request_id\n\nNo result for requestId " + id +
+         ". Either the id is wrong, the result was pruned (results are kept ~7 days), or your "
+         "Corvane.app predates run feedback — update Corvane if get_result never finds results for "
+         "fresh requests.";
+}
+
+std::string unreadableText(const std::filesystem::path& path) {
+  return "error:result_unreadable\n\nA result file exists but could not be parsed: " +
+         displayPath(path);
+}
+
+}  // namespace
+
+std::string_view GetResultTool::description() const {
+  return R"(Fetch the status and results of a Corvane run started by create_test or run_test. The requestIds of explore_flow and of the library tools work the same way.
+
+Results are progressive (received → queued → building → running → terminal). Terminal statuses: passed, failed, warning, blocked, cancelled, error (and imported, for create_test with autoRun=false).
+
+waitSeconds (0-240, default 0) long-polls inside this single call: it returns as soon as the status is terminal, or with the latest snapshot when the time is up — that timeout is NOT an error; just call get_result again. Recommended loop: get_result with waitSeconds 120, repeated until the status is terminal. If your client's per-call timeout is shorter than that, pass a smaller value (e.g. 45).
+
+Reading the answer:
+  • The result JSON is compact; failed steps carry an AI-written failureReason.
+  • status "blocked" means an action is needed from you or the user: read blocked.code and blocked.message.
+  • A step with status "healed" passed only after Corvane adapted to an unexpected screen; audit it with includeStepTrace before you trust the pass.
+  • Non-terminal snapshots carry liveness: appRunning and secondsSinceUpdate, and a plain warning when the run died with the app or looks wedged.
+
+includeStepTrace adds before/after screenshots of any executed step as image blocks — by default the failing step, or the last executed one; traceStepIndex picks another step, and traceTestIndex picks the test of a multi-test run. Costs image tokens — request only what you need.)";
+}
+
+AnyCodable GetResultTool::inputSchema() const {
+  return schemaOf<Arguments>(OtherProperties::refused);
+}
+
+Task<ToolsCallResult> GetResultTool::call(ToolCall call) const {
+  const auto arguments = readArguments<Arguments>(call, name());
+  const auto id = parseRequestId(arguments.requestId.value_or(""));
+  if (!id) co_return ToolsCallResult::failure(RequestIdArgument::invalidText(arguments.requestId));
+  const auto waitSeconds =
+      std::clamp<std::int64_t>(arguments.waitSeconds.value_or(0), 0, longestWait);
+
+  const auto outcome = co_await store.poll(*id, waitSeconds, progressUpdates(call.progress));
+  if (std::holds_alternative<ResultFileStore::Pending>(outcome)) {
+    co_return ToolsCallResult::success(pendingText(*id));
+  }
+  if (std::holds_alternative<ResultFileStore::Unknown>(outcome)) {
+    co_return ToolsCallResult::failure(unknownText(*id));
+  }
+  if (const auto* unreadable = std::get_if<ResultFileStore::Unreadable>(&outcome)) {
+    co_return ToolsCallResult::failure(unreadableText(unreadable->path));
+  }
+  const auto& snapshot = std::get<ResultFileStore::Snapshot>(outcome);
+  auto result = ToolsCallResult::success(snapshotHeader(snapshot) + "\n\n" + snapshot.rawJSON);
+  if (auto advice = ResultTexts::interruptAdvice(snapshot)) {
+    result.content.push_back(ContentBlock::text(std::move(*advice)));
+  }
+  if (arguments.includeStepTrace.value_or(false)) {
+    const StepTraceChoice choice{arguments.traceStepIndex, arguments.traceTestIndex};
+    for (auto& block : choice.blocks(snapshot.rawJSON)) result.content.push_back(std::move(block));
+  }
+  co_return result;
+}
+
+std::string GetResultTool::snapshotHeader(const ResultFileStore::Snapshot& snapshot) const {
+  std::string header = "status: " + snapshot.status;
+  if (snapshot.terminal) return header + " (terminal)";
+
+  std::optional<std::int64_t> seconds;
+  if (snapshot.modifiedAt) seconds = secondsBetween(*snapshot.modifiedAt, services.clock.now());
+  const std::string age =
+      seconds ? "\nsecondsSinceUpdate: " + std::to_string(*seconds) : std::string();
+
+  if (!services.launcher.isRunning()) {
+    return header + " (NOT terminal — but Corvane.app is NOT running)\nappRunning: false" + age +
+           "\n\nThis run died with the app; it will not progress. run_test/create_test relaunch "
+           "Corvane (which settles orphaned runs as 'error' at startup).";
+  }
+  if (seconds && *seconds >= staleAfterSeconds) {
+    return header + " (NOT terminal — STALE: no update in " + std::to_string(*seconds) +
+           "s despite Corvane running; active envelopes heartbeat every ~20s. The run may be "
+           "wedged — consider cancel_run, or get_status for the live picture.)\nappRunning: true";
+  }
+  return header +
+         " (NOT terminal — run still in progress, call get_result again)\nappRunning: true" + age;
+}
+
+}  // namespace corvane

@@ -1,0 +1,183 @@
+#include "corvane_mcp/tools/RunTestTool.h"
+
+#include <algorithm>
+#include <variant>
+
+#include "CorvaneCore/requests/AgentRunRequest.h"
+#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/text/Uuid.h"
+#include "corvane_mcp/tools/Dispatch.h"
+#include "corvane_mcp/tools/ToolArguments.h"
+
+namespace corvane {
+
+namespace {
+
+using Target = AgentRunRequest::Target;
+
+struct Arguments {
+  std::optional<std::string> projectName;
+  std::optional<std::vector<std::string>> testNames;
+  std::optional<std::string> suiteName;
+  std::optional<bool> runAll;
+  std::optional<std::map<std::string, std::string>> params;
+  std::optional<bool> buildFirst;
+  std::optional<std::string> simulatorUDID;
+  std::optional<std::string> targetPlatform;
+
+  static auto arguments() {
+    using A = Arguments;
+    return std::tuple(
+        argument("projectName", &A::projectName, "Exact Corvane project name. Required.")
+            .required(),
+        argument("testNames", &A::testNames,
+                 "Run these specific tests by exact name. Mutually exclusive with suiteName and "
+                 "runAll.")
+            .with("minItems", 1),
+        argument("suiteName", &A::suiteName,
+                 "Run every test in this suite. Mutually exclusive with testNames and runAll."),
+        argument("runAll", &A::runAll,
+                 "true = run all tests in the project. Mutually exclusive with testNames and "
+                 "suiteName.")
+            .with("default", false),
+        argument("params", &A::params,
+                 "Optional runtime values for $param placeholders in parameterized tests. Keys are "
+                 "parameter names without the $."),
+        argument("buildFirst", &A::buildFirst,
+                 "Optional. Omit to use the project's 'Build before scheduled runs' setting — the "
+                 "default; Corvane builds + installs as part of the trigger, don't build "
+                 "out-of-band first. true = force a rebuild. false = run against the binary "
+                 "already on the device — ONLY for preinstalled/system apps or a binary you "
+                 "already installed for your own debugging that this run must reuse (on iOS pass "
+                 "simulatorUDID with it, see that field)."),
+        argument("simulatorUDID", &A::simulatorUDID,
+                 "iOS only: UDID of the simulator to run on. PASS THIS whenever you use "
+                 "buildFirst:false after installing the app yourself — several simulators often "
+                 "share a name ('iPhone 17'), so the UDID is the only unambiguous identity (yours "
+                 "is in `xcrun simctl list devices booted`, or the -destination you built with). "
+                 "Without it Corvane binds the simulator that actually has the app installed, and "
+                 "reports blocked(appNotInstalled) when none does.")
+            .with("pattern", "^[A-Fa-f0-9]{8}(-[A-Fa-f0-9]{4}){3}-[A-Fa-f0-9]{12}$"),
+        argument("targetPlatform", &A::targetPlatform,
+                 "Optional. Omit to use the project's currently selected platform.")
+            .with("enum", AnyCodable::Array{"iOS", "android"}));
+  }
+};
+
+ToolsCallResult refuse(std::string_view reason) {
+  return ToolsCallResult::failure(std::string("error:invalid_arguments\n\n").append(reason));
+}
+
+/// The names of the target arguments that were sent; a false runAll was not.
+std::vector<std::string_view> sentTargets(const Arguments& arguments) {
+  std::vector<std::string_view> sent;
+  if (arguments.testNames) sent.emplace_back("testNames");
+  if (arguments.suiteName) sent.emplace_back("suiteName");
+  if (arguments.runAll == true) sent.emplace_back("runAll");
+  return sent;
+}
+
+std::string joined(const std::vector<std::string_view>& words) {
+  std::string text;
+  for (const auto word : words) text.append(text.empty() ? "" : ", ").append(word);
+  return text;
+}
+
+/// The one target that the arguments name, or the refusal when they do not name exactly one.
+std::variant<Target, ToolsCallResult> readTarget(Arguments& arguments) {
+  const auto sent = sentTargets(arguments);
+  if (sent.size() != 1) {
+    return refuse("Specify exactly one of testNames, suiteName, runAll:true. You sent: " +
+                  (sent.empty() ? "none" : joined(sent)) + ".");
+  }
+  if (auto& names = arguments.testNames) {
+    const auto isEmpty = [](const std::string& name) { return name.empty(); };
+    if (names->empty() || std::any_of(names->begin(), names->end(), isEmpty)) {
+      return refuse("testNames must contain at least one non-empty test name.");
+    }
+    return Target{Target::TestsByName{std::move(*names)}};
+  }
+  if (auto& suite = arguments.suiteName) {
+    if (suite->empty()) return refuse("suiteName must be non-empty.");
+    return Target{Target::SuiteByName{std::move(*suite)}};
+  }
+  return Target{Target::AllSuites{}};
+}
+
+std::string describe(const Target& target) {
+  if (const auto* suite = std::get_if<Target::SuiteByName>(&target.choice)) {
+    return "suite: '" + suite->suiteName + "'";
+  }
+  const auto* tests = std::get_if<Target::TestsByName>(&target.choice);
+  if (!tests) return "all tests";
+  std::string text;
+  for (const auto& name : tests->testNames) {
+    text += (text.empty() ? "tests: '" : ", '") + name + "'";
+  }
+  return text;
+}
+
+std::string_view describe(std::optional<bool> buildFirst) {
+  if (!buildFirst) return "project setting";
+  return *buildFirst ? "true" : "false (runs the binary already on the device)";
+}
+
+}  // namespace
+
+std::string_view RunTestTool::description() const {
+  return R"(Run EXISTING Corvane test(s) and get a requestId to track the run. To author a NEW test, use create_test instead. If you are not certain of the project, test or suite name, call describe_project first — do not guess.
+
+Target exactly ONE of:
+  • testNames: ["Login", "Checkout"] — specific tests, by exact case-sensitive name
+  • suiteName: "Smoke" — every test in that suite
+  • runAll: true — the full regression: every test in the project (slow)
+
+What happens:
+  1. The request file is written to Corvane's AgentRunRequests folder, and Corvane.app is launched if it is not already running.
+  2. Corvane builds, installs and runs end to end when the project is build-configured — do NOT run xcodebuild/gradle yourself first, just dispatch. buildFirst omitted = the project's "Build before scheduled runs" setting decides; true = force a rebuild; false = run the binary already on the device.
+  3. This tool returns IMMEDIATELY with a requestId. Follow it with get_result (waitSeconds: 120) and repeat until the status is terminal. Concurrent requests queue FIFO; cancel stale queued requests with cancel_run. get_status shows whether Corvane is idle or which request it is running.
+
+params substitutes runtime values into the $placeholders that parameterized tests declare, e.g. {"username": "qa@example.com"} fills $username.)";
+}
+
+AnyCodable RunTestTool::inputSchema() const {
+  return schemaOf<Arguments>(OtherProperties::refused);
+}
+
+Task<ToolsCallResult> RunTestTool::call(ToolCall call) const {
+  auto arguments = readArguments<Arguments>(call, name());
+  if (arguments.projectName.value_or("").empty()) {
+    co_return refuse(
+        "'projectName' is required and must be non-empty. Use the exact project name as it appears "
+        "in Corvane's project list.");
+  }
+  auto target = readTarget(arguments);
+  if (auto* refusal = std::get_if<ToolsCallResult>(&target)) co_return std::move(*refusal);
+
+  AgentRunRequest request;
+  request.requestId = makeRequestId();
+  request.projectName = std::move(*arguments.projectName);
+  request.target = std::move(std::get<Target>(target));
+  request.params = std::move(arguments.params);
+  request.buildFirst = arguments.buildFirst;
+  request.targetPlatform = std::move(arguments.targetPlatform);
+  request.clientName = services.client.name();
+  if (arguments.simulatorUDID) request.simulatorUDID = trimWhitespace(*arguments.simulatorUDID);
+  request.createdAt = services.clock.date();
+
+  const std::string path = Dispatch::writeRequest(request, "run request", services);
+  const auto launch = Dispatch::launchApp(services);
+
+  std::string text = "Run request dispatched to Corvane.\n";
+  text += "\n  requestId:   " + request.requestId;
+  text += "\n  Project:     " + request.projectName;
+  text += "\n  Target:      " + describe(request.target);
+  text.append("\n  buildFirst:  ").append(describe(request.buildFirst));
+  text += "\n  File:        " + path;
+  text += "\n  Corvane.app: " + launch.describe();
+  text += "\n\nNext: call " + Dispatch::getResultCall(request.requestId, 120) +
+          " and repeat until the status is terminal.";
+  co_return ToolsCallResult::success(std::move(text));
+}
+
+}  // namespace corvane
