@@ -6,17 +6,18 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
 include(CheckPIESupported)
-check_pie_supported()
+check_pie_supported(LANGUAGES C CXX)
 
-add_compile_options(-Wall -Wextra -Wpedantic -Wshadow=local -Wconversion -Wnon-virtual-dtor
-                    -Woverloaded-virtual -Werror)
+add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
+                    -Werror)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  add_compile_options(-Wshadow=local)
   # g++ 12 reports these for correct moves of variants and optionals once it inlines them.
   add_compile_options(-Wno-maybe-uninitialized -Wno-restrict -Wno-stringop-overflow
                       -Wno-array-bounds -Wno-free-nonheap-object)
-  add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-fcoroutines>)
 else()
-  add_compile_options(-Wno-missing-field-initializers -Wno-shadow)
+  # Designated initialisers that name only some members are meant that way.
+  add_compile_options(-Wno-missing-field-initializers -Wno-missing-designated-field-initializers)
 endif()
 
 option(CORVANE_HARDENED "Stack protector, fortified libc calls, read-only relocations" OFF)

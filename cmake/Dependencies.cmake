@@ -7,6 +7,10 @@ find_path(ASIO_INCLUDE_DIR asio.hpp REQUIRED)
 add_library(corvane_asio INTERFACE)
 target_include_directories(corvane_asio SYSTEM INTERFACE ${ASIO_INCLUDE_DIR})
 target_compile_definitions(corvane_asio INTERFACE ASIO_STANDALONE ASIO_NO_DEPRECATED)
+# Asio 1.22 looks for the coroutines of clang's experimental days; these are the standard's.
+target_compile_definitions(corvane_asio INTERFACE
+  $<$<CXX_COMPILER_ID:Clang,AppleClang>:ASIO_HAS_CO_AWAIT=1>
+  $<$<CXX_COMPILER_ID:Clang,AppleClang>:ASIO_HAS_STD_COROUTINE=1>)
 target_link_libraries(corvane_asio INTERFACE Threads::Threads)
 
 # Linked statically where the system offers it: a shared library costs time at every start.

@@ -1,7 +1,7 @@
 #include "CorvaneCore/json/JsonObject.h"
 
 #include <algorithm>
-#include <iterator>
+#include <numeric>
 
 #include "CorvaneCore/json/AnyCodable.h"
 
@@ -71,14 +71,23 @@ void JsonObject::sortUnique() {
   };
   // Files written by either side come sorted already, so this look is the usual end of it.
   if (std::adjacent_find(members.begin(), members.end(), outOfOrder) == members.end()) return;
-  std::stable_sort(members.begin(), members.end(),
-                   [](const Member& left, const Member& right) { return left.key < right.key; });
-  auto kept = members.begin();
-  for (auto next = std::next(kept); next != members.end(); ++next) {
-    if (next->key != kept->key) ++kept;
-    if (next != kept) *kept = std::move(*next);
+  std::vector<std::size_t> order(members.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::sort(order.begin(), order.end(), [this](std::size_t left, std::size_t right) {
+    const int byKey = members[left].key.compare(members[right].key);
+    return byKey != 0 ? byKey < 0 : left < right;
+  });
+  std::vector<Member> sorted;
+  sorted.reserve(members.size());
+  for (const std::size_t position : order) {
+    Member& member = members[position];
+    if (!sorted.empty() && sorted.back().key == member.key) {
+      sorted.back().value = std::move(member.value);
+    } else {
+      sorted.push_back(std::move(member));
+    }
   }
-  members.erase(std::next(kept), members.end());
+  members = std::move(sorted);
 }
 
 }  // namespace corvane
