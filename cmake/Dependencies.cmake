@@ -7,6 +7,8 @@ find_path(ASIO_INCLUDE_DIR asio.hpp REQUIRED)
 add_library(corvane_asio INTERFACE)
 target_include_directories(corvane_asio SYSTEM INTERFACE ${ASIO_INCLUDE_DIR})
 target_compile_definitions(corvane_asio INTERFACE ASIO_STANDALONE ASIO_NO_DEPRECATED)
+# What Asio finds of aligned allocation depends on what a source includes before it; all have to agree.
+target_compile_definitions(corvane_asio INTERFACE ASIO_DISABLE_STD_ALIGNED_ALLOC)
 # Asio 1.22 looks for the coroutines of clang's experimental days; these are the standard's.
 target_compile_definitions(corvane_asio INTERFACE
   $<$<CXX_COMPILER_ID:Clang,AppleClang>:ASIO_HAS_CO_AWAIT=1>

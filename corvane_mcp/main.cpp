@@ -10,8 +10,10 @@ using namespace corvane;
 
 int main(int argumentCount, char** arguments) {
   MessageWriter writer(claimStandardOutput());
-  // A reader that goes away must not end the process; what is written to it is dropped.
+  // A reader that goes away must not end the process; what is written to it is dropped. Nor must a
+  // file that may not grow any further; the write fails and is reported.
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
 
   const AgentPaths paths = AgentPaths::current();
   Logger logger(paths.logFile());

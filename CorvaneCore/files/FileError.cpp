@@ -7,8 +7,8 @@ namespace corvane {
 FileError::FileError(std::string_view operation, const std::filesystem::path& file,
                      std::error_code code)
     : std::system_error(code) {
-  description.append("could not ").append(operation).append(" ").append(displayPath(file));
-  description.append(": ").append(code.message());
+  description.append("could not ").append(operation).append(" ");
+  description.append(escapeControls(displayPath(file))).append(": ").append(code.message());
 }
 
 std::string displayPath(const std::filesystem::path& path) {

@@ -25,7 +25,12 @@ FileTime modificationTime(const struct stat& status) {
 #else
   const timespec& time = status.st_mtim;
 #endif
-  return FileTime(std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec));
+  // File systems reach further than FileTime, which ends in 2262. Cut at the years 1843 and 2261 no
+  // difference to a present time overflows either.
+  constexpr std::int64_t earliest = -4'000'000'000;
+  constexpr std::int64_t latest = 9'200'000'000;
+  const auto seconds = std::clamp<std::int64_t>(time.tv_sec, earliest, latest);
+  return FileTime(std::chrono::seconds(seconds) + std::chrono::nanoseconds(time.tv_nsec));
 }
 
 /// Begins with a dot, so that whoever watches the folder passes it over, and ends in no suffix
@@ -88,15 +93,16 @@ std::string readFile(const fs::path& path, std::size_t limit) {
   if (!file.isOpen() || ::fstat(file.get(), &status) != 0) {
     throw FileError("read", path, lastError());
   }
-  if (S_ISDIR(status.st_mode)) {
-    throw FileError("read", path, std::make_error_code(std::errc::is_a_directory));
-  }
-  if (!S_ISREG(status.st_mode)) {
-    throw FileError("read", path, std::make_error_code(std::errc::invalid_argument));
-  }
+  const auto fail = [&path](std::errc reason) {
+    throw FileError("read", path, std::make_error_code(reason));
+  };
+  if (S_ISDIR(status.st_mode)) fail(std::errc::is_a_directory);
+  if (!S_ISREG(status.st_mode)) fail(std::errc::invalid_argument);
+  const auto size = static_cast<std::size_t>(status.st_size);
+  if (size > limit) fail(std::errc::file_too_large);
   std::string contents;
   // The size is only a hint: the file may grow or shrink while it is read.
-  std::size_t room = std::min(static_cast<std::size_t>(status.st_size), limit) + 1;
+  std::size_t room = size + 1;
   std::size_t length = 0;
   while (true) {
     contents.resize(length + room);
@@ -105,11 +111,9 @@ std::string readFile(const fs::path& path, std::size_t limit) {
     if (count < 0) throw FileError("read", path, lastError());
     length += static_cast<std::size_t>(count);
     if (count == 0) break;
-    if (length > limit) {
-      throw FileError("read", path, std::make_error_code(std::errc::file_too_large));
-    }
-    constexpr std::size_t leastRoom = 4096;
-    room = std::max(contents.size() - length, leastRoom);
+    if (length > limit) fail(std::errc::file_too_large);
+    constexpr std::size_t moreRoom = 4096;
+    room = contents.size() > length ? contents.size() - length : moreRoom;
   }
   contents.resize(length);
   return contents;
@@ -117,7 +121,7 @@ std::string readFile(const fs::path& path, std::size_t limit) {
 
 void writeFileWhole(const fs::path& path, std::string_view contents) {
   std::error_code error;
-  fs::create_directories(path.parent_path(), error);
+  if (path.has_parent_path()) fs::create_directories(path.parent_path(), error);
   if (error) throw FileError("write", path, error);
   TemporaryFile temporary(path);
   temporary.write(contents);

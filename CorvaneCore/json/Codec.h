@@ -73,6 +73,21 @@ struct Codec<AnyCodable> {
 };
 
 template <>
+struct Codec<JsonObject> {
+  static JsonObject decode(AnyCodable&& value, const DecodePath& at) {
+    return takeAs<JsonObject>(std::move(value), at, "an object");
+  }
+  static void encode(const JsonObject& members, JsonSink& sink) {
+    sink.beginObject();
+    for (const auto& [key, value] : members) {
+      sink.key(key);
+      writeValue(value, sink);
+    }
+    sink.endObject();
+  }
+};
+
+template <>
 struct Codec<Date> {
   static Date decode(AnyCodable&& value, const DecodePath& at) {
     const auto text = takeAs<std::string>(std::move(value), at, "a date");

@@ -95,7 +95,11 @@ std::optional<Date> parseDate(std::string_view text) {
   if (!fields.complete() || !ymd.ok() || hour > 23 || minute > 59 || second > 59) {
     return std::nullopt;
   }
-  return sys_days(ymd) + hours(hour) + minutes(minute) + seconds(second) - offset;
+  const Date date = sys_days(ymd) + hours(hour) + minutes(minute) + seconds(second) - offset;
+  // Beyond these four-digit years of UTC the date could not be written in its own form.
+  constexpr Date earliest = sys_days(std::chrono::year(0) / 1 / 1);
+  constexpr Date end = sys_days(std::chrono::year(10000) / 1 / 1);
+  return date >= earliest && date < end ? std::optional(date) : std::nullopt;
 }
 
 }  // namespace corvane

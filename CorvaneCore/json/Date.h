@@ -17,7 +17,8 @@ using Date = std::chrono::sys_seconds;
 [[nodiscard]] std::string formatDate(Date date);
 
 /// Reads an ISO 8601 internet date-time in whole seconds with "Z" or a numeric offset. Nothing when
-/// `text` has another form (fractional seconds included) or names no real instant.
+/// `text` has another form (fractional seconds included) or names no real instant of the years 0 to
+/// 9999 in UTC.
 [[nodiscard]] std::optional<Date> parseDate(std::string_view text);
 
 }  // namespace corvane

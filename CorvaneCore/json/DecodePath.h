@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "CorvaneCore/json/JsonErrors.h"
+#include "CorvaneCore/text/Utf8.h"
 
 namespace corvane {
 
@@ -28,7 +29,8 @@ class DecodePath {
 
   /// Throws a DecodeError that names this place and `problem`, e.g. "method: required".
   [[noreturn]] void fail(std::string_view problem) const {
-    std::string place = text();
+    // Keys come from the document and may hold anything.
+    std::string place = escapeControls(text());
     if (!place.empty()) place += ": ";
     throw DecodeError(place.append(problem));
   }

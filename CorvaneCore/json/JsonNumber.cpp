@@ -101,13 +101,17 @@ std::optional<std::int64_t> parseInteger(std::string_view text) {
   return value;
 }
 
-std::optional<JsonNumber> parseJsonNumber(std::string_view text) {
-  const auto literal = splitLiteral(text);
-  if (!literal) return std::nullopt;
-  if (const auto integer = exactInteger(*literal)) return *integer;
+std::optional<JsonNumber> parseJsonNumber(std::string_view literal) {
+  const auto parts = splitLiteral(literal);
+  if (!parts) return std::nullopt;
+  if (const auto integer = exactInteger(*parts)) return *integer;
   // The process stays in the "C" locale, where strtod reads exactly this grammar.
-  const double value = std::strtod(std::string(text).c_str(), nullptr);
+  const double value = std::strtod(std::string(literal).c_str(), nullptr);
   if (!std::isfinite(value)) return std::nullopt;
+  // What a double can only hold as a whole number would be read as an integer once it was written.
+  if (std::trunc(value) == value && std::abs(value) < 0x1p63) {
+    return static_cast<std::int64_t>(value);
+  }
   return value;
 }
 

@@ -10,8 +10,9 @@ namespace corvane {
 /// A JSON number by its value: an integer when it is whole and fits 64 bits, however it is spelled.
 using JsonNumber = std::variant<std::int64_t, double>;
 
-/// Reads a JSON number literal exactly. Nothing when `literal` is not one, or when its value lies
-/// beyond a double.
+/// Reads a JSON number literal: exactly when its value is such an integer, else as the nearest
+/// double, which is an integer again when it is whole and fits 64 bits. Nothing when `literal` is
+/// not one, or when its value lies beyond a double.
 [[nodiscard]] std::optional<JsonNumber> parseJsonNumber(std::string_view literal);
 
 /// The whole number that `text` spells with an optional sign and decimal digits, when it fits 64

@@ -19,9 +19,9 @@ class JsonObject {
   using const_iterator = std::vector<Member>::const_iterator;
 
   JsonObject() noexcept;
-  JsonObject(std::initializer_list<Member> members);
+  JsonObject(std::initializer_list<Member> given);
   /// Takes members in any order; of several with one key the last one wins.
-  explicit JsonObject(std::vector<Member> members);
+  explicit JsonObject(std::vector<Member> given);
   JsonObject(const JsonObject& other);
   JsonObject(JsonObject&& other) noexcept;
   JsonObject& operator=(const JsonObject& other);

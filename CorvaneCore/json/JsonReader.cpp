@@ -1,5 +1,7 @@
 #include "CorvaneCore/json/JsonReader.h"
 
+// The parser's development checks, which unoptimised builds turn on, abort on deep nesting.
+#define SIMDJSON_DEVELOPMENT_CHECKS 0
 #include <simdjson.h>
 
 #include <charconv>
@@ -69,9 +71,12 @@ bool surrogatesArePaired(std::string_view text) {
 /// Walks one document without recursion and reports it to a sink.
 class Walk {
  public:
-  Walk(std::string_view wrapped, JsonSink& sink) : wrapped(wrapped), sink(sink) {}
+  /// Keeps `position` as JsonReader::position tells it.
+  Walk(std::string_view wrapped, ondemand::document& document, JsonSink& sink,
+       std::size_t& position)
+      : wrapped(wrapped), document(document), sink(sink), position(position) {}
 
-  void run(ondemand::document& document) {
+  void run() {
     // The wrapping array holds the text's one value.
     ondemand::array outer = check(document.get_array());
     ondemand::array_iterator next = check(outer.begin());
@@ -104,13 +109,25 @@ class Walk {
   [[noreturn]] void fail(simdjson::error_code error) { failParse(error, lastOffset); }
 
   void noteOffset(std::string_view token) {
-    lastOffset = static_cast<std::size_t>(token.data() - wrapped.data()) - 1;
+    position = offsetOf(token.data());
+    lastOffset = position;
+  }
+
+  /// After the end of a container.
+  void noteEnd() {
+    const char* next = nullptr;
+    if (document.current_location().get(next) == simdjson::SUCCESS) position = offsetOf(next);
+  }
+
+  std::size_t offsetOf(const char* at) const {
+    return static_cast<std::size_t>(at - wrapped.data()) - 1;
   }
 
   void step() {
     if (auto* array = std::get_if<OpenArray>(&open.back())) {
       if (!std::exchange(array->fresh, false)) ++array->next;
       if (array->next == ondemand::array_iterator()) {
+        noteEnd();
         sink.endArray();
         open.pop_back();
       } else {
@@ -119,6 +136,7 @@ class Walk {
     } else if (auto* object = std::get_if<OpenObject>(&open.back())) {
       if (!std::exchange(object->fresh, false)) ++object->next;
       if (object->next == ondemand::object_iterator()) {
+        noteEnd();
         sink.endObject();
         open.pop_back();
       } else {
@@ -174,7 +192,9 @@ class Walk {
   }
 
   std::string_view wrapped;
+  ondemand::document& document;
   JsonSink& sink;
+  std::size_t& position;
   std::optional<std::size_t> lastOffset;
   std::vector<std::variant<OpenArray, OpenObject>> open;
 };
@@ -187,6 +207,7 @@ constexpr std::size_t keptCapacity = std::size_t{1} << 20;
 struct JsonReader::Parser {
   ondemand::parser parser;
   std::string wrapped;
+  std::size_t position = 0;
 };
 
 JsonReader::JsonReader() : parser(std::make_unique<Parser>()) {}
@@ -214,7 +235,8 @@ void JsonReader::read(std::string_view text, JsonSink& sink) {
 
   auto document = parser->parser.iterate(wrapped.data(), length, wrapped.size());
   if (document.error() != simdjson::SUCCESS) failParse(document.error(), std::nullopt);
-  Walk(std::string_view(wrapped).substr(0, length), sink).run(document.value_unsafe());
+  Walk(std::string_view(wrapped).substr(0, length), document.value_unsafe(), sink, parser->position)
+      .run();
 
   if (wrapped.capacity() > keptCapacity) *parser = Parser();
 }
@@ -223,6 +245,10 @@ AnyCodable JsonReader::read(std::string_view text) {
   JsonTree tree;
   read(text, tree);
   return tree.take();
+}
+
+std::size_t JsonReader::position() const {
+  return parser->position;
 }
 
 AnyCodable readJson(std::string_view text) {

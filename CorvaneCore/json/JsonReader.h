@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string_view>
 
@@ -23,6 +24,10 @@ class JsonReader {
 
   /// The one value that `text` holds. Throws DecodeError.
   [[nodiscard]] AnyCodable read(std::string_view text);
+
+  /// For a sink while read() calls it: the offset in the text at which the value being reported
+  /// begins or, at the end of an array or object, at which the text after it goes on.
+  [[nodiscard]] std::size_t position() const;
 
  private:
   struct Parser;

@@ -72,9 +72,11 @@ template <class Record, class Member>
 void decodeField(const Field<Record, Member>& field, AnyCodable::Object& object, Record& record,
                  const DecodePath& at) {
   AnyCodable* value = object.find(field.key);
-  if ((!value || value->isNull()) && !field.alias.empty()) value = object.find(field.alias);
+  const bool missing = !value || value->isNull();
+  const bool aliased = missing && !field.alias.empty() && object.find(field.alias);
+  if (aliased) value = object.find(field.alias);
   auto& member = record.*field.member;
-  const DecodePath place = at.member(field.key);
+  const DecodePath place = at.member(aliased ? field.alias : field.key);
   if constexpr (IsOptional<Member>::value) {
     if (!value || value->isNull()) return;
     member = Codec<typename Member::value_type>::decode(std::move(*value), place);

@@ -45,11 +45,17 @@ template <HasVocabulary E>
   return std::nullopt;
 }
 
-/// All raw values in declaration order, joined with `separator`.
-template <HasVocabulary E>
-[[nodiscard]] std::string joinedRawValues(std::string_view separator) {
+/// Accepts every value of a vocabulary.
+struct EveryValue {
+  constexpr bool operator()(auto) const { return true; }
+};
+
+/// The raw values of the values that `keep` accepts, in declaration order, joined with `separator`.
+template <HasVocabulary E, class Keep = EveryValue>
+[[nodiscard]] std::string joinedRawValues(std::string_view separator, Keep keep = {}) {
   std::string joined;
   for (const auto& row : Vocabulary<E>::rows) {
+    if (!keep(row.value)) continue;
     if (!joined.empty()) joined += separator;
     joined += row.rawValue;
   }

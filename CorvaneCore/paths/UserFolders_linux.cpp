@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 /// for each program that reads it.
 fs::path absoluteFromEnvironment(const char* variable) {
   const char* value = std::getenv(variable);
-  fs::path path = value ? value : "";
+  const fs::path path = value ? value : "";
   return path.is_absolute() ? path : fs::path();
 }
 

@@ -2,6 +2,7 @@
 
 #include <utf8proc.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -25,9 +26,13 @@ Character firstCharacter(std::string_view text) {
   return character;
 }
 
+bool isContinuation(char byte) {
+  return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
 std::size_t lastCharacterStart(std::string_view text) {
   std::size_t start = text.size() - 1;
-  while (start > 0 && (static_cast<unsigned char>(text[start]) & 0xC0) == 0x80) --start;
+  while (start > 0 && isContinuation(text[start])) --start;
   return start;
 }
 
@@ -78,6 +83,11 @@ std::string_view trimWhitespace(std::string_view text) {
     text = text.substr(0, start);
   }
   return text;
+}
+
+std::size_t countCharacters(std::string_view text) {
+  return static_cast<std::size_t>(
+      std::count_if(text.begin(), text.end(), [](char byte) { return !isContinuation(byte); }));
 }
 
 std::string asciiLowercase(std::string_view text) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -14,6 +15,9 @@ namespace corvane {
 
 /// `text` without the Unicode white space and newlines at its ends. `text` is valid UTF-8.
 [[nodiscard]] std::string_view trimWhitespace(std::string_view text);
+
+/// How many code points `text` has. `text` is valid UTF-8.
+[[nodiscard]] std::size_t countCharacters(std::string_view text);
 
 /// `text` with its ASCII capitals in lower case; other characters stand as they are.
 [[nodiscard]] std::string asciiLowercase(std::string_view text);

@@ -90,7 +90,7 @@ std::optional<ResultFileStore::Snapshot> ResultFileStore::parse(const std::files
 bool ResultFileStore::requestStillPending(std::string_view requestId) const {
   if (fileExists(AgentRunRequest::fileURL(requestId, paths))) return true;
   for (const auto& entry : listVisible(paths.agentImportsDirectory())) {
-    const std::string& name = entry.filename().native();
+    const std::string name = entry.filename();
     if (name.find(".corvane") == std::string::npos) continue;
     if (name.find(requestId) != std::string::npos) return true;
     try {

@@ -38,5 +38,11 @@ class SystemClock final : public Clock {
 [[nodiscard]] inline std::int64_t secondsBetween(FileTime then, FileTime now) {
   return std::chrono::duration_cast<std::chrono::seconds>(now - then).count();
 }
+/// The same for a date, which may lie beyond what a FileTime can hold.
+[[nodiscard]] inline std::int64_t secondsBetween(Date then, FileTime now) {
+  using std::chrono::seconds;
+  const Date whole = std::chrono::floor<seconds>(now);
+  return ((whole < then ? std::chrono::ceil<seconds>(now) : whole) - then).count();
+}
 
 }  // namespace corvane

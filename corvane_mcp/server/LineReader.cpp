@@ -3,7 +3,9 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstring>
 
 namespace corvane {
 
@@ -14,16 +16,17 @@ constexpr std::size_t chunkSize = std::size_t{64} << 10;
 }  // namespace
 
 std::optional<LineReader::Line> LineReader::nextBuffered() {
-  const std::size_t end = buffer.find('\n', searched);
-  if (end == std::string::npos) {
-    searched = buffer.size();
+  const std::string_view read = std::string_view(buffer).substr(0, filled);
+  const std::size_t end = read.find('\n', searched);
+  if (end == std::string_view::npos) {
+    searched = filled;
     if (searched - taken > limit) {
       skipping = true;
       taken = searched;
     }
     return std::nullopt;
   }
-  Line line{std::string_view(buffer).substr(taken, end - taken)};
+  Line line{read.substr(taken, end - taken)};
   if (skipping || line.text.size() > limit) line = {{}, true};
   skipping = false;
   taken = searched = end + 1;
@@ -32,27 +35,30 @@ std::optional<LineReader::Line> LineReader::nextBuffered() {
 
 bool LineReader::readMore() {
   dropTaken();
-  const std::size_t length = buffer.size();
-  buffer.resize(length + chunkSize);
+  if (buffer.size() - filled < chunkSize) buffer.resize(std::max(2 * filled, 2 * chunkSize));
   ssize_t count = 0;
-  while ((count = ::read(input, buffer.data() + length, chunkSize)) < 0) {
+  while ((count = ::read(input, buffer.data() + filled, buffer.size() - filled)) < 0) {
     if (errno == EAGAIN || errno == EWOULDBLOCK) {
       pollfd ready{input, POLLIN, 0};
       ::poll(&ready, 1, -1);
     } else if (errno != EINTR) {
-      break;
+      return false;
     }
   }
-  buffer.resize(length + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+  filled += static_cast<std::size_t>(count);
   return count > 0;
 }
 
 void LineReader::dropTaken() {
-  buffer.erase(0, taken);
+  if (taken > 0) std::memmove(buffer.data(), buffer.data() + taken, filled - taken);
+  filled -= taken;
   searched -= taken;
   taken = 0;
   // Room that one huge line needed is given back.
-  if (buffer.capacity() > 16 * chunkSize && buffer.size() < chunkSize) buffer.shrink_to_fit();
+  if (buffer.size() > 16 * chunkSize && filled < chunkSize) {
+    buffer.resize(2 * chunkSize);
+    buffer.shrink_to_fit();
+  }
 }
 
 }  // namespace corvane

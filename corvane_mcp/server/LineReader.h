@@ -33,8 +33,11 @@ class LineReader {
 
   int input;
   std::size_t limit;
+  /// Room for input; the first `filled` bytes hold some. Only grows by what a line needs, so that
+  /// reading costs no clearing of memory.
   std::string buffer;
-  /// How much of the buffer has been handed out, and how much has been searched for a line feed.
+  std::size_t filled = 0;
+  /// How much has been handed out, and how much has been searched for a line feed.
   std::size_t taken = 0;
   std::size_t searched = 0;
   /// Whether the line being read is over the limit and is being passed over.

@@ -27,7 +27,8 @@ constexpr std::size_t mostQueuedBytes = std::size_t{4} << 20;
 constexpr std::chrono::milliseconds lingering{2};
 
 /// Writes a line to standard error in one piece. A reader that has stopped reading loses lines; it
-/// never stops the server.
+/// never stops the server. Called by one thread at a time: of two that found room for one line the
+/// second would wait.
 void writeToStandardError(std::string_view line) {
   while (!line.empty()) {
     pollfd ready{STDERR_FILENO, POLLOUT, 0};
@@ -64,7 +65,10 @@ void Logger::emit(Level level, std::string_view message) {
   line += "] ";
   line += escapeControls(message);
   line += '\n';
-  writeToStandardError(line);
+  {
+    const std::scoped_lock lock(standardError);
+    writeToStandardError(line);
+  }
   queueForFile(std::move(line));
 }
 

@@ -36,6 +36,9 @@ class Logger {
   void writeQueuedLines();
 
   const std::filesystem::path logFile;
+  /// Held while a line goes to standard error.
+  std::mutex standardError;
+  /// Guards everything below.
   std::mutex mutex;
   std::condition_variable changed;
   std::vector<std::string> queued;

@@ -25,6 +25,11 @@ std::optional<AnyCodable> progressToken(const AnyCodable& params) {
 
 }  // namespace
 
+MCPServer::FailureTexts MCPServer::toolsCallFailure() {
+  return {"tools/call notification raised error (no response sent): ",
+          "Unhandled error in tools/call: "};
+}
+
 void MCPServer::run(LineReader& input) {
   parts.logger.info("corvane-mcp starting (" + parts.serverInfo.name + " v" +
                     parts.serverInfo.version + ")");
@@ -61,7 +66,7 @@ void MCPServer::handleLine(std::string_view line) {
   }
   parts.logger.info("→ " + request.method + " (id=" + describeId(request.id) + ")");
   if (request.method == toolsCallMethod) {
-    tasks.start(respondToToolsCall(std::move(request)));
+    startToolsCall(std::move(request));
     return;
   }
   try {
@@ -103,6 +108,15 @@ InitializeResult MCPServer::handleInitialize(const std::optional<AnyCodable>& pa
   return {answered, {ToolsCapability{}}, parts.serverInfo};
 }
 
+void MCPServer::startToolsCall(JSONRPCRequest request) {
+  const std::optional<JSONRPCID> id = request.id;
+  try {
+    tasks.start(respondToToolsCall(std::move(request)));
+  } catch (...) {
+    replyWithFailure(id, std::current_exception(), toolsCallFailure(), Delivery::together);
+  }
+}
+
 Task<void> MCPServer::respondToToolsCall(JSONRPCRequest request) {
   std::exception_ptr failure;
   AnyCodable result;
@@ -112,10 +126,7 @@ Task<void> MCPServer::respondToToolsCall(JSONRPCRequest request) {
     failure = std::current_exception();
   }
   if (failure) {
-    replyWithFailure(request.id, failure,
-                     {"tools/call notification raised error (no response sent): ",
-                      "Unhandled error in tools/call: "},
-                     Delivery::now);
+    replyWithFailure(request.id, failure, toolsCallFailure(), Delivery::now);
   } else if (request.id) {
     send(JSONRPCResponse::success(*request.id, std::move(result)), Delivery::now);
   }

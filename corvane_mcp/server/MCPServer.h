@@ -43,6 +43,7 @@ class MCPServer {
   /// The result of any method but `tools/call`. Throws JSONRPCError.
   AnyCodable dispatch(const JSONRPCRequest& request);
   InitializeResult handleInitialize(const std::optional<AnyCodable>& params);
+  void startToolsCall(JSONRPCRequest request);
   Task<void> respondToToolsCall(JSONRPCRequest request);
   Task<AnyCodable> handleToolsCall(std::optional<AnyCodable> params);
 
@@ -53,6 +54,7 @@ class MCPServer {
     /// Begins the line about a failure that is not a protocol error.
     std::string unhandled;
   };
+  [[nodiscard]] static FailureTexts toolsCallFailure();
   /// When a reply leaves: at once, or together with those of the lines read along with it.
   enum class Delivery { now, together };
 

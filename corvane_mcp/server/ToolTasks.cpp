@@ -23,10 +23,15 @@ void ToolTasks::start(Task<void> task) {
     const std::scoped_lock lock(mutex);
     ++running;
   }
-  asio::co_spawn(*pool, std::move(task), [this](const std::exception_ptr& fault) {
-    if (fault) std::terminate();
+  try {
+    asio::co_spawn(*pool, std::move(task), [this](const std::exception_ptr& fault) {
+      if (fault) std::terminate();
+      finished();
+    });
+  } catch (...) {
     finished();
-  });
+    throw;
+  }
 }
 
 std::size_t ToolTasks::inFlight() const {

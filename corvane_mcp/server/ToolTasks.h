@@ -21,7 +21,8 @@ class ToolTasks {
   /// Waits for the tasks in flight.
   ~ToolTasks();
 
-  /// Starts `task`, which must not throw. Called by one thread only.
+  /// Starts `task`, which must not throw. Called by one thread only. Throws when the system is out
+  /// of threads or memory; the task has then not started.
   void start(Task<void> task);
   /// How many tasks have not finished yet. May be called from any thread.
   [[nodiscard]] std::size_t inFlight() const;

@@ -3,7 +3,7 @@
 namespace corvane {
 
 std::string Dispatch::Launch::describe() const {
-  return succeeded ? appPath : appPath + "  (LAUNCH FAILED — open Corvane manually)";
+  return describeApp(app) + (succeeded ? "" : "  (LAUNCH FAILED — open Corvane manually)");
 }
 
 std::string Dispatch::describeApp(const std::optional<std::filesystem::path>& app) {
@@ -14,7 +14,12 @@ Dispatch::Launch Dispatch::launchApp(const ToolServices& services) {
   const auto app = services.launcher.findCorvaneApp();
   if (!app) services.logger.warn("Could not locate Corvane.app to launch");
   const bool runs = app && (services.launcher.isRunning() || services.launcher.launch(*app));
-  return {describeApp(app), runs};
+  return {app, runs};
+}
+
+void Dispatch::launchAppIfFound(const ToolServices& services) {
+  if (services.launcher.isRunning()) return;
+  if (const auto app = services.launcher.findCorvaneApp()) (void)services.launcher.launch(*app);
 }
 
 std::string Dispatch::getResultCall(std::string_view requestId, int waitSeconds) {

@@ -5,7 +5,6 @@
 
 #include "CorvaneCore/requests/AgentRunRequest.h"
 #include "CorvaneCore/text/Utf8.h"
-#include "CorvaneCore/text/Uuid.h"
 #include "corvane_mcp/tools/Dispatch.h"
 #include "corvane_mcp/tools/ToolArguments.h"
 
@@ -64,10 +63,6 @@ struct Arguments {
   }
 };
 
-ToolsCallResult refuse(std::string_view reason) {
-  return ToolsCallResult::failure(std::string("error:invalid_arguments\n\n").append(reason));
-}
-
 /// The names of the target arguments that were sent; a false runAll was not.
 std::vector<std::string_view> sentTargets(const Arguments& arguments) {
   std::vector<std::string_view> sent;
@@ -87,18 +82,18 @@ std::string joined(const std::vector<std::string_view>& words) {
 std::variant<Target, ToolsCallResult> readTarget(Arguments& arguments) {
   const auto sent = sentTargets(arguments);
   if (sent.size() != 1) {
-    return refuse("Specify exactly one of testNames, suiteName, runAll:true. You sent: " +
-                  (sent.empty() ? "none" : joined(sent)) + ".");
+    return invalidArguments("Specify exactly one of testNames, suiteName, runAll:true. You sent: " +
+                            (sent.empty() ? "none" : joined(sent)) + ".");
   }
   if (auto& names = arguments.testNames) {
     const auto isEmpty = [](const std::string& name) { return name.empty(); };
     if (names->empty() || std::any_of(names->begin(), names->end(), isEmpty)) {
-      return refuse("testNames must contain at least one non-empty test name.");
+      return invalidArguments("testNames must contain at least one non-empty test name.");
     }
     return Target{Target::TestsByName{std::move(*names)}};
   }
   if (auto& suite = arguments.suiteName) {
-    if (suite->empty()) return refuse("suiteName must be non-empty.");
+    if (suite->empty()) return invalidArguments("suiteName must be non-empty.");
     return Target{Target::SuiteByName{std::move(*suite)}};
   }
   return Target{Target::AllSuites{}};
@@ -147,23 +142,20 @@ AnyCodable RunTestTool::inputSchema() const {
 Task<ToolsCallResult> RunTestTool::call(ToolCall call) const {
   auto arguments = readArguments<Arguments>(call, name());
   if (arguments.projectName.value_or("").empty()) {
-    co_return refuse(
+    co_return invalidArguments(
         "'projectName' is required and must be non-empty. Use the exact project name as it appears "
         "in Corvane's project list.");
   }
   auto target = readTarget(arguments);
   if (auto* refusal = std::get_if<ToolsCallResult>(&target)) co_return std::move(*refusal);
 
-  AgentRunRequest request;
-  request.requestId = makeRequestId();
+  auto request = Dispatch::newRequest<AgentRunRequest>(services);
   request.projectName = std::move(*arguments.projectName);
   request.target = std::move(std::get<Target>(target));
   request.params = std::move(arguments.params);
   request.buildFirst = arguments.buildFirst;
   request.targetPlatform = std::move(arguments.targetPlatform);
-  request.clientName = services.client.name();
   if (arguments.simulatorUDID) request.simulatorUDID = trimWhitespace(*arguments.simulatorUDID);
-  request.createdAt = services.clock.date();
 
   const std::string path = Dispatch::writeRequest(request, "run request", services);
   const auto launch = Dispatch::launchApp(services);

@@ -10,4 +10,8 @@ const JsonObject& requireArguments(const ToolCall& call, std::string_view toolNa
                      std::string(toolName).append(" requires arguments"));
 }
 
+ToolsCallResult invalidArguments(std::string_view reason) {
+  return ToolsCallResult::failure(std::string("error:invalid_arguments\n\n").append(reason));
+}
+
 }  // namespace corvane

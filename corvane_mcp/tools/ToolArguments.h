@@ -50,6 +50,9 @@ template <class Arguments, class Value>
 /// carries none.
 [[nodiscard]] const JsonObject& requireArguments(const ToolCall& call, std::string_view toolName);
 
+/// The answer to arguments that a tool cannot use: "error:invalid_arguments" and the reason.
+[[nodiscard]] ToolsCallResult invalidArguments(std::string_view reason);
+
 /// What the schema says of properties that are not listed.
 enum class OtherProperties { refused, notMentioned };
 
@@ -68,6 +71,10 @@ inline JsonObject schemaType<bool>() {
 template <>
 inline JsonObject schemaType<std::int64_t>() {
   return {{"type", "integer"}};
+}
+template <>
+inline JsonObject schemaType<double>() {
+  return {{"type", "number"}};
 }
 template <>
 inline JsonObject schemaType<std::vector<std::string>>() {
@@ -99,6 +106,20 @@ std::optional<Value> readIfFits(const AnyCodable* value) {
   }
 }
 
+template <class Arguments>
+Arguments readDeclared(const JsonObject& object) {
+  Arguments read;
+  std::apply(
+      [&](const auto&... argument) {
+        ((read.*argument.member = readIfFits<
+              typename std::remove_reference_t<decltype(read.*argument.member)>::value_type>(
+              object.find(argument.key))),
+         ...);
+      },
+      Arguments::arguments());
+  return read;
+}
+
 }  // namespace tool_arguments_detail
 
 /// The JSON Schema of a tool's declared arguments.
@@ -118,21 +139,25 @@ template <class Arguments>
   return schema;
 }
 
+/// The member `key` of an object whose schema is not a tool's own table; a value of another type
+/// counts as absent.
+template <class Value>
+[[nodiscard]] std::optional<Value> readMember(const JsonObject& object, std::string_view key) {
+  return tool_arguments_detail::readIfFits<Value>(object.find(key));
+}
+
 /// Reads the declared arguments of a call. Throws JSONRPCError "<tool> requires arguments" when the
 /// call carries no arguments object; a single argument of the wrong type counts as absent.
 template <class Arguments>
 [[nodiscard]] Arguments readArguments(const ToolCall& call, std::string_view toolName) {
-  const JsonObject& object = requireArguments(call, toolName);
-  Arguments read;
-  std::apply(
-      [&](const auto&... argument) {
-        ((read.*argument.member = tool_arguments_detail::readIfFits<
-              typename std::remove_reference_t<decltype(read.*argument.member)>::value_type>(
-              object.find(argument.key))),
-         ...);
-      },
-      Arguments::arguments());
-  return read;
+  return tool_arguments_detail::readDeclared<Arguments>(requireArguments(call, toolName));
+}
+
+/// The same for a tool that can be called without an arguments object: all are absent then.
+template <class Arguments>
+[[nodiscard]] Arguments readArgumentsIfAny(const ToolCall& call) {
+  const auto* object = call.arguments ? call.arguments->object() : nullptr;
+  return object ? tool_arguments_detail::readDeclared<Arguments>(*object) : Arguments();
 }
 
 }  // namespace corvane

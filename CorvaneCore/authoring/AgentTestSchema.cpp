@@ -1,0 +1,45 @@
+#include "CorvaneCore/authoring/AgentTestSchema.h"
+
+#include <algorithm>
+
+#include "CorvaneCore/text/FileName.h"
+
+namespace corvane {
+
+namespace {
+
+std::string millisecondsSince1970(FileTime time) {
+  using std::chrono::milliseconds;
+  return std::to_string(std::chrono::floor<milliseconds>(time).time_since_epoch().count());
+}
+
+}  // namespace
+
+std::vector<const AgentInteraction*> AgentTestSchema::allInteractions() const {
+  std::vector<const AgentInteraction*> all;
+  for (const auto& test : tests) {
+    for (const auto& interaction : test.interactions) {
+      all.push_back(&interaction);
+      if (!interaction.children) continue;
+      for (const auto& child : *interaction.children) all.push_back(&child);
+    }
+  }
+  return all;
+}
+
+std::string AgentTestSchema::fileName(FileTime now) const {
+  const std::string project = fileNamePart(projectName);
+  const std::string test = fileNamePart(tests.empty() ? "test" : tests.front().name);
+  const std::string id = requestId.value_or(millisecondsSince1970(now));
+  const std::string tail = ("-" + id).append(fileSuffix);
+
+  // Either name may fill its half of the room and what the other one leaves of its own half.
+  const std::size_t room = longestFileName - std::string_view("-").size() - tail.size();
+  const std::size_t half = room / 2;
+  const std::size_t projectRoom = room - std::min(test.size(), half);
+  const std::size_t testRoom = room - std::min(project.size(), projectRoom);
+  std::string name(shortenedTo(project, projectRoom));
+  return name.append("-").append(shortenedTo(test, testRoom)).append(tail);
+}
+
+}  // namespace corvane

@@ -1,0 +1,84 @@
+#include "CorvaneCore/authoring/schema/InteractionDefinition.h"
+
+#include "CorvaneCore/authoring/schema/SchemaParts.h"
+#include "CorvaneCore/authoring/vocabulary/AISegmentationMode.h"
+#include "CorvaneCore/authoring/vocabulary/PreviousStepCondition.h"
+
+namespace corvane {
+
+namespace {
+
+using namespace SchemaParts;
+
+std::string branchText() {
+  return "Conditional branch of this step. Children are normal interactions that MUST set "
+         "`previousStepCondition`. 'previousFailed' children form the recovery branch: they run "
+         "only when this step fails, and the step then soft-fails instead of failing the test, "
+         "provided the branch passes. 'previousSucceeded' children run only when this step "
+         "succeeds. State router: a visualAssert probe (\"Do you see the tab 'Home'?\") whose "
+         "previousFailed child is a runTest of a login test. Interrupt: a recovery branch that "
+         "taps 'Allow' on a permission dialog. A conditional step that fails with no "
+         "previousFailed children still fails the test. One level only (children cannot have "
+         "children); child types: " +
+         joinedRawValues<InteractionType>("/", mayBeBranchChild) +
+         " (compose userDefined/reuseSteps at the top level).";
+}
+
+}  // namespace
+
+InteractionDefinition::InteractionDefinition(InteractionType type, std::string_view descriptionText,
+                                             Description description) {
+  properties.set("type", JsonObject{{"const", rawValue(type)}});
+  properties.set("description", ofType("string", descriptionText));
+  properties.set("previousStepCondition",
+                 wordOf<PreviousStepCondition>(
+                     "ONLY meaningful on a step nested inside another step's `children`, where it "
+                     "selects branch membership. Leave it out of top-level steps."));
+  if (description == Description::required) required.emplace_back("description");
+}
+
+InteractionDefinition InteractionDefinition::property(std::string_view key, JsonObject schema) && {
+  properties.set(key, std::move(schema));
+  return std::move(*this);
+}
+
+InteractionDefinition InteractionDefinition::parameters(
+    JsonObject parameterProperties, std::initializer_list<const char*> requiredParameters) && {
+  JsonObject schema{{"type", "object"}, {"additionalProperties", false}};
+  schema.set("properties", std::move(parameterProperties));
+  if (requiredParameters.size() > 0) {
+    schema.set("required", AnyCodable::Array(requiredParameters.begin(), requiredParameters.end()));
+  }
+  return std::move(*this).property("parameters", std::move(schema));
+}
+
+InteractionDefinition InteractionDefinition::commonFlags() && {
+  return std::move(*this)
+      .property("aiSegmentationMode",
+                with(wordOf<AISegmentationMode>(
+                         "How Corvane finds elements on the screen. 'none' is pure on-device "
+                         "contour detection, the fastest; 'auto' enables AI segmentation; "
+                         "'forceFresh' enables it without reusing an earlier segmentation."),
+                     "default", rawValue(AISegmentationMode::none)))
+      .property("memoryEnabled",
+                with(ofType("boolean",
+                            "When true, Corvane records the step's resolved position on the first "
+                            "run and re-validates it on later runs."),
+                     "default", true));
+}
+
+InteractionDefinition InteractionDefinition::children(JsonObject childSchema) && {
+  JsonObject branch = ofType("array", branchText());
+  branch.set("minItems", 1);
+  branch.set("items", std::move(childSchema));
+  return std::move(*this).property("children", std::move(branch));
+}
+
+JsonObject InteractionDefinition::schema() && {
+  JsonObject schema{{"type", "object"}};
+  schema.set("required", std::move(required));
+  schema.set("properties", std::move(properties));
+  return schema;
+}
+
+}  // namespace corvane

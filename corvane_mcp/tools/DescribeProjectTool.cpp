@@ -1,0 +1,151 @@
+#include "corvane_mcp/tools/DescribeProjectTool.h"
+
+#include <algorithm>
+
+#include "CorvaneCore/json/JsonWriter.h"
+#include "CorvaneCore/workspace/AgentContext.h"
+#include "corvane_mcp/tools/ToolArguments.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr std::chrono::hours staleAfter{24};
+
+struct Arguments {
+  std::optional<std::string> projectName;
+
+  static auto arguments() {
+    return std::tuple(argument("projectName", &Arguments::projectName,
+                               "Optional. Return full detail for this project instead of the "
+                               "currently open one."));
+  }
+};
+
+ToolsCallResult contextUnavailable(const std::filesystem::path& file) {
+  return ToolsCallResult::failure(
+      "error:context_unavailable\n\nCorvane.app has not published workspace context yet (or the "
+      "file is unreadable). Open Corvane.app — it publishes context on launch and whenever "
+      "projects/tests/devices change. If describe_project keeps failing, update Corvane: this tool "
+      "requires a build with run-feedback support.\n\n  Expected at: " +
+      displayPath(file));
+}
+
+ToolsCallResult unknownProject(const std::string& name, const PublishedContext& context) {
+  std::vector<std::string_view> known;
+  for (const auto& project : context.projects()) {
+    if (const auto* text = project.name ? project.name->string() : nullptr) known.push_back(*text);
+  }
+  std::sort(known.begin(), known.end());
+  std::string names;
+  for (const auto text : known) names.append(names.empty() ? "" : ", ").append(text);
+  return ToolsCallResult::failure(
+      "error:unknown_project\n\nNo project named '" + name +
+      "' in the published context. Known projects: " + (known.empty() ? "(none)" : names) +
+      ". Names are matched case-insensitively — check the spelling.");
+}
+
+AnyCodable summary(const PublishedContext::Project& project) {
+  JsonObject summary{{"testCount", project.testCount}};
+  if (project.name) summary.set("name", *project.name);
+  if (project.platform) summary.set("platform", *project.platform);
+  return summary;
+}
+
+/// What the answer carries: the workspace's own members, `selected` whole, the others summarised.
+JsonObject brief(const PublishedContext& context, const PublishedContext::Project* selected) {
+  JsonObject brief;
+  for (const char* key :
+       {"schemaVersion", "updatedAt", "appVersion", "device", "userDefinedInteractions"}) {
+    const AnyCodable* value = context.members().find(key);
+    if (value && !value->isNull()) brief.set(key, *value);
+  }
+  if (const auto* current = context.members().findAs<std::string>("currentProjectName")) {
+    brief.set("currentProjectName", *current);
+  }
+  if (selected) brief.set("project", context.whole(*selected));
+  AnyCodable::Array others;
+  for (const auto& project : context.projects()) {
+    if (&project != selected) others.push_back(summary(project));
+  }
+  brief.set("otherProjects", std::move(others));
+  return brief;
+}
+
+}  // namespace
+
+std::string_view DescribeProjectTool::description() const {
+  return R"(Describe the user's Corvane workspace: which projects exist, which one is currently open, its platform and app identifiers, every test (with the exact names run_test expects, declared parameter names, AND a per-step summary of what each test does), suites, the bound simulator/emulator, the user's reusable building blocks (userDefinedInteractions — embed via create_test's userDefined reference), and each project's WORLD MAP (screens Corvane has explored, actions tried, and where they led).
+
+Step lists are the PERSISTED steps, 0-based — reuseSteps/extract_udi ranges index into exactly what you see here. A test with autoScaffold:true persists functional steps only: the app lifecycle (terminate/open) is injected at run time and takes no index. Older tests may still hold explicit terminate/open steps; those are persisted steps like any other and count in the indexes. UDIs are user-global, not per project: check sourceProjectName before you embed one app's flow into another app's test.
+
+Run-history health, per test:
+  • verified — true when at least one fully passed run postdates the test's last edit; false = not green since the last edit. Absent when an older Corvane wrote the file.
+  • flakinessScore — 0.0 stable to 1.0 alternating pass/fail on every run.
+  • isFlaky — true once flakinessScore crosses Corvane's threshold.
+  • lastFailure — {stepTitle, errorMessage} of the first failed step of the most recent failed run; also absent when the test never failed.
+flakinessScore/isFlaky/lastFailure are absent when the test has never run.
+
+This is your PLANNING BRIEF — call it first. Division of labour: explore_flow AUTHORS concrete flows live on the device; create_test COMPOSES what already exists (runTest, userDefined, reuseSteps, visualAssert probes and glue). For a cold or empty project, hand explore_flow the whole map of goals in ONE call. After an exploration, call this again and study the new world-map edges and the authored steps before you compose.
+
+With no arguments it returns the current project in full plus a one-line summary of every other known project; pass projectName to get a specific project in full.
+
+The data comes from a context file Corvane.app publishes whenever projects, tests, platform, or devices change. The response includes updatedAt; if the context is missing or looks stale the response says so — open (or update) Corvane.app, then retry.)";
+}
+
+AnyCodable DescribeProjectTool::inputSchema() const {
+  return schemaOf<Arguments>(OtherProperties::refused);
+}
+
+Task<ToolsCallResult> DescribeProjectTool::call(ToolCall call) const {
+  const auto wanted = readArgumentsIfAny<Arguments>(call).projectName;
+  const auto context = PublishedContext::read(services.paths.agentContextFile());
+  if (!context) co_return contextUnavailable(services.paths.agentContextFile());
+
+  auto notes = warnings(*context);
+  const PublishedContext::Project* selected = nullptr;
+  if (wanted) {
+    selected = context->find(*wanted);
+    if (!selected) co_return unknownProject(*wanted, *context);
+  } else if (context->projects().empty()) {
+    notes.emplace_back("note: no projects are published yet — create_test will create one.");
+  } else if (const auto* current = context->members().findAs<std::string>("currentProjectName")) {
+    selected = context->find(*current);
+  } else {
+    notes.emplace_back(
+        "note: no project is currently open in Corvane; pass projectName for full detail.");
+  }
+
+  const auto* updatedAt = context->members().findAs<std::string>("updatedAt");
+  std::string text =
+      "Corvane workspace context (updated " + (updatedAt ? *updatedAt : "<unknown>") + ").";
+  for (const auto& note : notes) text += "\n" + note;
+  text += "\n\n" + toJson(brief(*context, selected));
+  co_return ToolsCallResult::success(std::move(text));
+}
+
+std::vector<std::string> DescribeProjectTool::warnings(const PublishedContext& context) const {
+  std::vector<std::string> lines;
+  const auto* version = context.members().findAs<std::int64_t>("schemaVersion");
+  if (version && *version > AgentContext::currentSchemaVersion) {
+    lines.push_back("warning: context written by a newer Corvane (schema " +
+                    std::to_string(*version) + "); some fields may be unrecognized.");
+  }
+  if (!services.launcher.isRunning()) {
+    lines.emplace_back(
+        "warning: Corvane.app is not running; context reflects the last session and may be stale. "
+        "run_test/create_test will launch it.");
+    return lines;
+  }
+  const auto* text = context.members().findAs<std::string>("updatedAt");
+  const auto updatedAt = text ? parseDate(*text) : std::nullopt;
+  if (updatedAt &&
+      std::chrono::ceil<std::chrono::seconds>(services.clock.now()) - *updatedAt > staleAfter) {
+    lines.emplace_back(
+        "warning: context is over a day old; if projects or tests changed recently it may not "
+        "reflect them.");
+  }
+  return lines;
+}
+
+}  // namespace corvane

@@ -1,0 +1,105 @@
+#include "corvane_mcp/trace/CaptureManifest.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "CorvaneCore/json/JsonErrors.h"
+#include "CorvaneCore/json/JsonMembers.h"
+
+namespace corvane {
+
+namespace {
+
+/// When a frame was taken.
+enum class FrameStatus { beforeStep, afterStep, onFailure };
+
+/// A frame as far as it must make sense; what may be unusable is kept as it stands.
+struct FrameRecord {
+  std::int64_t stepIndex = 0;
+  FrameStatus status = FrameStatus::beforeStep;
+  AnyCodable imageFileName;
+  AnyCodable touches;
+
+  static constexpr auto fields() {
+    using R = FrameRecord;
+    return std::tuple(field("stepIndex", &R::stepIndex), field("status", &R::status),
+                      field("imageFileName", &R::imageFileName).withDefault(),
+                      field("touches", &R::touches).withDefault());
+  }
+};
+
+/// The value as a Record when it has that form.
+template <class Record>
+std::optional<Record> decodeIfFits(const AnyCodable& value) {
+  try {
+    return decodeValue<Record>(value);
+  } catch (const DecodeError&) {
+    return std::nullopt;
+  }
+}
+
+std::vector<Touch> usableTouches(const AnyCodable& value) {
+  // More marks than this would hide the screen.
+  constexpr std::size_t mostTouches = 100;
+  std::vector<Touch> touches;
+  const auto* array = value.array();
+  if (!array) return touches;
+  for (std::size_t i = 0; i < std::min(array->size(), mostTouches); ++i) {
+    if (const auto touch = decodeIfFits<Touch>((*array)[i])) touches.push_back(*touch);
+  }
+  return touches;
+}
+
+CaptureFrame usable(const FrameRecord& record) {
+  const auto* name = record.imageFileName.string();
+  return {name ? *name : std::string(), usableTouches(record.touches)};
+}
+
+bool isOfStep(const AnyCodable& frame, std::int64_t stepIndex) {
+  const auto* member = frame.find("stepIndex");
+  const auto* index = member ? member->integer() : nullptr;
+  return index && *index == stepIndex;
+}
+
+}  // namespace
+
+template <>
+struct Vocabulary<FrameStatus> {
+  static constexpr std::array rows{
+      VocabularyRow<FrameStatus>{FrameStatus::beforeStep, "beforeStep"},
+      VocabularyRow<FrameStatus>{FrameStatus::afterStep, "afterStep"},
+      VocabularyRow<FrameStatus>{FrameStatus::onFailure, "onFailure"},
+  };
+};
+
+std::filesystem::path manifestFile(const std::filesystem::path& sessionDir) {
+  return sessionDir / "session.json";
+}
+
+StepFrames readStepFrames(std::string_view manifest, std::int64_t stepIndex) {
+  const JsonObject members = readMembers(manifest, {"frames"});
+  const AnyCodable* frames = members.find("frames");
+  if (!frames || !frames->array()) throw DecodeError("frames: expected an array");
+
+  std::array<std::optional<FrameRecord>, Vocabulary<FrameStatus>::rows.size()> latest;
+  const auto latestOf = [&latest](FrameStatus status) -> std::optional<FrameRecord>& {
+    return latest[static_cast<std::size_t>(status)];
+  };
+  for (const AnyCodable& frame : *frames->array()) {
+    if (!isOfStep(frame, stepIndex)) continue;
+    if (auto record = decodeIfFits<FrameRecord>(frame)) {
+      latestOf(record->status) = std::move(record);
+    }
+  }
+
+  StepFrames picked;
+  const auto& before = latestOf(FrameStatus::beforeStep);
+  const auto& failed = latestOf(FrameStatus::onFailure);
+  const auto& after = failed ? failed : latestOf(FrameStatus::afterStep);
+  if (before) picked.before = usable(*before);
+  if (after) picked.after = usable(*after);
+  return picked;
+}
+
+}  // namespace corvane

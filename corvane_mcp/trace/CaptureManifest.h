@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "corvane_mcp/trace/Touch.h"
+
+namespace corvane {
+
+/// One screenshot of a capture session.
+struct CaptureFrame {
+  /// As the manifest has it: not trusted, and empty when it names none.
+  std::string imageFileName;
+  std::vector<Touch> touches;
+};
+
+/// The screenshots of one step.
+struct StepFrames {
+  std::optional<CaptureFrame> before;
+  std::optional<CaptureFrame> after;
+
+  [[nodiscard]] bool empty() const { return !before && !after; }
+};
+
+/// The file in a capture session's folder that lists its frames.
+[[nodiscard]] std::filesystem::path manifestFile(const std::filesystem::path& sessionDir);
+
+/// Picks the frames of `stepIndex` out of a manifest's text. A frame taken on failure goes before
+/// one taken after the step; of several frames of one status the last counts. Frames and touches
+/// that make no sense are passed over. Throws DecodeError when the text is no manifest.
+[[nodiscard]] StepFrames readStepFrames(std::string_view manifest, std::int64_t stepIndex);
+
+}  // namespace corvane

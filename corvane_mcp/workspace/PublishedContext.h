@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "CorvaneCore/json/Record.h"
+
+namespace corvane {
+
+/// What Corvane.app has published about the workspace, read as plain JSON so that whatever a newer
+/// app adds passes through. Workspaces are large and an answer needs one project of many: of each
+/// project only its summary is kept, and where in the text it stands.
+class PublishedContext {
+ public:
+  struct Project {
+    std::optional<AnyCodable> name;
+    std::optional<AnyCodable> platform;
+    std::int64_t testCount = 0;
+    /// The project's text in the file: where it begins and where what follows it does.
+    std::int64_t begin = 0;
+    std::int64_t end = 0;
+
+    static constexpr auto fields() {
+      using R = Project;
+      return std::tuple(field("name", &R::name), field("platform", &R::platform),
+                        field("testCount", &R::testCount).withDefault(), field("begin", &R::begin),
+                        field("end", &R::end));
+    }
+  };
+
+  /// Nothing when the file cannot be read or holds no JSON object.
+  [[nodiscard]] static std::optional<PublishedContext> read(const std::filesystem::path& file);
+
+  /// The members beside the projects.
+  [[nodiscard]] const JsonObject& members() const { return known; }
+  /// The entries of `projects` that are objects, in the order of the file.
+  [[nodiscard]] const std::vector<Project>& projects() const { return listed; }
+  /// The first project of this name, whatever its case; nullptr when there is none.
+  [[nodiscard]] const Project* find(std::string_view name) const;
+  /// Everything the file says of one of its projects.
+  [[nodiscard]] AnyCodable whole(const Project& project) const;
+
+ private:
+  explicit PublishedContext(std::string text);
+
+  std::string text;
+  JsonObject known;
+  std::vector<Project> listed;
+};
+
+}  // namespace corvane

@@ -1,0 +1,32 @@
+#include "corvane_standin/Job.h"
+
+#include <utility>
+
+namespace corvane::standin {
+
+Job::Job(std::string_view requestId, std::string_view source) {
+  state.requestId = requestId;
+  state.source = source;
+  state.setStatus(RunStatus::received);
+}
+
+bool Job::queueAt(std::int64_t position) {
+  if (state.queuePosition == position) return false;
+  enter(RunStatus::queued);
+  state.queuePosition = position;
+  return true;
+}
+
+void Job::end(RunStatus status, std::string message) {
+  enter(status);
+  state.message = std::move(message);
+}
+
+void Job::enter(RunStatus status) {
+  state.setStatus(status);
+  state.message.reset();
+  state.progress.reset();
+  state.queuePosition.reset();
+}
+
+}  // namespace corvane::standin

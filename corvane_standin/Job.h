@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "CorvaneCore/results/AgentRunResult.h"
+
+namespace corvane::standin {
+
+/// One request in the app's hands, from received to a terminal status. Each kind of request has its
+/// own; the queue drives them all and publishes what they say.
+class Job {
+ public:
+  enum class Advance {
+    waited,
+    changed,
+    /// The program is to end on the spot, with nothing more written.
+    crashed,
+  };
+
+  virtual ~Job() = default;
+
+  [[nodiscard]] const std::string& id() const { return state.requestId; }
+  /// What the result file is to say.
+  [[nodiscard]] const AgentRunResult& result() const { return state; }
+  /// Whether the result is kept fresh while nothing else changes it.
+  [[nodiscard]] virtual bool heartbeats() const { return true; }
+
+  /// Sets the place behind the active job; false when that is where it was.
+  bool queueAt(std::int64_t position);
+  /// Moves on if its time has come. Called only while it is this job's turn.
+  [[nodiscard]] virtual Advance advance() = 0;
+  /// Asks a job whose turn it is to end as soon as it is between two steps.
+  void cancel() { cancelRequested = true; }
+  /// Ends the job where it is.
+  virtual void end(RunStatus status, std::string message);
+
+ protected:
+  Job(std::string_view requestId, std::string_view source);
+
+  /// Takes on a status, leaving behind what belonged to the last one.
+  void enter(RunStatus status);
+
+  AgentRunResult state;
+  bool cancelRequested = false;
+};
+
+}  // namespace corvane::standin

@@ -1,0 +1,164 @@
+#include "corvane_standin/RunJob.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "corvane_standin/RunSummary.h"
+
+namespace corvane::standin {
+
+namespace {
+
+using Kind = TestOutcome::Kind;
+
+}  // namespace
+
+RunJob::RunJob(AgentRunRequest request, const Services& services)
+    : Job(request.requestId, "run_test"), request(std::move(request)), services(services) {
+  state.projectName = this->request.projectName;
+}
+
+bool RunJob::heartbeats() const {
+  return !isTurning(Kind::wedged);
+}
+
+Job::Advance RunJob::advance() {
+  switch (stage) {
+    case Stage::waiting:
+      return begin();
+    case Stage::building:
+      return build();
+    case Stage::running:
+      return play();
+  }
+  return Advance::waited;
+}
+
+Job::Advance RunJob::begin() {
+  try {
+    plan = planRun(request, services.workspace.workspace(), services.settings.outcomes);
+  } catch (const RunRefused& refused) {
+    refused.code ? endBlocked(*refused.code, refused.what())
+                 : end(RunStatus::error, refused.what());
+    return Advance::changed;
+  }
+  state.platform = plan->platform;
+  began = services.clock.now();
+  if (plan->builds) {
+    stage = Stage::building;
+    enter(RunStatus::building);
+    state.message = "Building and installing '" + request.projectName + "'.";
+  } else {
+    startTests();
+  }
+  return Advance::changed;
+}
+
+Job::Advance RunJob::build() {
+  if (cancelRequested) {
+    endCancelled();
+  } else if (!hasLasted(services.settings.buildSeconds)) {
+    return Advance::waited;
+  } else if (const auto failure = plan->buildFailure()) {
+    end(RunStatus::buildFailed, *failure);
+  } else {
+    startTests();
+  }
+  return Advance::changed;
+}
+
+Job::Advance RunJob::play() {
+  if (isTurning(Kind::hold) || isTurning(Kind::wedged)) {
+    if (!cancelRequested) return Advance::waited;
+    endCancelled();
+    return Advance::changed;
+  }
+  if (!hasLasted(services.settings.stepSeconds)) return Advance::waited;
+  if (isTurning(Kind::crash)) return Advance::crashed;
+  finishStep();
+  cancelRequested ? endCancelled() : toNextStep();
+  return Advance::changed;
+}
+
+void RunJob::startTests() {
+  stage = Stage::running;
+  enter(RunStatus::running);
+  state.appUnderTest = plan->app;
+  AgentRunResult::Progress progress;
+  progress.totalSteps = static_cast<std::int64_t>(plan->stepCount());
+  state.progress = progress;
+  toNextStep();
+}
+
+void RunJob::finishStep() {
+  const auto index = current->stepsDone();
+  current->finishStep(services.clock.now() - began);
+  const auto& step = current->result().steps[index];
+  state.progress->lastStepTitle = step.title;
+  state.progress->lastStepStatus = step.status;
+  creditsSpent += step.healedByAI ? 1.5 : 0.5;
+}
+
+void RunJob::toNextStep() {
+  while (!current || current->isOver()) {
+    if (current) {
+      closeTest(current->status());
+      services.workspace.record(request.projectName, closed.back());
+    }
+    if (closed.size() == plan->tests.size()) return finish();
+    const auto& next = plan->tests[closed.size()];
+    if (next.outcome.kind == Kind::blocked) {
+      return endBlocked(next.outcome.blockedCode.value_or("appNotInstalled"),
+                        next.outcome.blockedMessage.value_or(
+                            "The app under test is not installed on the device."));
+    }
+    current.emplace(next);
+  }
+  std::size_t stepsBefore = current->stepsDone();
+  for (const auto& test : closed) stepsBefore += test.steps.size();
+  state.progress->currentStep = static_cast<std::int64_t>(stepsBefore) + 1;
+  began = services.clock.now();
+}
+
+void RunJob::closeTest(std::string_view status) {
+  current->close(status);
+  closed.push_back(current->result());
+  current.reset();
+}
+
+void RunJob::finish() {
+  end(overallStatus(closed), overallMessage(*plan, closed));
+}
+
+void RunJob::endCancelled() {
+  end(RunStatus::cancelled, stage == Stage::building ? "Cancelled while the app was being built."
+                                                     : "Cancelled at a step boundary.");
+}
+
+void RunJob::endBlocked(std::string code, std::string message) {
+  state.blocked = AgentRunResult::BlockedInfo{std::move(code), message, std::nullopt};
+  end(RunStatus::blocked, std::move(message));
+}
+
+void RunJob::end(RunStatus status, std::string message) {
+  if (current) closeTest(rawValue(status));
+  Job::end(status, std::move(message));
+  if (!plan) return;
+  if (!closed.empty()) {
+    state.summary = summaryOf(closed);
+    state.tests = std::move(closed);
+  }
+  services.creditBalance -= creditsSpent;
+  state.creditsSpent = creditsSpent;
+  state.creditBalance = services.creditBalance;
+}
+
+bool RunJob::isTurning(Kind kind) const {
+  return current && current->isAtTurn() && current->planned().outcome.kind == kind;
+}
+
+bool RunJob::hasLasted(double seconds) const {
+  return services.clock.now() - began >= std::chrono::duration<double>(seconds);
+}
+
+}  // namespace corvane::standin

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "CorvaneCore/requests/AgentRunRequest.h"
+#include "corvane_standin/Job.h"
+#include "corvane_standin/RunPlan.h"
+#include "corvane_standin/Services.h"
+#include "corvane_standin/TestRun.h"
+
+namespace corvane::standin {
+
+/// Runs tests that exist in the workspace. What there is to run is looked up when the turn comes,
+/// so that a run finds what the jobs before it brought in.
+class RunJob final : public Job {
+ public:
+  RunJob(AgentRunRequest request, const Services& services);
+
+  [[nodiscard]] bool heartbeats() const override;
+  [[nodiscard]] Advance advance() override;
+  void end(RunStatus status, std::string message) override;
+
+ private:
+  enum class Stage { waiting, building, running };
+
+  [[nodiscard]] Advance begin();
+  [[nodiscard]] Advance build();
+  [[nodiscard]] Advance play();
+  void startTests();
+  void finishStep();
+  void toNextStep();
+  void closeTest(std::string_view status);
+  void finish();
+  void endCancelled();
+  void endBlocked(std::string code, std::string message);
+  /// Whether the step in hand is the one at which a test of outcome `kind` takes its turn.
+  [[nodiscard]] bool isTurning(TestOutcome::Kind kind) const;
+  [[nodiscard]] bool hasLasted(double seconds) const;
+
+  AgentRunRequest request;
+  Services services;
+  Stage stage = Stage::waiting;
+  /// When the build or the step in hand began.
+  Clock::Time began;
+  std::optional<RunPlan> plan;
+  std::vector<AgentRunResult::Test> closed;
+  std::optional<TestRun> current;
+  double creditsSpent = 0;
+};
+
+}  // namespace corvane::standin

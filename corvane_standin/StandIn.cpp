@@ -1,0 +1,88 @@
+#include "corvane_standin/StandIn.h"
+
+#include <memory>
+#include <utility>
+
+#include "corvane_standin/RunJob.h"
+#include "corvane_standin/Workspace.h"
+
+namespace corvane::standin {
+
+namespace {
+
+Clock::Duration inSeconds(double seconds) {
+  return std::chrono::duration_cast<Clock::Duration>(std::chrono::duration<double>(seconds));
+}
+
+}  // namespace
+
+StandIn::StandIn(AgentPaths sharedPaths, StandInSettings givenSettings, const Clock& clock,
+                 const StandInLog& log)
+    : paths(std::move(sharedPaths)),
+      settings(std::move(givenSettings)),
+      clock(clock),
+      log(log),
+      opensAt(clock.now() + inSeconds(settings.coldStartSeconds)),
+      creditBalance(settings.creditBalance),
+      results(paths, clock, log),
+      dropFolder(paths, log),
+      queue(results, clock, log, inSeconds(settings.heartbeatSeconds)) {
+  settings.outcomes.merge(firstOutcomes());
+}
+
+bool StandIn::tick() {
+  if (!workspace) {
+    if (clock.now() < opensAt) return true;
+    open();
+  }
+  if (!queue.advance()) return false;
+  takeIn();
+  return true;
+}
+
+void StandIn::quit() {
+  queue.quit();
+}
+
+void StandIn::open() {
+  paths.ensureAgentImportsDirectoryExists();
+  paths.ensureAgentRunRequestsDirectoryExists();
+  paths.ensureAgentResultsDirectoryExists();
+  paths.ensureAgentMCPDirectoryExists();
+  results.settleOrphans();
+  workspace.emplace(paths, clock, log).publish();
+}
+
+void StandIn::takeIn() {
+  auto arrivals = dropFolder.take();
+  for (auto& dropped : arrivals.requests) {
+    if (queue.contains(dropped.id)) {
+      log.warn(dropped.id + ": dropped again while it is in hand, ignored");
+      continue;
+    }
+    std::visit([&](auto& request) { takeUp(dropped.id, std::move(request)); }, dropped.request);
+  }
+  for (const auto& id : arrivals.cancelled) {
+    log.info(id + ": cancel marker");
+    queue.cancel(id);
+  }
+}
+
+void StandIn::takeUp(const std::string& id, AgentRunRequest request) {
+  log.info(id + ": run request for '" + request.projectName + "'");
+  request.requestId = id;
+  queue.add(std::make_unique<RunJob>(std::move(request),
+                                     Services{clock, settings, *workspace, creditBalance}));
+}
+
+void StandIn::takeUp(const std::string& id, const UnusableRequest& request) {
+  AgentRunResult result;
+  result.requestId = id;
+  result.source = "run_test";
+  result.setStatus(RunStatus::error);
+  result.message = "Corvane cannot use the request file: " + request.reason;
+  log.warn(id + ": " + *result.message);
+  results.publish(std::move(result));
+}
+
+}  // namespace corvane::standin

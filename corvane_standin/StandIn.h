@@ -1,0 +1,53 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "CorvaneCore/paths/AgentPaths.h"
+#include "corvane_standin/Clock.h"
+#include "corvane_standin/DropFolder.h"
+#include "corvane_standin/JobQueue.h"
+#include "corvane_standin/ResultPublisher.h"
+#include "corvane_standin/StandInLog.h"
+#include "corvane_standin/StandInSettings.h"
+#include "corvane_standin/WorkspaceStore.h"
+
+namespace corvane::standin {
+
+/// Corvane.app as far as its shared files show it. Does nothing by itself: whoever owns it calls
+/// tick() again and again, and each call does what is due by then.
+class StandIn {
+ public:
+  /// `clock` and `log` outlive the stand-in.
+  StandIn(AgentPaths paths, StandInSettings settings, const Clock& clock, const StandInLog& log);
+  StandIn(const StandIn&) = delete;
+  StandIn& operator=(const StandIn&) = delete;
+
+  /// Takes at most one step of the active job and takes in what was dropped. False when the program
+  /// is to end on the spot, as one that crashes.
+  [[nodiscard]] bool tick();
+
+  /// Ends what is in hand; no tick follows.
+  void quit();
+
+ private:
+  void open();
+  void takeIn();
+  /// One for every kind of request.
+  void takeUp(const std::string& id, AgentRunRequest request);
+  void takeUp(const std::string& id, const UnusableRequest& request);
+
+  AgentPaths paths;
+  StandInSettings settings;
+  const Clock& clock;
+  const StandInLog& log;
+  Clock::Time opensAt;
+  double creditBalance;
+  ResultPublisher results;
+  DropFolder dropFolder;
+  JobQueue queue;
+  /// Present once the cold start is over.
+  std::optional<WorkspaceStore> workspace;
+};
+
+}  // namespace corvane::standin

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "CorvaneCore/results/AgentRunResult.h"
+#include "CorvaneCore/workspace/AgentContext.h"
+#include "corvane_standin/Clock.h"
+#include "corvane_standin/StandInLog.h"
+
+namespace corvane::standin {
+
+/// The workspace, which lives in the published context file from one start to the next.
+class WorkspaceStore {
+ public:
+  /// Takes up the workspace in the context file, or the first one when there is no usable file.
+  WorkspaceStore(const AgentPaths& paths, const Clock& clock, const StandInLog& log);
+
+  [[nodiscard]] const AgentContext& workspace() const { return context; }
+
+  /// Notes how a test that ran to its end turned out, and publishes again.
+  void record(std::string_view projectName, const AgentRunResult::Test& outcome);
+
+  /// Dates the workspace now and writes the context file. A failure is logged.
+  void publish();
+
+ private:
+  void load();
+
+  const AgentPaths& paths;
+  const Clock& clock;
+  const StandInLog& log;
+  AgentContext context;
+  /// By test id, for tests that ran in this life: whether the last run failed.
+  std::map<std::string, bool> lastRunFailed;
+};
+
+}  // namespace corvane::standin

@@ -1,0 +1,124 @@
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <chrono>
+#include <exception>
+#include <iostream>
+#include <optional>
+#include <string>
+#include <thread>
+
+#include "CorvaneCore/files/Files.h"
+#include "CorvaneCore/paths/AgentPaths.h"
+#include "corvane_standin/Clock.h"
+#include "corvane_standin/InstanceLock.h"
+#include "corvane_standin/StandIn.h"
+#include "corvane_standin/StandInLog.h"
+#include "corvane_standin/StandInPaths.h"
+#include "corvane_standin/StandInSettings.h"
+#include "corvane_standin/StopSignals.h"
+
+namespace {
+
+using namespace corvane;
+using namespace corvane::standin;
+using namespace std::chrono_literals;
+
+struct Options {
+  bool quit = false;
+  std::optional<double> stepSeconds;
+  std::optional<double> buildSeconds;
+  std::optional<double> heartbeatSeconds;
+  std::optional<double> coldStartSeconds;
+};
+
+void declareOptions(CLI::App& program, Options& options) {
+  program.add_flag("--quit", options.quit,
+                   "Ask the instance of this home to stop and wait until it is gone");
+  program.add_option("--step-seconds", options.stepSeconds, "How long a test step takes");
+  program.add_option("--build-seconds", options.buildSeconds, "How long a build takes");
+  program.add_option("--heartbeat-seconds", options.heartbeatSeconds,
+                     "The longest a result in hand goes without being refreshed");
+  program.add_option("--cold-start-seconds", options.coldStartSeconds,
+                     "From the start to the moment requests are taken up");
+}
+
+StandInSettings overriddenBy(const Options& options, StandInSettings settings) {
+  settings.stepSeconds = options.stepSeconds.value_or(settings.stepSeconds);
+  settings.buildSeconds = options.buildSeconds.value_or(settings.buildSeconds);
+  settings.heartbeatSeconds = options.heartbeatSeconds.value_or(settings.heartbeatSeconds);
+  settings.coldStartSeconds = options.coldStartSeconds.value_or(settings.coldStartSeconds);
+  return settings;
+}
+
+int quitRunningInstance(const StandInPaths& files) {
+  constexpr auto patience = 10s;
+  if (quitInstance(files.lockFile(), patience)) return 0;
+  std::cerr << "Corvane does not quit.\n";
+  return 1;
+}
+
+int loop(StandIn& standIn, const InstanceLock& lock, const StopSignals& stop,
+         const StandInLog& log) {
+  constexpr auto pause = 15ms;
+  while (lock.inPlace()) {
+    if (stop.arrived()) {
+      standIn.quit();
+      log.info("quit as asked");
+      return 0;
+    }
+    if (!standIn.tick()) {
+      log.warn("crashing, as the outcome of a test asks for");
+      constexpr int softwareFault = 70;
+      ::_exit(softwareFault);
+    }
+    std::this_thread::sleep_for(pause);
+  }
+  log.info("quit because the home is gone");
+  return 0;
+}
+
+int run(const Options& options) {
+  const auto paths = AgentPaths::current();
+  const StandInPaths files(paths);
+  if (options.quit) return quitRunningInstance(files);
+
+  const auto asked = overriddenBy(options, {}).problem();
+  if (asked) {
+    std::cerr << "Corvane: " << *asked << "\n";
+    return 2;
+  }
+  if (!fileExists(paths.home())) {
+    std::cerr << "Corvane: there is no home folder " << displayPath(paths.home()) << "\n";
+    return 1;
+  }
+  ensureDirectoryExists(files.directory());
+  // Before the lock is taken: from then on other processes may ask this one to stop.
+  const StopSignals stop;
+  const auto lock = InstanceLock::tryAcquire(files.lockFile());
+  if (!lock) {
+    std::cerr << "Corvane is already running for this home.\n";
+    return 0;
+  }
+  const SystemClock clock;
+  const StandInLog log(files.logFile(), clock);
+  log.info("started as process " + std::to_string(::getpid()));
+  const auto settings = overriddenBy(options, StandInSettings::load(files.settingsFile(), log));
+  StandIn standIn(paths, settings, clock, log);
+  return loop(standIn, *lock, stop, log);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  CLI::App program("A stand-in for Corvane.app that fulfils its half of the shared files");
+  Options options;
+  declareOptions(program, options);
+  CLI11_PARSE(program, argc, argv);
+  try {
+    return run(options);
+  } catch (const std::exception& error) {
+    std::cerr << "Corvane: " << error.what() << "\n";
+    return 1;
+  }
+}

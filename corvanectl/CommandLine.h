@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <variant>
+
+#include "corvanectl/ExitStatus.h"
+#include "corvanectl/commands/Invocation.h"
+
+namespace corvane {
+
+/// What the command line itself is answered with: help, the version, or what is wrong with it.
+struct CommandLineReply {
+  std::string text;
+  ExitStatus status = ExitStatus::success;
+};
+
+/// Reads the command line. Throws nothing but for want of memory.
+[[nodiscard]] std::variant<Invocation, CommandLineReply> parseCommandLine(int argc,
+                                                                          const char* const* argv);
+
+}  // namespace corvane

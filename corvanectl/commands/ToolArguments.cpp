@@ -1,0 +1,60 @@
+#include "corvanectl/commands/ToolArguments.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <string>
+#include <utility>
+
+#include "CorvaneCore/files/Files.h"
+#include "CorvaneCore/json/JsonErrors.h"
+#include "CorvaneCore/json/JsonReader.h"
+#include "corvanectl/commands/UsageError.h"
+
+namespace corvane {
+
+namespace {
+
+std::string readStandardInput(Interruption& interruption) {
+  std::string text;
+  while (true) {
+    std::array<pollfd, 1> files{{{STDIN_FILENO, POLLIN, 0}}};
+    interruption.wait(files, never);
+    std::array<char, std::size_t{64} << 10> chunk;
+    const ssize_t count = ::read(STDIN_FILENO, chunk.data(), chunk.size());
+    if (count == 0) return text;
+    if (count < 0 && errno != EINTR && errno != EAGAIN) {
+      throw UsageError(std::string("could not read standard input: ") + std::strerror(errno));
+    }
+    if (count > 0) text.append(chunk.data(), static_cast<std::size_t>(count));
+  }
+}
+
+std::string readSource(std::string_view source, Interruption& interruption) {
+  if (source == "-") return readStandardInput(interruption);
+  if (!source.starts_with('@')) return std::string(source);
+  try {
+    return readFile(std::filesystem::path(source.substr(1)));
+  } catch (const FileError& error) {
+    throw UsageError(error.what());
+  }
+}
+
+}  // namespace
+
+AnyCodable::Object readToolArguments(std::string_view source, Interruption& interruption) {
+  const std::string text = readSource(source, interruption);
+  try {
+    AnyCodable arguments = readJson(text);
+    if (auto* object = std::get_if<AnyCodable::Object>(&arguments.value())) {
+      return std::move(*object);
+    }
+  } catch (const DecodeError& error) {
+    throw UsageError(std::string("the arguments cannot be used: ") + error.what());
+  }
+  throw UsageError("the arguments must be a JSON object, like {\"projectName\":\"Shop\"}");
+}
+
+}  // namespace corvane

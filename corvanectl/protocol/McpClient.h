@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "CorvaneCore/json/AnyCodable.h"
+#include "CorvaneCore/json/JsonReader.h"
+#include "corvanectl/protocol/ServerProcess.h"
+
+namespace corvane {
+
+/// The client's side of the Model Context Protocol, one request at a time. What arrives while a
+/// request waits (notifications, answers to requests that were given up) does not disturb it.
+class McpClient {
+ public:
+  using OnProgress = std::function<void(std::string_view message)>;
+  using Warn = std::function<void(std::string_view warning)>;
+
+  /// `server` outlives the client. `warn` hears of the first line that is no message; all
+  /// such lines are passed over.
+  McpClient(ServerProcess& server, Warn warn) : server(server), warn(std::move(warn)) {}
+
+  /// Greets the server; comes before any request. Throws as `request` does.
+  void initialize(Deadline deadline);
+
+  /// The result of a request. Throws RpcError when the server answers with an error, NoAnswer when
+  /// `deadline` comes first, ProtocolError when the server fails, Interrupted.
+  [[nodiscard]] AnyCodable request(std::string_view method, AnyCodable::Object params,
+                                   Deadline deadline, const OnProgress& onProgress = {});
+
+  /// The result of calling a tool, as the server gives it. With `onProgress`, asks for progress
+  /// messages and hands them on. Throws as `request` does.
+  [[nodiscard]] AnyCodable callTool(std::string_view tool,
+                                    std::optional<AnyCodable::Object> arguments, Deadline deadline,
+                                    const OnProgress& onProgress = {});
+
+ private:
+  void notify(std::string_view method);
+  [[nodiscard]] std::optional<AnyCodable> nextMessage(std::string_view method, Deadline deadline);
+  [[nodiscard]] std::optional<AnyCodable> parse(const std::string& line);
+
+  ServerProcess& server;
+  Warn warn;
+  JsonReader reader;
+  std::int64_t lastId = 0;
+  bool warned = false;
+};
+
+}  // namespace corvane

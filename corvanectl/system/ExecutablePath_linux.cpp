@@ -1,0 +1,10 @@
+#include "corvanectl/system/ExecutablePath.h"
+
+namespace corvane {
+
+std::filesystem::path executablePath() {
+  std::error_code unknown;
+  return std::filesystem::read_symlink("/proc/self/exe", unknown);
+}
+
+}  // namespace corvane

@@ -1,0 +1,100 @@
+#include "corvanectl/terminal/DisplayText.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+
+#include "CorvaneCore/text/Utf8.h"
+
+namespace corvane {
+
+namespace {
+
+bool isBlank(char c) {
+  return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+/// How many columns a character may take, told from its first byte. Wide characters begin at
+/// U+1100; calling a narrow one wide only cuts a text a little earlier.
+std::size_t widestColumns(char firstByte) {
+  return static_cast<unsigned char>(firstByte) >= 0xE1 ? 2 : 1;
+}
+
+bool continuesCharacter(char byte) {
+  return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
+std::size_t widestColumns(std::string_view text) {
+  std::size_t columns = 0;
+  for (const char c : text) columns += continuesCharacter(c) ? 0 : widestColumns(c);
+  return columns;
+}
+
+}  // namespace
+
+std::string oneLine(std::string_view text) {
+  std::string line;
+  for (const char c : text) {
+    if (!isBlank(c)) {
+      line += c;
+    } else if (!line.empty() && line.back() != ' ') {
+      line += ' ';
+    }
+  }
+  if (line.ends_with(' ')) line.pop_back();
+  return escapeControls(toValidUtf8(line));
+}
+
+std::string cutToColumns(std::string_view text, std::size_t columns) {
+  constexpr std::string_view ellipsis = "…";
+  const std::size_t ellipsisColumns = widestColumns(ellipsis.front());
+  std::size_t used = 0;
+  std::size_t cut = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (continuesCharacter(text[i])) continue;
+    if (used + ellipsisColumns <= columns) cut = i;
+    used += widestColumns(text[i]);
+    if (used <= columns) continue;
+    std::string shortened(text.substr(0, cut));
+    if (ellipsisColumns <= columns) shortened += ellipsis;
+    return shortened;
+  }
+  return std::string(text);
+}
+
+std::string wrapToColumns(std::string_view text, std::size_t columns, std::size_t indent) {
+  std::string wrapped;
+  std::size_t used = indent;
+  while (!text.empty()) {
+    const std::string_view word = text.substr(0, text.find(' '));
+    text.remove_prefix(std::min(word.size() + 1, text.size()));
+    const std::size_t width = widestColumns(word);
+    const bool beginsLine = used == indent;
+    if (!beginsLine && used + 1 + width > columns) {
+      wrapped.append("\n").append(indent, ' ');
+      used = indent;
+    } else if (!beginsLine) {
+      wrapped += ' ';
+      ++used;
+    }
+    wrapped += word;
+    used += width;
+  }
+  return wrapped;
+}
+
+std::string displaySeconds(double seconds) {
+  std::array<char, 32> text;
+  const double shown = std::clamp(seconds, 0.0, 1e9);
+  if (shown < 9.95) {
+    std::snprintf(text.data(), text.size(), "%g s", std::round(shown * 10) / 10);
+    return text.data();
+  }
+  const auto whole = static_cast<std::int64_t>(std::llround(shown));
+  if (whole < 60) return std::to_string(whole) + " s";
+  return std::to_string(whole / 60) + " min " + std::to_string(whole % 60) + " s";
+}
+
+}  // namespace corvane

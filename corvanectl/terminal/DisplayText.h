@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace corvane {
+
+/// Foreign text as one line that is safe to show: white space runs become one blank, other control
+/// characters are spelled out, bytes that are not UTF-8 are replaced.
+[[nodiscard]] std::string oneLine(std::string_view text);
+
+/// The front of `text`, which is valid UTF-8, that surely fits into `columns` columns, with "…" at
+/// its end when something is left off.
+[[nodiscard]] std::string cutToColumns(std::string_view text, std::size_t columns);
+
+/// `text` with line feeds in the place of blanks, so that its lines surely fit between column
+/// `indent` and column `columns`, as far as its words are short enough. Lines after the first begin
+/// with `indent` blanks.
+[[nodiscard]] std::string wrapToColumns(std::string_view text, std::size_t columns,
+                                        std::size_t indent);
+
+/// A length of time for people: "0.4 s", "12 s", "2 min 5 s".
+[[nodiscard]] std::string displaySeconds(double seconds);
+
+}  // namespace corvane

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "CorvaneCore/json/JsonReader.h"
+#include "tests/support/ProcessFacts.h"
+#include "tests/support/ServerProcess.h"
+#include "tests/support/TemporaryHome.h"
+#include "tests/support/TestFiles.h"
+
+namespace corvane {
+
+/// A sanitizer's own bookkeeping takes memory, so how much a program uses tells nothing then.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+inline constexpr bool memoryIsMeasurable = false;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+inline constexpr bool memoryIsMeasurable = false;
+#else
+inline constexpr bool memoryIsMeasurable = true;
+#endif
+#else
+inline constexpr bool memoryIsMeasurable = true;
+#endif
+
+/// Bad input and bad luck for the real server, in a private home.
+class FaultTest : public testing::Test {
+ protected:
+  [[nodiscard]] ServerProcess::Setup setup() const { return {CORVANE_MCP_PROGRAM, home.path()}; }
+
+  [[nodiscard]] static std::string ping(int id) {
+    return R"({"jsonrpc":"2.0","id":)" + std::to_string(id) + R"(,"method":"ping"})";
+  }
+  [[nodiscard]] static std::string pong(int id) {
+    return R"({"id":)" + std::to_string(id) + R"(,"jsonrpc":"2.0","result":{}})";
+  }
+  /// A call of a tool; `arguments` is JSON.
+  [[nodiscard]] static std::string call(int id, std::string_view tool, std::string_view arguments) {
+    return R"({"jsonrpc":"2.0","id":)" + std::to_string(id) +
+           R"(,"method":"tools/call","params":{"name":")" + std::string(tool) +
+           R"(","arguments":)" + std::string(arguments) + "}}";
+  }
+  static constexpr std::string_view anyRun = R"({"projectName":"Shop","runAll":true})";
+
+  /// The text of a reply's first block.
+  [[nodiscard]] static std::string textOf(std::string_view reply) {
+    const AnyCodable message = readJson(reply);
+    const auto* result = message.find("result");
+    const auto* content = result ? result->findAs<AnyCodable::Array>("content") : nullptr;
+    return content ? *content->at(0).findAs<std::string>("text")
+                   : "no text in " + std::string(reply);
+  }
+  /// The message of an error reply.
+  [[nodiscard]] static std::string errorOf(std::string_view reply) {
+    const AnyCodable message = readJson(reply);
+    const auto* error = message.find("error");
+    return error ? *error->findAs<std::string>("message") : "no error in " + std::string(reply);
+  }
+
+  /// Where it can be told, expects the server to use less memory than this.
+  static void expectMemoryBelow(std::size_t kilobytes, const ServerProcess& server) {
+    if (memoryIsMeasurable) {
+      EXPECT_LT(ProcessFacts::residentKilobytes(server.id()), kilobytes);
+    }
+  }
+
+  [[nodiscard]] std::size_t requestFiles() const {
+    return listVisible(paths.agentRunRequestsDirectory()).size();
+  }
+
+  const TemporaryHome home;
+  const AgentPaths paths = home.paths();
+};
+
+}  // namespace corvane

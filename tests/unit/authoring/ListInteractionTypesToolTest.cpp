@@ -1,0 +1,55 @@
+#include "corvane_mcp/tools/ListInteractionTypesTool.h"
+
+#include <gtest/gtest.h>
+
+#include "CorvaneCore/authoring/AuthoringContract.h"
+#include "CorvaneCore/json/JsonWriter.h"
+#include "tests/unit/server/ToolBench.h"
+
+namespace corvane {
+namespace {
+
+/// The text that the tool answers to these arguments, a JSON text, or to none.
+std::string answer(std::optional<std::string_view> arguments = std::nullopt) {
+  ToolCall call;
+  if (arguments) call.arguments = readJson(*arguments);
+  const auto result = runTask(ListInteractionTypesTool().call(std::move(call)));
+  EXPECT_FALSE(result.isError);
+  return textOf(result);
+}
+
+TEST(ListInteractionTypesToolTest, WithoutATypeItServesTheWholeContract) {
+  const std::string whole = AuthoringContract::fullMarkdown();
+  EXPECT_EQ(answer(), whole);
+  for (const char* arguments : {"{}", R"({"type":null})", R"({"type":7})", R"({"type":["tap"]})",
+                                R"({"kind":"tap"})", "null", "[]", R"("tap")"}) {
+    EXPECT_EQ(answer(arguments), whole) << arguments;
+  }
+}
+
+TEST(ListInteractionTypesToolTest, WithATypeItServesItsHint) {
+  for (const auto& row : Vocabulary<InteractionType>::rows) {
+    EXPECT_EQ(answer(R"({"type":")" + std::string(row.rawValue) + R"("})"),
+              AuthoringContract::guidance(row.value));
+  }
+  EXPECT_EQ(answer(R"({"type":"tap"})"), "(no extra guidance — see create_test.inputSchema)");
+}
+
+TEST(ListInteractionTypesToolTest, AnUnknownTypeHasNoHint) {
+  for (const char* type : {"Tap", "swipe", ""}) {
+    EXPECT_EQ(answer(R"({"type":")" + std::string(type) + R"("})"),
+              "(no extra guidance — see create_test.inputSchema)");
+  }
+}
+
+TEST(ListInteractionTypesToolTest, TheSchemaListsTheTypes) {
+  EXPECT_EQ(
+      toJson(ListInteractionTypesTool().inputSchema()),
+      R"({"additionalProperties":false,"properties":{"type":{"description":"Optional. Return the )"
+      R"(guidance for this interaction type only. Omit it for the whole contract.","enum":["tap",)"
+      R"("input","visualAssert","scroll","builtIn","delay","waitToLoad","drag","runTest",)"
+      R"("userDefined","reuseSteps"],"type":"string"}},"type":"object"})");
+}
+
+}  // namespace
+}  // namespace corvane

@@ -1,0 +1,188 @@
+#include "CorvaneCore/json/Record.h"
+
+#include <gtest/gtest.h>
+
+#include "CorvaneCore/json/AgentWire.h"
+#include "CorvaneCore/json/JsonErrors.h"
+#include "tests/support/ErrorText.h"
+
+namespace corvane {
+namespace {
+
+struct Leaf {
+  std::int64_t size = 0;
+  std::optional<std::string> note;
+
+  static constexpr auto fields() {
+    return std::tuple(field("size", &Leaf::size), field("note", &Leaf::note));
+  }
+};
+
+/// A record that has every kind of field, declared in no particular order.
+struct Tree {
+  std::string name;
+  std::vector<Leaf> leaves;
+  std::optional<Leaf> best;
+  bool green = true;
+  double height = 1.5;
+  std::optional<std::string> owner;
+  AnyCodable extra;
+  std::map<std::string, Leaf> byColor;
+
+  static constexpr auto fields() {
+    return std::tuple(field("name", &Tree::name), field("leaves", &Tree::leaves),
+                      field("best", &Tree::best), field("green", &Tree::green).withDefault(),
+                      field("height", &Tree::height), field("owner", &Tree::owner).orElse("keeper"),
+                      field("extra", &Tree::extra), field("byColor", &Tree::byColor));
+  }
+};
+
+/// A record that contains itself.
+struct Branch {
+  std::optional<std::vector<Branch>> branches;
+
+  static constexpr auto fields() { return std::tuple(field("branches", &Branch::branches)); }
+};
+
+struct Nothing {
+  static constexpr auto fields() { return std::tuple(); }
+};
+
+constexpr const char* fullTree =
+    R"({"best":{"note":"n","size":3},"byColor":{"a b":{"size":1},"red":{"size":2}},)"
+    R"("extra":[null,{"x":1.5}],"green":false,"height":2.5,"leaves":[{"size":1},{"size":2}],)"
+    R"("name":"oak","owner":"me"})";
+
+constexpr const char* leastTree = R"({"byColor":{},"extra":null,"height":0,"leaves":[],"name":""})";
+
+std::string decodeError(std::string_view text) {
+  return errorText<DecodeError>([&] { (void)AgentWire::decode<Tree>(text); });
+}
+
+TEST(RecordTest, WritesWhatItReadWithKeysSorted) {
+  EXPECT_EQ(AgentWire::encode(AgentWire::decode<Tree>(fullTree)), fullTree);
+}
+
+TEST(RecordTest, LeavesEmptyOptionalsOut) {
+  EXPECT_EQ(AgentWire::encode(AgentWire::decode<Tree>(leastTree)),
+            R"({"byColor":{},"extra":null,"green":true,"height":0,"leaves":[],"name":""})");
+  EXPECT_EQ(AgentWire::encode(Tree()),
+            R"({"byColor":{},"extra":null,"green":true,"height":1.5,"leaves":[],"name":""})");
+}
+
+TEST(RecordTest, NullCountsAsAbsentForOptionalAndDefaultedFields) {
+  const auto tree = AgentWire::decode<Tree>(
+      R"({"best":null,"byColor":{},"extra":1,"green":null,"height":1,"leaves":[],"name":"","owner":null})");
+  EXPECT_FALSE(tree.best);
+  EXPECT_FALSE(tree.owner);
+  EXPECT_TRUE(tree.green);
+}
+
+TEST(RecordTest, DropsUnknownMembersAtEveryLevel) {
+  const auto tree = AgentWire::decode<Tree>(
+      R"({"":7,"x":[1],"byColor":{},"extra":{"kept":1},"height":1,"leaves":[{"size":1,"x":{}}],"name":"","Name":2})");
+  EXPECT_EQ(
+      AgentWire::encode(tree),
+      R"({"byColor":{},"extra":{"kept":1},"green":true,"height":1,"leaves":[{"size":1}],"name":""})");
+}
+
+TEST(RecordTest, ReadsAnAliasWhenTheKeyIsAbsentAndNeverWritesIt) {
+  const auto owner = [](std::string_view members) {
+    return AgentWire::decode<Tree>(R"({"byColor":{},"extra":1,"height":1,"leaves":[],"name":"")" +
+                                   std::string(members) + "}")
+        .owner;
+  };
+  EXPECT_EQ(owner(R"(,"keeper":"k")"), "k");
+  EXPECT_EQ(owner(R"(,"owner":null,"keeper":"k")"), "k");
+  EXPECT_EQ(owner(R"(,"owner":"o","keeper":"k")"), "o");
+  EXPECT_EQ(owner(R"(,"owner":"o","keeper":7)"), "o");
+  EXPECT_EQ(owner(R"(,"owner":"","keeper":"k")"), "");
+  EXPECT_EQ(owner(R"(,"keeper":null)"), std::nullopt);
+  EXPECT_EQ(owner(""), std::nullopt);
+  Tree tree;
+  tree.owner = "me";
+  EXPECT_EQ(
+      AgentWire::encode(tree),
+      R"({"byColor":{},"extra":null,"green":true,"height":1.5,"leaves":[],"name":"","owner":"me"})");
+}
+
+TEST(RecordTest, ErrorsNameThePlace) {
+  EXPECT_EQ(decodeError("[]"), "expected an object");
+  EXPECT_EQ(decodeError("{}"), "name: required");
+  EXPECT_EQ(decodeError(R"({"name":null})"), "name: expected a string");
+  EXPECT_EQ(decodeError(R"({"name":"","leaves":{}})"), "leaves: expected an array");
+  EXPECT_EQ(decodeError(R"({"name":"","leaves":[{"size":1},null]})"),
+            "leaves[1]: expected an object");
+  EXPECT_EQ(decodeError(R"({"name":"","leaves":[{"size":1},{"size":0.5}]})"),
+            "leaves[1].size: expected an integer");
+  EXPECT_EQ(decodeError(R"({"name":"","leaves":[{"size":1},{}]})"), "leaves[1].size: required");
+  EXPECT_EQ(decodeError(R"({"name":"","leaves":[],"best":{"size":1,"note":[]}})"),
+            "best.note: expected a string");
+  EXPECT_EQ(decodeError(R"({"name":"","leaves":[],"green":1})"), "green: expected a boolean");
+  EXPECT_EQ(decodeError(R"({"name":"","leaves":[],"height":true})"), "height: expected a number");
+  EXPECT_EQ(decodeError(R"({"name":"","leaves":[],"height":1,"owner":7})"),
+            "owner: expected a string");
+  EXPECT_EQ(decodeError(R"({"name":"","leaves":[],"height":1,"keeper":7})"),
+            "keeper: expected a string");
+  EXPECT_EQ(decodeError(R"({"name":"","leaves":[],"height":1})"), "extra: required");
+  EXPECT_EQ(decodeError(R"({"name":"","leaves":[],"height":1,"extra":1,"byColor":{"a b":{}}})"),
+            "byColor.a b.size: required");
+}
+
+TEST(RecordTest, ErrorsStayOnOneLine) {
+  EXPECT_EQ(decodeError(
+                R"({"name":"","leaves":[],"height":1,"extra":1,"byColor":{"a\nb\u2028\u0000":7}})"),
+            R"(byColor.a\nb\u2028\u0000: expected an object)");
+}
+
+TEST(RecordTest, TheFirstFieldInDeclarationOrderFailsFirst) {
+  EXPECT_EQ(decodeError(R"({"byColor":1,"extra":1,"height":"","leaves":1,"name":1})"),
+            "name: expected a string");
+  EXPECT_EQ(decodeError(R"({"byColor":1,"extra":1,"height":"","leaves":1,"name":""})"),
+            "leaves: expected an array");
+}
+
+TEST(RecordTest, PathsBeginAtTheGivenRoot) {
+  const auto error = [](AnyCodable value) {
+    return errorText<DecodeError>([&] { (void)decodeValue<Tree>(value, "params"); });
+  };
+  EXPECT_EQ(error(7), "params: expected an object");
+  EXPECT_EQ(error(AnyCodable::Object{}), "params.name: required");
+  EXPECT_EQ(error(AnyCodable::Object{{"name", ""}, {"leaves", AnyCodable::Array{7}}}),
+            "params.leaves[0]: expected an object");
+}
+
+TEST(RecordTest, EncodesToAValueAsToAText) {
+  const auto tree = AgentWire::decode<Tree>(fullTree);
+  EXPECT_EQ(toJson(encodeValue(tree)), fullTree);
+  EXPECT_EQ(AgentWire::encode(decodeValue<Tree>(encodeValue(tree))), fullTree);
+}
+
+TEST(RecordTest, ARecordWithoutFieldsIsAnEmptyObject) {
+  EXPECT_EQ(AgentWire::encode(AgentWire::decode<Nothing>(R"({"a":1})")), "{}");
+}
+
+std::string nestedBranches(std::size_t levels) {
+  std::string text;
+  for (std::size_t i = 0; i < levels; ++i) text += R"({"branches":[)";
+  text += "{}";
+  for (std::size_t i = 0; i < levels; ++i) text += "]}";
+  return text;
+}
+
+TEST(RecordTest, RecordsInThemselvesAreReadHundredsOfLevelsDeep) {
+  const std::string text = nestedBranches(400);
+  EXPECT_EQ(AgentWire::encode(AgentWire::decode<Branch>(text)), text);
+}
+
+TEST(RecordTest, DeeperRecordsAreRefusedWithoutUsingUpTheStack) {
+  for (const std::size_t levels : {std::size_t{1'000}, std::size_t{20'000}}) {
+    const std::string error =
+        errorText<DecodeError>([&] { (void)AgentWire::decode<Branch>(nestedBranches(levels)); });
+    EXPECT_TRUE(error.starts_with("branches[0].branches[0].branches[0]")) << error;
+    EXPECT_TRUE(error.ends_with(": nested too deeply")) << error;
+  }
+}
+
+}  // namespace
+}  // namespace corvane

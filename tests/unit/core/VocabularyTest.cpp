@@ -1,0 +1,63 @@
+#include "CorvaneCore/json/Vocabulary.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+#include "CorvaneCore/json/AgentWire.h"
+#include "CorvaneCore/json/JsonErrors.h"
+#include "tests/support/ErrorText.h"
+
+namespace corvane {
+namespace {
+
+enum class Season { spring, summer, autumn };
+
+}  // namespace
+
+template <>
+struct Vocabulary<Season> {
+  struct Row {
+    Season value;
+    std::string_view rawValue;
+    bool warm;
+  };
+  static constexpr std::array rows{Row{Season::autumn, "autumn", false},
+                                   Row{Season::spring, "spring", false},
+                                   Row{Season::summer, "highSummer", true}};
+};
+
+namespace {
+
+TEST(VocabularyTest, RawValuesAndValuesBelongTogether) {
+  EXPECT_EQ(rawValue(Season::summer), "highSummer");
+  EXPECT_EQ(fromRawValue<Season>("highSummer"), Season::summer);
+  EXPECT_TRUE(vocabularyRow(Season::summer).warm);
+  EXPECT_FALSE(vocabularyRow(Season::autumn).warm);
+}
+
+TEST(VocabularyTest, RawValuesAreExact) {
+  for (const char* raw : {"", "summer", "highsummer", "HighSummer", " spring", "spring "}) {
+    EXPECT_EQ(fromRawValue<Season>(raw), std::nullopt) << raw;
+  }
+}
+
+TEST(VocabularyTest, ListsRawValuesInTheOrderOfTheTable) {
+  EXPECT_EQ(joinedRawValues<Season>(", "), "autumn, spring, highSummer");
+  EXPECT_EQ(joinedRawValues<Season>(", ", [](Season season) { return season != Season::spring; }),
+            "autumn, highSummer");
+  EXPECT_EQ(joinedRawValues<Season>(", ", [](Season) { return false; }), "");
+}
+
+TEST(VocabularyTest, IsReadAndWrittenAsItsRawValue) {
+  EXPECT_EQ(AgentWire::encode(AgentWire::decode<std::vector<Season>>(R"(["highSummer","autumn"])")),
+            R"(["highSummer","autumn"])");
+  const auto error = [](std::string_view text) {
+    return errorText<DecodeError>([&] { (void)AgentWire::decode<Season>(text); });
+  };
+  EXPECT_EQ(error(R"("winter")"), "expected one of autumn, spring, highSummer");
+  EXPECT_EQ(error("0"), "expected a string");
+}
+
+}  // namespace
+}  // namespace corvane

@@ -1,0 +1,195 @@
+#include "corvane_mcp/app/CorvaneLauncher.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <algorithm>
+
+#include "tests/support/ProcessFacts.h"
+#include "tests/support/TemporaryApp.h"
+#include "tests/unit/server/ToolBench.h"
+
+namespace corvane {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Sets an environment variable, or removes it, for a while.
+class EnvironmentVariable {
+ public:
+  EnvironmentVariable(const char* name, const char* value) : name(name) {
+    if (value) {
+      ::setenv(name, value, 1);
+    } else {
+      ::unsetenv(name);
+    }
+  }
+  EnvironmentVariable(const EnvironmentVariable&) = delete;
+  EnvironmentVariable& operator=(const EnvironmentVariable&) = delete;
+  ~EnvironmentVariable() { ::unsetenv(name); }
+
+ private:
+  const char* name;
+};
+
+constexpr const char* suppress = "CORVANE_MCP_SUPPRESS_LAUNCH";
+
+class CorvaneLauncherTest : public testing::Test {
+ protected:
+  [[nodiscard]] CorvaneLauncher launcher(fs::path program = {}) {
+    return {{.program = std::move(program), .home = home, .systemApplications = system},
+            bench.logger};
+  }
+  fs::path makeBundle(const fs::path& path) {
+    fs::create_directories(path);
+    return path;
+  }
+  /// A program inside a bundle of this name.
+  fs::path makeProgram(const std::string& bundle) {
+    const fs::path program = home / "Bundles" / bundle / "Contents" / "MacOS" / "corvane-mcp";
+    TestFiles::write(program, "");
+    return program;
+  }
+
+  ToolBench bench;
+  const fs::path home = bench.home.path();
+  const fs::path system = home / "SystemApplications";
+  const fs::path derivedData = home / "Library" / "Developer" / "Xcode" / "DerivedData";
+};
+
+TEST_F(CorvaneLauncherTest, FindsNothingWhereNothingIs) {
+  EXPECT_EQ(launcher().findCorvaneApp(), std::nullopt);
+  EXPECT_EQ(launcher().bundledCorvaneApp(), std::nullopt);
+  EXPECT_EQ(launcher().newestDerivedDataBuild(), std::nullopt);
+}
+
+TEST_F(CorvaneLauncherTest, LooksInItsPlacesInOrder) {
+  const fs::path build = makeBundle(derivedData / "App" / "Products" / "Corvane.app");
+  EXPECT_EQ(launcher().findCorvaneApp(), build);
+  const fs::path own = makeBundle(home / "Applications" / "Corvane.app");
+  EXPECT_EQ(launcher().findCorvaneApp(), own);
+  const fs::path shared = makeBundle(system / "Corvane.app");
+  EXPECT_EQ(launcher().findCorvaneApp(), shared);
+  const fs::path program = makeProgram("Corvane.app");
+  EXPECT_EQ(launcher(program).findCorvaneApp(), home / "Bundles" / "Corvane.app");
+  // However new the build is, the installed one wins.
+  TestFiles::setModified(build, std::chrono::system_clock::now() + std::chrono::hours(24));
+  EXPECT_EQ(launcher().findCorvaneApp(), shared);
+}
+
+TEST_F(CorvaneLauncherTest, TakesWhateverStandsUnderTheAppsName) {
+  TestFiles::write(home / "Applications" / "Corvane.app", "a file");
+  EXPECT_EQ(launcher().findCorvaneApp(), home / "Applications" / "Corvane.app");
+  fs::remove(home / "Applications" / "Corvane.app");
+  fs::create_symlink(home / "nowhere", home / "Applications" / "Corvane.app");
+  EXPECT_EQ(launcher().findCorvaneApp(), std::nullopt);
+}
+
+TEST_F(CorvaneLauncherTest, FindsTheBundleAroundTheProgram) {
+  EXPECT_EQ(launcher(makeProgram("Corvane.app")).bundledCorvaneApp(),
+            home / "Bundles" / "Corvane.app");
+  EXPECT_EQ(launcher(makeProgram("Corvane Beta.app")).bundledCorvaneApp(),
+            home / "Bundles" / "Corvane Beta.app");
+}
+
+TEST_F(CorvaneLauncherTest, FollowsLinksToTheProgramItself) {
+  fs::create_symlink(makeProgram("Corvane.app"), home / "link");
+  fs::create_symlink("link", home / "link to link");
+  EXPECT_EQ(launcher(home / "link to link").bundledCorvaneApp(), home / "Bundles" / "Corvane.app");
+}
+
+TEST_F(CorvaneLauncherTest, TakesNoOtherFolderForTheBundle) {
+  for (const char* name : {"Other.app", "MyCorvane.app", "Corvane", "Corvane.bundle", "corvane.app",
+                           "Corvane.app.old"}) {
+    EXPECT_EQ(launcher(makeProgram(name)).bundledCorvaneApp(), std::nullopt) << name;
+  }
+  for (const char* program : {"", "corvane-mcp", "/corvane-mcp", "/", "./x",
+                              "/nowhere/Corvane.app/Contents/MacOS/corvane-mcp"}) {
+    EXPECT_EQ(launcher(program).bundledCorvaneApp(), std::nullopt) << program;
+  }
+}
+
+TEST_F(CorvaneLauncherTest, TakesTheNewestBuild) {
+  const auto now = std::chrono::system_clock::now();
+  const fs::path older = makeBundle(derivedData / "A" / "Build" / "Corvane.app");
+  const fs::path newer = makeBundle(derivedData / "B" / "Build" / "Corvane.app");
+  TestFiles::setModified(older, now - std::chrono::hours(2));
+  TestFiles::setModified(newer, now - std::chrono::hours(1));
+  EXPECT_EQ(launcher().newestDerivedDataBuild(), newer);
+  TestFiles::setModified(older, now);
+  EXPECT_EQ(launcher().newestDerivedDataBuild(), older);
+}
+
+TEST_F(CorvaneLauncherTest, TakesTheOnlyBuildHoweverOld) {
+  const fs::path build = makeBundle(derivedData / "A" / "Corvane.app");
+  TestFiles::setModified(build, FileTime{std::chrono::seconds(0)});
+  EXPECT_EQ(launcher().newestDerivedDataBuild(), build);
+}
+
+TEST_F(CorvaneLauncherTest, PassesOverBuildsThatNobodyMeansToRun) {
+  makeBundle(derivedData / "A" / "Debug-maccatalyst" / "Corvane.app");
+  makeBundle(derivedData / "A" / "Index.noindex" / "Build" / "Corvane.app");
+  makeBundle(derivedData / "A" / ".hidden" / "Corvane.app");
+  makeBundle(derivedData / "A" / "Corvane2.app");
+  makeBundle(derivedData / "A" / "Corvane.app.dSYM");
+  EXPECT_EQ(launcher().newestDerivedDataBuild(), std::nullopt);
+  const fs::path build = makeBundle(derivedData / "A" / "Debug" / "Corvane.app");
+  EXPECT_EQ(launcher().newestDerivedDataBuild(), build);
+}
+
+TEST_F(CorvaneLauncherTest, DoesNotWalkInCircles) {
+  const fs::path build = makeBundle(derivedData / "A" / "Corvane.app");
+  fs::create_directory_symlink(derivedData, derivedData / "A" / "loop");
+  EXPECT_EQ(launcher().newestDerivedDataBuild(), build);
+}
+
+TEST_F(CorvaneLauncherTest, StartsTheApp) {
+  const EnvironmentVariable unset(suppress, nullptr);
+  const TemporaryApp app(home / "Double.app");
+  EXPECT_TRUE(launcher().launch(app.bundle()));
+  EXPECT_TRUE(ProcessFacts::isAlive(app.waitUntilUp()));
+  EXPECT_EQ(bench.logged(), std::vector<std::string>());
+}
+
+TEST_F(CorvaneLauncherTest, StartsNothingWhenLaunchesAreSuppressed) {
+  const EnvironmentVariable set(suppress, "1");
+  const TemporaryApp app(home / "Double.app");
+  EXPECT_FALSE(launcher().launch(app.bundle()));
+  EXPECT_TRUE(ProcessFacts::withCommandLine(app.program().string()).empty());
+  EXPECT_EQ(bench.logged(),
+            std::vector<std::string>{
+                "WARN Launch suppressed via CORVANE_MCP_SUPPRESS_LAUNCH=1 (smoke-test only)"});
+}
+
+TEST_F(CorvaneLauncherTest, SuppressesLaunchesForExactlyOneValue) {
+  for (const char* value : {"", "0", "true", "yes", "11", " 1", "1 "}) {
+    const EnvironmentVariable set(suppress, value);
+    const TemporaryApp app(home / "Double.app");
+    EXPECT_TRUE(launcher().launch(app.bundle())) << value;
+  }
+}
+
+TEST_F(CorvaneLauncherTest, SaysWhyTheAppCannotBeStarted) {
+  EXPECT_FALSE(launcher().launch(makeBundle(home / "Corvane.app")));
+  EXPECT_EQ(bench.logged(), std::vector<std::string>{"ERROR Failed to launch Corvane.app at " +
+                                                     (home / "Corvane.app").string() +
+                                                     ": No such file or directory"});
+}
+
+class CorvaneLauncherAppTest : public CorvaneLauncherTest {
+ protected:
+  CorvaneLauncherAppTest() { waitUntilNoAppRuns(); }
+};
+
+TEST_F(CorvaneLauncherAppTest, KnowsWhetherTheAppRuns) {
+  EXPECT_FALSE(launcher().isRunning());
+  {
+    TemporaryApp app(home / "Anywhere" / "Corvane.app");
+    app.open();
+    EXPECT_TRUE(launcher().isRunning());
+  }
+  EXPECT_FALSE(launcher().isRunning());
+}
+
+}  // namespace
+}  // namespace corvane

@@ -1,0 +1,172 @@
+#include "corvane_mcp/server/MCPServer.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <limits>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/support/Pipe.h"
+#include "tests/unit/server/FakeTool.h"
+#include "tests/unit/server/ToolBench.h"
+
+namespace corvane {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+bool contains(const Lines& lines, std::string_view line) {
+  return std::find(lines.begin(), lines.end(), line) != lines.end();
+}
+
+/// A server with tools of the test's own.
+class MCPServerTest : public testing::Test {
+ protected:
+  void add(std::string name, FakeTool::Action action) {
+    registry.add(std::make_unique<FakeTool>(std::move(name), std::move(action)));
+  }
+
+  /// What the server sends when it gets this input, which then ends.
+  Lines replies(std::string_view input, std::size_t limit = LineReader::longestLine) {
+    Pipe in;
+    Pipe out;
+    writeAll(in.writing.get(), input);
+    in.writing.close();
+    {
+      MessageWriter writer(std::move(out.writing));
+      MCPServer server({registry, {"corvane-mcp", "0.2.0"}, bench.client, bench.logger, writer});
+      LineReader reader(in.reading.get(), limit);
+      server.run(reader);
+    }
+    Lines lines;
+    std::istringstream stream(readToEnd(out.reading.get()));
+    for (std::string line; std::getline(stream, line);) lines.push_back(line);
+    return lines;
+  }
+
+  ToolBench bench;
+  ToolRegistry registry;
+};
+
+constexpr const char* callOfX =
+    R"({"jsonrpc":"2.0","id":1,"method":"tools/call","params":{"name":"x"}})"
+    "\n";
+
+TEST_F(MCPServerTest, SendsTheResultOfATool) {
+  add("x", [](ToolCall) -> Task<ToolsCallResult> { co_return ToolsCallResult::failure("a/b"); });
+  EXPECT_EQ(replies(callOfX),
+            Lines{R"({"id":1,"jsonrpc":"2.0","result":{"content":[{"text":"a/b","type":"text"}],)"
+                  R"("isError":true}})"});
+}
+
+TEST_F(MCPServerTest, SendsAProtocolErrorOfAToolUnchanged) {
+  add("x", [](ToolCall) -> Task<ToolsCallResult> {
+    throw JSONRPCError(-32602, "x requires arguments");
+    co_return ToolsCallResult();
+  });
+  EXPECT_EQ(replies(callOfX),
+            Lines{R"({"error":{"code":-32602,"message":"x requires arguments"},"id":1,)"
+                  R"("jsonrpc":"2.0"})"});
+}
+
+TEST_F(MCPServerTest, TurnsAnythingElseIntoAnInternalError) {
+  add("x", [](ToolCall) -> Task<ToolsCallResult> {
+    throw std::runtime_error("the disk is on fire");
+    co_return ToolsCallResult();
+  });
+  EXPECT_EQ(replies(callOfX),
+            Lines{R"({"error":{"code":-32603,"message":"the disk is on fire"},"id":1,)"
+                  R"("jsonrpc":"2.0"})"});
+  const auto log = bench.logged();
+  EXPECT_NE(
+      std::find(log.begin(), log.end(), "ERROR Unhandled error in tools/call: the disk is on fire"),
+      log.end());
+}
+
+TEST_F(MCPServerTest, DoesNotAnswerNotificationsThatFail) {
+  add("x", [](ToolCall) -> Task<ToolsCallResult> {
+    throw std::runtime_error("broken");
+    co_return ToolsCallResult();
+  });
+  EXPECT_EQ(replies(R"({"jsonrpc":"2.0","method":"tools/call","params":{"name":"x"}})"
+                    "\n"),
+            Lines());
+  const auto log = bench.logged();
+  EXPECT_TRUE(contains(log, "ERROR Unhandled error in tools/call: broken"));
+}
+
+TEST_F(MCPServerTest, HandsArgumentsAndProgressToTheTool) {
+  add("x", [](ToolCall call) -> Task<ToolsCallResult> {
+    if (call.progress) call.progress->emit(1, std::nullopt, "m");
+    co_return ToolsCallResult::success(call.arguments ? toJson(*call.arguments) : "none");
+  });
+  EXPECT_EQ(replies(R"({"jsonrpc":"2.0","id":1,"method":"tools/call","params":{"name":"x",)"
+                    R"("arguments":[1,1.5],"_meta":{"progressToken":"t"}}})"
+                    "\n"),
+            (Lines{R"({"jsonrpc":"2.0","method":"notifications\/progress","params":)"
+                   R"({"message":"m","progress":1,"progressToken":"t"}})",
+                   R"({"id":1,"jsonrpc":"2.0","result":{"content":[{"text":"[1,1.5]",)"
+                   R"("type":"text"}],"isError":false}})"}));
+  EXPECT_EQ(replies(callOfX),
+            Lines{R"({"id":1,"jsonrpc":"2.0","result":{"content":[{"text":"none",)"
+                  R"("type":"text"}],"isError":false}})"});
+}
+
+TEST_F(MCPServerTest, LogsAReplyThatHasNoJsonForm) {
+  registry.add(std::make_unique<FakeTool>(
+      "x", nullptr, AnyCodable::Object{{"n", std::numeric_limits<double>::infinity()}}));
+  EXPECT_EQ(replies(R"({"jsonrpc":"2.0","id":1,"method":"tools/list"})"
+                    "\n"
+                    R"({"jsonrpc":"2.0","id":2,"method":"ping"})"
+                    "\n"),
+            Lines{R"({"id":2,"jsonrpc":"2.0","result":{}})"});
+  const auto log = bench.logged();
+  EXPECT_TRUE(std::any_of(log.begin(), log.end(), [](const auto& line) {
+    return line.starts_with("ERROR Failed to encode response: ");
+  }));
+}
+
+TEST_F(MCPServerTest, AnswersAnOverlongLineAndGoesOn) {
+  EXPECT_EQ(
+      replies(std::string(100, 'x') + "\n" + R"({"jsonrpc":"2.0","id":2,"method":"ping"})" + "\n",
+              50),
+      (Lines{R"({"error":{"code":-32700,"message":"the line is longer than 268435456 bytes"},)"
+             R"("id":null,"jsonrpc":"2.0"})",
+             R"({"id":2,"jsonrpc":"2.0","result":{}})"}));
+}
+
+TEST_F(MCPServerTest, RemembersWhoTheClientIs) {
+  EXPECT_FALSE(bench.client.name());
+  const auto initialize = [](std::string_view params) {
+    return R"({"jsonrpc":"2.0","id":1,"method":"initialize","params":)" + std::string(params) +
+           "}\n";
+  };
+  replies(initialize(R"({"clientInfo":{"name":"first"}})"));
+  EXPECT_EQ(bench.client.name(), "first");
+  for (const char* params : {R"({})", R"({"clientInfo":{}})", R"({"clientInfo":{"name":null}})",
+                             R"({"clientInfo":"x"})", R"(["clientInfo"])"}) {
+    replies(initialize(params));
+    EXPECT_EQ(bench.client.name(), "first") << params;
+  }
+  replies(initialize(R"({"clientInfo":{"name":""}})"));
+  EXPECT_EQ(bench.client.name(), "");
+}
+
+TEST_F(MCPServerTest, FinishesCallsWhenItsInputEnds) {
+  add("x", [](ToolCall) -> Task<ToolsCallResult> {
+    co_await SystemClock().sleepFor(std::chrono::milliseconds(50));
+    co_return ToolsCallResult::success("late");
+  });
+  EXPECT_EQ(replies(callOfX),
+            Lines{R"({"id":1,"jsonrpc":"2.0","result":{"content":[{"text":"late",)"
+                  R"("type":"text"}],"isError":false}})"});
+  const auto log = bench.logged();
+  EXPECT_EQ(log.back(), "INFO stdin closed; exiting");
+  EXPECT_TRUE(contains(log, "INFO stdin closed; draining 1 in-flight tool call(s)"));
+}
+
+}  // namespace
+}  // namespace corvane

@@ -1,0 +1,108 @@
+#include "corvane_mcp/tools/ToolArguments.h"
+
+#include <gtest/gtest.h>
+
+#include "CorvaneCore/json/JsonReader.h"
+#include "corvane_mcp/protocol/JSONRPCError.h"
+
+namespace corvane {
+namespace {
+
+struct Sample {
+  std::optional<std::string> text;
+  std::optional<bool> flag;
+  std::optional<std::int64_t> number;
+  std::optional<std::vector<std::string>> names;
+  std::optional<std::map<std::string, std::string>> values;
+
+  static auto arguments() {
+    return std::tuple(
+        argument("text", &Sample::text, "Some text.").required().with("pattern", "^a"),
+        argument("flag", &Sample::flag, "A/B.").with("default", false),
+        argument("number", &Sample::number, "").with("minimum", 0).with("maximum", 9),
+        argument("names", &Sample::names, "N").with("minItems", 1).required(),
+        argument("values", &Sample::values, "V"));
+  }
+};
+
+struct Nothing {
+  static auto arguments() { return std::tuple(); }
+};
+
+Sample read(std::string_view json) {
+  return readArguments<Sample>({readJson(json), std::nullopt}, "sample");
+}
+
+TEST(ToolArgumentsTest, PublishesASchema) {
+  EXPECT_EQ(
+      toJson(schemaOf<Sample>(OtherProperties::refused)),
+      R"({"additionalProperties":false,"properties":{)"
+      R"("flag":{"default":false,"description":"A/B.","type":"boolean"},)"
+      R"("names":{"description":"N","items":{"type":"string"},"minItems":1,"type":"array"},)"
+      R"("number":{"description":"","maximum":9,"minimum":0,"type":"integer"},)"
+      R"("text":{"description":"Some text.","pattern":"^a","type":"string"},)"
+      R"("values":{"additionalProperties":{"type":"string"},"description":"V","type":"object"}},)"
+      R"("required":["text","names"],"type":"object"})");
+}
+
+TEST(ToolArgumentsTest, LeavesOutOfTheSchemaWhatIsNotSaid) {
+  EXPECT_EQ(toJson(schemaOf<Nothing>(OtherProperties::notMentioned)),
+            R"({"properties":{},"type":"object"})");
+  EXPECT_EQ(toJson(schemaOf<Nothing>(OtherProperties::refused)),
+            R"({"additionalProperties":false,"properties":{},"type":"object"})");
+}
+
+TEST(ToolArgumentsTest, ReadsArgumentsOfTheirTypes) {
+  const Sample sample =
+      read(R"({"text":"b","flag":true,"number":3.0,"names":["x",""],"values":{"k":"v"}})");
+  EXPECT_EQ(sample.text, "b");
+  EXPECT_EQ(sample.flag, true);
+  EXPECT_EQ(sample.number, 3);
+  EXPECT_EQ(sample.names, (std::vector<std::string>{"x", ""}));
+  EXPECT_EQ(sample.values, (std::map<std::string, std::string>{{"k", "v"}}));
+}
+
+TEST(ToolArgumentsTest, KeepsEmptyValues) {
+  const Sample sample = read(R"({"text":"","names":[],"values":{}})");
+  EXPECT_EQ(sample.text, "");
+  EXPECT_TRUE(sample.names && sample.names->empty());
+  EXPECT_TRUE(sample.values && sample.values->empty());
+}
+
+TEST(ToolArgumentsTest, TakesValuesOfOtherTypesForAbsent) {
+  for (const char* json :
+       {"{}", R"({"text":null,"flag":null,"number":null,"names":null,"values":null})",
+        R"({"text":1,"flag":0,"number":"3","names":"x","values":[]})",
+        R"({"text":["b"],"flag":"true","number":3.5,"names":["x",1],"values":{"k":1,"l":"v"}})",
+        R"({"text":{},"flag":1,"number":true,"names":[null],"values":{"k":null}})",
+        R"({"text":false,"flag":{},"number":9223372036854775808,"names":{},"values":"x"})"}) {
+    const Sample sample = read(json);
+    EXPECT_FALSE(sample.text || sample.flag || sample.number || sample.names || sample.values)
+        << json;
+  }
+}
+
+TEST(ToolArgumentsTest, PassesOverWhatIsNotDeclared) {
+  EXPECT_EQ(read(R"({"other":[1],"text":"x","Text":"y"})").text, "x");
+}
+
+TEST(ToolArgumentsTest, RefusesACallWithoutAnObject) {
+  for (const char* json : {"null", "[]", "\"text\"", "7", "true"}) {
+    try {
+      read(json);
+      ADD_FAILURE() << json;
+    } catch (const JSONRPCError& error) {
+      EXPECT_EQ(error.code, -32602);
+      EXPECT_EQ(error.message, "sample requires arguments");
+    }
+  }
+  try {
+    (void)readArguments<Sample>({}, "sample");
+    ADD_FAILURE();
+  } catch (const JSONRPCError& error) {
+    EXPECT_EQ(error.message, "sample requires arguments");
+  }
+}
+
+}  // namespace
+}  // namespace corvane

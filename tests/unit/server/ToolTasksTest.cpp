@@ -1,0 +1,80 @@
+#include "corvane_mcp/server/ToolTasks.h"
+
+#include <gtest/gtest.h>
+
+#include <asio/steady_timer.hpp>
+#include <asio/this_coro.hpp>
+#include <asio/use_awaitable.hpp>
+#include <atomic>
+#include <chrono>
+#include <latch>
+#include <thread>
+
+namespace corvane {
+namespace {
+
+Task<void> sleepThenCount(std::chrono::milliseconds time, std::atomic<int>& count) {
+  asio::steady_timer timer(co_await asio::this_coro::executor, time);
+  co_await timer.async_wait(asio::use_awaitable);
+  ++count;
+}
+
+Task<void> waitOnThread(std::latch& latch) {
+  latch.wait();
+  co_return;
+}
+
+TEST(ToolTasksTest, IsIdleBeforeTheFirstTask) {
+  ToolTasks tasks;
+  EXPECT_EQ(tasks.inFlight(), 0U);
+  tasks.waitUntilIdle();
+}
+
+TEST(ToolTasksTest, CountsTheTasksInFlight) {
+  std::latch latch(1);
+  ToolTasks tasks;
+  tasks.start(waitOnThread(latch));
+  tasks.start(waitOnThread(latch));
+  EXPECT_EQ(tasks.inFlight(), 2U);
+  latch.count_down();
+  tasks.waitUntilIdle();
+  EXPECT_EQ(tasks.inFlight(), 0U);
+}
+
+TEST(ToolTasksTest, LetsAThousandTasksWaitAtOnce) {
+  std::atomic<int> count = 0;
+  const auto start = std::chrono::steady_clock::now();
+  {
+    ToolTasks tasks;
+    for (int i = 0; i < 1000; ++i) {
+      tasks.start(sleepThenCount(std::chrono::milliseconds(100), count));
+    }
+    tasks.waitUntilIdle();
+  }
+  EXPECT_EQ(count, 1000);
+  // One after another they would take a hundred seconds, on the threads of the pool twenty-five.
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+}
+
+TEST(ToolTasksTest, WaitsForItsTasksAtItsEnd) {
+  std::atomic<int> count = 0;
+  {
+    ToolTasks tasks;
+    for (int i = 0; i < 10; ++i) tasks.start(sleepThenCount(std::chrono::milliseconds(20), count));
+  }
+  EXPECT_EQ(count, 10);
+}
+
+TEST(ToolTasksTest, CanBecomeIdleAgainAndAgain) {
+  std::atomic<int> count = 0;
+  ToolTasks tasks;
+  for (int i = 1; i <= 200; ++i) {
+    tasks.start(sleepThenCount(std::chrono::milliseconds(0), count));
+    tasks.waitUntilIdle();
+    ASSERT_EQ(count, i);
+    ASSERT_EQ(tasks.inFlight(), 0U);
+  }
+}
+
+}  // namespace
+}  // namespace corvane

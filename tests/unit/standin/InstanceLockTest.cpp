@@ -1,0 +1,65 @@
+#include "corvane_standin/InstanceLock.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <thread>
+
+#include "tests/unit/standin/StandInFixture.h"
+
+namespace corvane::standin {
+namespace {
+
+using namespace std::chrono_literals;
+
+class InstanceLockTest : public StandInFixture {
+ protected:
+  const std::filesystem::path file = StandInPaths(paths).lockFile();
+};
+
+TEST_F(InstanceLockTest, OnlyTheFirstGetsIt) {
+  const auto lock = InstanceLock::tryAcquire(file);
+  ASSERT_TRUE(lock);
+  EXPECT_FALSE(InstanceLock::tryAcquire(file));
+  EXPECT_EQ(readFile(file), std::to_string(::getpid()) + "\n");
+}
+
+TEST_F(InstanceLockTest, IsInPlaceAsLongAsItsFileIs) {
+  const auto lock = InstanceLock::tryAcquire(file);
+  ASSERT_TRUE(lock);
+  EXPECT_TRUE(lock->inPlace());
+  std::filesystem::remove_all(file.parent_path());
+  EXPECT_FALSE(lock->inPlace());
+  ensureDirectoryExists(file.parent_path());
+  const auto next = InstanceLock::tryAcquire(file);
+  ASSERT_TRUE(next);
+  EXPECT_FALSE(lock->inPlace()) << "another instance's file stands in the place now";
+  EXPECT_TRUE(next->inPlace());
+}
+
+TEST_F(InstanceLockTest, AFileThatCannotBeMadeIsAnError) {
+  EXPECT_THROW((void)InstanceLock::tryAcquire(file / "below"), FileError);
+}
+
+TEST_F(InstanceLockTest, QuittingNobodySucceeds) {
+  EXPECT_TRUE(quitInstance(file, 0s));
+  writeFileWhole(file, std::to_string(::getpid()));
+  EXPECT_TRUE(quitInstance(file, 0s)) << "the id of a process that died long ago means nothing";
+}
+
+TEST_F(InstanceLockTest, QuittingWaitsUntilTheInstanceIsGone) {
+  const pid_t child = ::fork();
+  if (child == 0) {
+    const auto lock = InstanceLock::tryAcquire(file);
+    while (true) ::pause();
+  }
+  while (!fileExists(file) || readFile(file).empty()) std::this_thread::yield();
+  EXPECT_TRUE(quitInstance(file, 30s));
+  int status = 0;
+  EXPECT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM);
+}
+
+}  // namespace
+}  // namespace corvane::standin

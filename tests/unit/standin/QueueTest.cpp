@@ -1,0 +1,186 @@
+#include <gmock/gmock.h>
+
+#include <fstream>
+
+#include "tests/unit/standin/StandInFixture.h"
+
+namespace corvane::standin {
+namespace {
+
+using namespace std::chrono_literals;
+
+const char* const held = "Add to cart and remove";
+const char* const quick = "Browse the catalogue";
+
+class QueueTest : public StandInFixture {
+ protected:
+  void SetUp() override {
+    setOutcome(held, TestOutcome::Kind::hold);
+    start();
+  }
+
+  [[nodiscard]] std::optional<std::int64_t> position(const std::string& id) const {
+    const auto now = result(id);
+    return now.status == "queued" ? now.queuePosition : std::nullopt;
+  }
+
+  [[nodiscard]] bool markerExists(const std::string& id) const {
+    return fileExists(CancelMarker::fileURL(id, paths));
+  }
+};
+
+TEST_F(QueueTest, RequestsWaitInTheOrderTheyWereMade) {
+  const auto active = drop({held});
+  pass(1s);
+  auto later = request({quick});
+  later.requestId = "00000000-0000-4000-8000-000000000001";
+  later.createdAt += 5s;
+  auto earlier = request({quick});
+  earlier.requestId = "ffffffff-0000-4000-8000-000000000001";
+  auto alsoEarlier = earlier;
+  alsoEarlier.requestId = "eeeeeeee-0000-4000-8000-000000000001";
+  drop(later);
+  drop(earlier);
+  drop(alsoEarlier);
+  pass(1s);
+  EXPECT_EQ(status(active), "running");
+  EXPECT_EQ(position(alsoEarlier.requestId), 1);
+  EXPECT_EQ(position(earlier.requestId), 2);
+  EXPECT_EQ(position(later.requestId), 3);
+
+  dropCancelMarker(active);
+  pass(300ms);
+  EXPECT_EQ(status(active), "cancelled");
+  EXPECT_EQ(status(alsoEarlier.requestId), "running");
+  EXPECT_EQ(position(earlier.requestId), 1);
+  EXPECT_EQ(position(later.requestId), 2);
+  EXPECT_EQ(finalResult(later.requestId).status, "passed");
+  EXPECT_EQ(status(earlier.requestId), "passed");
+}
+
+TEST_F(QueueTest, ARequestIsReceivedBeforeItIsQueued) {
+  drop({held});
+  pass(1s);
+  const auto waiting = drop({quick});
+  ASSERT_TRUE(standIn->tick());
+  EXPECT_EQ(status(waiting), "received");
+  ASSERT_TRUE(standIn->tick());
+  EXPECT_EQ(position(waiting), 1);
+}
+
+TEST_F(QueueTest, WaitingRequestsBeat) {
+  drop({held});
+  pass(1s);
+  const auto waiting = drop({quick});
+  pass(10min);
+  EXPECT_EQ(position(waiting), 1);
+  EXPECT_LE(clock.date() - result(waiting).updatedAt, 16s);
+}
+
+TEST_F(QueueTest, AWaitingRequestIsCancelledAtOnce) {
+  drop({held});
+  pass(1s);
+  const auto first = drop({quick});
+  pass(1s);
+  const auto second = drop({quick});
+  pass(1s);
+  dropCancelMarker(first);
+  ASSERT_TRUE(standIn->tick());
+  const auto cancelled = result(first);
+  EXPECT_EQ(cancelled.status, "cancelled");
+  EXPECT_TRUE(cancelled.terminal);
+  EXPECT_EQ(cancelled.message, "Cancelled while it waited in the queue.");
+  EXPECT_FALSE(cancelled.queuePosition);
+  EXPECT_FALSE(markerExists(first));
+  ASSERT_TRUE(standIn->tick());
+  EXPECT_EQ(position(second), 1);
+}
+
+TEST_F(QueueTest, AMarkerBesideItsRequestCancelsIt) {
+  const auto id = drop({quick});
+  dropCancelMarker(id);
+  ASSERT_TRUE(standIn->tick());
+  EXPECT_EQ(status(id), "cancelled");
+  EXPECT_FALSE(markerExists(id));
+}
+
+TEST_F(QueueTest, ARunningRequestIsCancelledBetweenTwoSteps) {
+  const auto id = drop({quick});
+  pass(700ms);
+  ASSERT_EQ(result(id).progress.value().currentStep, 2);
+  dropCancelMarker(id);
+  ASSERT_TRUE(standIn->tick());
+  EXPECT_EQ(status(id), "running");
+  EXPECT_FALSE(markerExists(id));
+  const auto last = finalResult(id);
+  EXPECT_EQ(last.status, "cancelled");
+  const auto& test = last.tests.value().at(0);
+  EXPECT_EQ(test.status, "cancelled");
+  EXPECT_EQ(test.steps.at(1).status, "passed");
+  EXPECT_EQ(test.steps.at(2).status, "skipped");
+}
+
+TEST_F(QueueTest, ABuildIsCancelledAtOnce) {
+  auto wanted = request({quick});
+  wanted.buildFirst = true;
+  drop(wanted);
+  pass(300ms);
+  ASSERT_EQ(status(wanted.requestId), "building");
+  dropCancelMarker(wanted.requestId);
+  pass(200ms);
+  EXPECT_EQ(status(wanted.requestId), "cancelled");
+}
+
+TEST_F(QueueTest, AMarkerForAnEndedOrUnknownRequestOnlyGoesAway) {
+  const auto id = drop({quick});
+  ASSERT_EQ(finalResult(id).status, "passed");
+  const auto file = AgentRunResult::fileURL(id, paths);
+  const auto before = readStamp(file);
+  const auto unknown = makeRequestId();
+  dropCancelMarker(id);
+  dropCancelMarker(unknown);
+  dropCancelMarker("nobody");
+  pass(1s);
+  EXPECT_EQ(readStamp(file), before);
+  EXPECT_FALSE(fileExists(AgentRunResult::fileURL(unknown, paths)));
+  EXPECT_TRUE(listVisible(paths.agentRunRequestsDirectory()).empty());
+}
+
+TEST_F(QueueTest, ARequestDroppedTwiceRunsOnce) {
+  const auto wanted = request({held});
+  drop(wanted);
+  pass(1s);
+  drop(wanted);
+  pass(1s);
+  EXPECT_EQ(status(wanted.requestId), "running");
+  dropCancelMarker(wanted.requestId);
+  pass(1s);
+  EXPECT_EQ(status(wanted.requestId), "cancelled");
+}
+
+TEST_F(QueueTest, AResultThatWasTakenAwayIsNotBroughtBack) {
+  drop({quick});
+  pass(1s);
+  const auto waiting = drop({quick});
+  pass(300ms);
+  std::filesystem::remove_all(paths.agentResultsDirectory());
+  dropCancelMarker(waiting);
+  pass(1min);
+  standIn->quit();
+  EXPECT_FALSE(fileExists(paths.agentResultsDirectory()));
+}
+
+TEST_F(QueueTest, ABrokenRequestIsAnsweredWhileOthersRun) {
+  const auto active = drop({held});
+  pass(1s);
+  const auto broken = makeRequestId();
+  std::ofstream(AgentRunRequest::fileURL(broken, paths)) << R"({"projectName":7})";
+  pass(1s);
+  const auto answer = result(broken);
+  EXPECT_EQ(answer.status, "error");
+  EXPECT_EQ(answer.message, "Corvane cannot use the request file: schemaVersion: required");
+  EXPECT_EQ(status(active), "running");
+}
+
+}  // namespace
+}  // namespace corvane::standin

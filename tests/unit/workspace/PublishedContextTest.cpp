@@ -1,0 +1,145 @@
+#include "corvane_mcp/workspace/PublishedContext.h"
+
+#include <gtest/gtest.h>
+
+#include "CorvaneCore/json/JsonWriter.h"
+#include "tests/support/TemporaryHome.h"
+#include "tests/support/TestFiles.h"
+
+namespace corvane {
+namespace {
+
+std::optional<PublishedContext> contextOf(std::string_view text) {
+  const TemporaryHome home;
+  TestFiles::write(home.path() / "context.json", text);
+  return PublishedContext::read(home.path() / "context.json");
+}
+
+std::string describe(const PublishedContext::Project& project) {
+  return (project.name ? toJson(*project.name) : "-") + " " +
+         (project.platform ? toJson(*project.platform) : "-") + " " +
+         std::to_string(project.testCount);
+}
+
+std::string describe(const PublishedContext& context) {
+  std::string text;
+  for (const auto& project : context.projects()) {
+    text += (text.empty() ? "" : "; ") + describe(project);
+  }
+  return text;
+}
+
+TEST(PublishedContextTest, KeepsTheMembersOfTheWorkspaceAndSummariesOfProjects) {
+  const auto context = contextOf(
+      R"({"appVersion":"3.1","currentProjectName":"A","device":{"name":"x","tests":[1]},)"
+      R"("projects":[{"name":"A","platform":"ios","tests":[{"name":"t","steps":[1,2]},{}]},)"
+      R"({"name":"B","suites":[[]],"tests":[]},{"name":"C"}],"schemaVersion":1,"stray":[1],)"
+      R"("updatedAt":"now","userDefinedInteractions":[{"name":"u"}]})");
+  ASSERT_TRUE(context);
+  EXPECT_EQ(describe(*context), R"("A" "ios" 2; "B" - 0; "C" - 0)");
+  const JsonObject& members = context->members();
+  EXPECT_EQ(toJson(*members.find("device")), R"({"name":"x","tests":[1]})");
+  EXPECT_EQ(toJson(*members.find("userDefinedInteractions")), R"([{"name":"u"}])");
+  EXPECT_EQ(*members.findAs<std::string>("currentProjectName"), "A");
+  EXPECT_EQ(*members.findAs<std::string>("appVersion"), "3.1");
+  EXPECT_EQ(*members.findAs<std::string>("updatedAt"), "now");
+  EXPECT_EQ(*members.findAs<std::int64_t>("schemaVersion"), 1);
+  EXPECT_FALSE(members.find("stray"));
+}
+
+TEST(PublishedContextTest, GivesAProjectWholeAndAsItStands) {
+  const auto context = contextOf(
+      "{ \"projects\" : [ {\"name\":\"A\"} , {\"z\":1.5,\"name\":\"B\",\"n\":1.0,\"new\":"
+      "{\"k\":[true,null,\"{\\\"]\"]},\"tests\":[{}]}\n,\t{\"name\":\"C\" } ] \n}\n");
+  ASSERT_TRUE(context);
+  ASSERT_EQ(context->projects().size(), 3U);
+  const auto whole = [&](std::size_t i) { return toJson(context->whole(context->projects()[i])); };
+  EXPECT_EQ(whole(0), R"({"name":"A"})");
+  EXPECT_EQ(whole(1), R"({"n":1,"name":"B","new":{"k":[true,null,"{\"]"]},"tests":[{}],"z":1.5})");
+  EXPECT_EQ(whole(2), R"({"name":"C"})");
+}
+
+TEST(PublishedContextTest, OrderOfMembersMeansNothing) {
+  const auto context = contextOf(
+      R"({"projects":[{"tests":[1,[2],{"tests":[]}],"platform":{"tests":[]},"name":"A"}],)"
+      R"("currentProjectName":"A"})");
+  ASSERT_TRUE(context);
+  EXPECT_EQ(describe(*context), R"("A" {"tests":[]} 3)");
+  EXPECT_EQ(*context->members().findAs<std::string>("currentProjectName"), "A");
+}
+
+TEST(PublishedContextTest, EntriesThatAreNoObjectsArePassedOver) {
+  const auto context =
+      contextOf(R"({"projects":[1,null,"A",["name",{"name":"in"}],{"name":"B"},true,0.5,{}]})");
+  ASSERT_TRUE(context);
+  EXPECT_EQ(describe(*context), R"("B" - 0; - - 0)");
+  EXPECT_EQ(toJson(context->whole(context->projects()[0])), R"({"name":"B"})");
+  EXPECT_EQ(toJson(context->whole(context->projects()[1])), "{}");
+}
+
+TEST(PublishedContextTest, ProjectsOfAnotherKindAreNone) {
+  for (const char* projects : {"null", "{}", R"({"a":[{"name":"A"}]})", "1", R"("x")", "false"}) {
+    const auto context =
+        contextOf(R"({"projects":)" + std::string(projects) + R"(,"schemaVersion":1})");
+    ASSERT_TRUE(context) << projects;
+    EXPECT_TRUE(context->projects().empty()) << projects;
+    EXPECT_TRUE(context->members().find("schemaVersion")) << projects;
+  }
+  EXPECT_TRUE(contextOf("{}")->projects().empty());
+}
+
+TEST(PublishedContextTest, TestsOfAnotherKindAreNone) {
+  const auto context = contextOf(
+      R"({"projects":[{"tests":null},{"tests":{"a":1}},{"tests":"ab"},{"tests":7},{"tests":true},)"
+      R"({"tests":1.5}]})");
+  ASSERT_TRUE(context);
+  EXPECT_EQ(describe(*context), "- - 0; - - 0; - - 0; - - 0; - - 0; - - 0");
+}
+
+TEST(PublishedContextTest, LastOfDuplicateKeysWins) {
+  const auto context = contextOf(
+      R"({"projects":[{"name":"old"}],"updatedAt":1,"projects":[{"tests":[1,2],"name":"X",)"
+      R"("name":"B","tests":[3]},{"tests":[1],"tests":null}],"updatedAt":2})");
+  ASSERT_TRUE(context);
+  EXPECT_EQ(describe(*context), R"("B" - 1; - - 0)");
+  EXPECT_EQ(*context->members().findAs<std::int64_t>("updatedAt"), 2);
+  EXPECT_EQ(toJson(context->whole(context->projects()[0])), R"({"name":"B","tests":[3]})");
+  EXPECT_TRUE(contextOf(R"({"projects":[{"name":"old"}],"projects":3})")->projects().empty());
+}
+
+TEST(PublishedContextTest, AMembersNameIsNotMistakenForAnother) {
+  const auto context =
+      contextOf(R"({"projects":[{"name":"A","begin":7,"end":8,"testCount":9}],"x":{"projects":[1],)"
+                R"("schemaVersion":5},"device":[{"projects":[{"name":"D"}]}]})");
+  ASSERT_TRUE(context);
+  EXPECT_EQ(describe(*context), R"("A" - 0)");
+  EXPECT_FALSE(context->members().find("schemaVersion"));
+  EXPECT_EQ(toJson(*context->members().find("device")), R"([{"projects":[{"name":"D"}]}])");
+  EXPECT_EQ(toJson(context->whole(context->projects()[0])),
+            R"({"begin":7,"end":8,"name":"A","testCount":9})");
+}
+
+TEST(PublishedContextTest, FindsTheFirstOfANameWhateverItsCase) {
+  const auto context = contextOf(
+      R"({"projects":[{"name":5},{"platform":"ios"},{"name":"Ünder Ground"},{"name":"ÜNDER ground"},)"
+      R"({"name":""}]})");
+  ASSERT_TRUE(context);
+  EXPECT_EQ(context->find("üNDER GROUND"), &context->projects()[2]);
+  EXPECT_EQ(context->find("u\u0308nder ground"), &context->projects()[2]);
+  EXPECT_EQ(context->find(""), &context->projects()[4]);
+  EXPECT_EQ(context->find("under ground"), nullptr);
+  EXPECT_EQ(context->find("5"), nullptr);
+  EXPECT_EQ(contextOf("{}")->find("A"), nullptr);
+}
+
+TEST(PublishedContextTest, WhatIsNoObjectIsNothing) {
+  for (const char* text :
+       {"", " ", "[]", "1", "null", "true", R"("x")", R"([{"projects":[]}])", "{", R"({"a":1}})",
+        R"({"projects":[{"name":"A"}])", R"({"projects":[{"tests":[{"steps":[tru]}]}]})",
+        R"({"projects":[{"tests":[1e999]}]})", R"({"stray":"\ud800"})", "{\"stray\":\"\xFF\"}"}) {
+    EXPECT_FALSE(contextOf(text)) << text;
+  }
+}
+
+}  // namespace
+}  // namespace corvane
