@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 #include "CorvaneCore/requests/CancelMarker.h"
@@ -14,48 +15,95 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bool hasSuffix(const fs::path& file, std::string_view suffix) {
-  return file.native().ends_with(suffix);
+template <class Request>
+constexpr std::string_view sourceOf = "";
+template <>
+constexpr std::string_view sourceOf<AgentRunRequest> = "run_test";
+template <>
+constexpr std::string_view sourceOf<AgentExploreRequest> = "explore_flow";
+template <>
+constexpr std::string_view sourceOf<AgentTestSchema> = "create_test";
+/// Which of its three tools sent it stands in the file, which is unusable when this is needed.
+template <>
+constexpr std::string_view sourceOf<AgentLibraryRequest> = "library";
+
+template <class Dropped>
+bool isFileOf(const fs::path& file) {
+  return file.native().ends_with(Dropped::fileSuffix);
 }
 
-/// The request id that the file's name carries before `suffix`, if it is one.
-std::optional<std::string> requestIdOf(const fs::path& file, std::string_view suffix) {
+/// The request id that the file's name ends in before its suffix, if it does.
+template <class Dropped>
+std::optional<std::string> idInName(const fs::path& file) {
   const std::string name = file.filename();
-  return parseRequestId(std::string_view(name).substr(0, name.size() - suffix.size()));
+  const auto stem = std::string_view(name).substr(0, name.size() - Dropped::fileSuffix.size());
+  // A payload is named after its project and test too.
+  constexpr std::size_t idLength = 36;
+  const bool hasPrefix = std::is_same_v<Dropped, AgentTestSchema> && stem.size() > idLength;
+  return parseRequestId(hasPrefix ? stem.substr(stem.size() - idLength) : stem);
 }
 
-/// The request in `file`; nothing when its sender has withdrawn it.
-std::optional<DroppedRequest> readRequest(const fs::path& file, const std::string& id) {
+/// The id that the request is answered under: the one it holds. Only a payload may hold none.
+std::optional<std::string> idIn(const AgentTestSchema& payload) {
+  return payload.requestId ? parseRequestId(*payload.requestId) : makeRequestId();
+}
+template <class Request>
+std::optional<std::string> idIn(const Request& request) {
+  return parseRequestId(request.requestId);
+}
+
+/// Whether a file named after `idInName` may hold a request of `id`. People may drop payloads too,
+/// under any name.
+template <class Request>
+bool fits(const std::optional<std::string>& idInName, const std::optional<std::string>& id) {
+  return id && (id == idInName || (std::is_same_v<Request, AgentTestSchema> && !idInName));
+}
+
+/// The request in `file`; nothing when its sender has withdrawn it or there is no id to answer it
+/// under.
+template <class Request>
+std::optional<DroppedRequest> readRequest(const fs::path& file) {
+  const auto named = idInName<Request>(file);
+  const auto unusable = [&named](std::string reason) -> std::optional<DroppedRequest> {
+    if (!named) return std::nullopt;
+    return DroppedRequest{*named, UnusableRequest{std::move(reason), sourceOf<Request>}};
+  };
   try {
-    auto request = AgentRunRequest::read(file);
-    if (parseRequestId(request.requestId) != id) {
-      return DroppedRequest{id, UnusableRequest{"the file is named after another request id than "
-                                                "it holds"}};
-    }
-    return DroppedRequest{id, std::move(request)};
+    auto request = Request::read(file);
+    const auto id = idIn(request);
+    if (fits<Request>(named, id)) return DroppedRequest{*id, std::move(request)};
+    return unusable("the file is named after another request id than it holds");
   } catch (const FileError& error) {
     if (error.code() == std::errc::no_such_file_or_directory) return std::nullopt;
-    return DroppedRequest{id, UnusableRequest{error.code().message()}};
+    return unusable(error.code().message());
   } catch (const DecodeError& error) {
-    return DroppedRequest{id, UnusableRequest{error.what()}};
+    return unusable(error.what());
   }
 }
 
-/// What requests are sorted by. Unusable ones go first: they wait for nothing.
+/// When a request was made. Unusable ones go first: they wait for nothing.
+struct DateOf {
+  Date operator()(const UnusableRequest&) const { return Date::min(); }
+  Date operator()(const auto& request) const { return request.createdAt; }
+};
+
+/// What requests are sorted by.
 std::pair<Date, std::string_view> arrivalOf(const DroppedRequest& dropped) {
-  const auto* run = std::get_if<AgentRunRequest>(&dropped.request);
-  return {run ? run->createdAt : Date::min(), dropped.id};
+  return {std::visit(DateOf(), dropped.request), dropped.id};
 }
 
 }  // namespace
 
 DropFolder::Arrivals DropFolder::take() {
   Arrivals arrivals;
-  const auto files = listVisible(paths.agentRunRequestsDirectory());
-  for (const auto& file : files) {
-    if (isPassedOver(file)) continue;
-    if (hasSuffix(file, AgentRunRequest::fileSuffix)) takeRequest(file, arrivals);
-    if (hasSuffix(file, CancelMarker::fileSuffix)) takeMarker(file, arrivals);
+  for (const auto& file : listVisible(paths.agentImportsDirectory())) {
+    if (isFileOf<AgentTestSchema>(file)) takeRequest<AgentTestSchema>(file, arrivals);
+  }
+  for (const auto& file : listVisible(paths.agentRunRequestsDirectory())) {
+    if (isFileOf<AgentRunRequest>(file)) takeRequest<AgentRunRequest>(file, arrivals);
+    if (isFileOf<AgentExploreRequest>(file)) takeRequest<AgentExploreRequest>(file, arrivals);
+    if (isFileOf<AgentLibraryRequest>(file)) takeRequest<AgentLibraryRequest>(file, arrivals);
+    if (isFileOf<CancelMarker>(file)) takeMarker(file, arrivals);
   }
   std::sort(arrivals.requests.begin(), arrivals.requests.end(),
             [](const auto& left, const auto& right) { return arrivalOf(left) < arrivalOf(right); });
@@ -79,23 +127,26 @@ DropFolder::Removal DropFolder::remove(const fs::path& file) {
   return Removal::impossible;
 }
 
+template <class Request>
 void DropFolder::takeRequest(const fs::path& file, Arrivals& arrivals) {
-  const auto id = requestIdOf(file, AgentRunRequest::fileSuffix);
-  auto dropped = id ? readRequest(file, *id) : std::nullopt;
+  if (isPassedOver(file)) return;
+  auto dropped = readRequest<Request>(file);
   const auto removal = remove(file);
-  if (!id) {
+  if (removal == Removal::wasGone) return;
+  if (!dropped) {
     log.warn(displayPath(file) + " is not named after a request id and goes unanswered");
     return;
   }
-  if (!dropped || removal == Removal::wasGone) return;
   if (removal == Removal::impossible) {
-    dropped->request = UnusableRequest{"the file cannot be taken out of the drop folder"};
+    dropped->request =
+        UnusableRequest{"the file cannot be taken out of the drop folder", sourceOf<Request>};
   }
   arrivals.requests.push_back(std::move(*dropped));
 }
 
 void DropFolder::takeMarker(const fs::path& file, Arrivals& arrivals) {
-  const auto id = requestIdOf(file, CancelMarker::fileSuffix);
+  if (isPassedOver(file)) return;
+  const auto id = idInName<CancelMarker>(file);
   if (remove(file) != Removal::wasGone && id) arrivals.cancelled.push_back(*id);
 }
 

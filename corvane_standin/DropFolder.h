@@ -4,10 +4,14 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
+#include "CorvaneCore/authoring/AgentTestSchema.h"
 #include "CorvaneCore/paths/AgentPaths.h"
+#include "CorvaneCore/requests/AgentExploreRequest.h"
+#include "CorvaneCore/requests/AgentLibraryRequest.h"
 #include "CorvaneCore/requests/AgentRunRequest.h"
 #include "corvane_standin/StandInLog.h"
 
@@ -16,18 +20,22 @@ namespace corvane::standin {
 /// A request file that cannot be worked on, and why.
 struct UnusableRequest {
   std::string reason;
+  /// What the answer names as the tool that sent it.
+  std::string_view source;
 };
 
-/// A request taken out of the drop folder.
+/// A request taken out of a drop folder.
 struct DroppedRequest {
-  /// From the file's name, in lower case.
+  /// In lower case.
   std::string id;
-  /// Every kind of request that the drop folder takes in has its alternative here.
-  std::variant<AgentRunRequest, UnusableRequest> request;
+  /// Every kind of request that can be dropped has its alternative here.
+  std::variant<AgentRunRequest, AgentExploreRequest, AgentLibraryRequest, AgentTestSchema,
+               UnusableRequest>
+      request;
 };
 
-/// The folder that the server drops request files and cancel markers into. A file is taken out
-/// before it is acted on: one that its sender withdraws first counts as never sent.
+/// The folders that the server drops request files, cancel markers and test payloads into. A file
+/// is taken out before it is acted on: one that its sender withdraws first counts as never sent.
 class DropFolder {
  public:
   struct Arrivals {
@@ -39,7 +47,7 @@ class DropFolder {
 
   DropFolder(const AgentPaths& paths, const StandInLog& log) : paths(paths), log(log) {}
 
-  /// Takes out what lies in the folder now. A file that cannot be removed is handed out once and
+  /// Takes out what lies in the folders now. A file that cannot be removed is handed out once and
   /// then passed over until it changes.
   [[nodiscard]] Arrivals take();
 
@@ -48,6 +56,7 @@ class DropFolder {
 
   [[nodiscard]] bool isPassedOver(const std::filesystem::path& file);
   [[nodiscard]] Removal remove(const std::filesystem::path& file);
+  template <class Request>
   void takeRequest(const std::filesystem::path& file, Arrivals& arrivals);
   void takeMarker(const std::filesystem::path& file, Arrivals& arrivals);
 

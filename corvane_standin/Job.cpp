@@ -4,7 +4,7 @@
 
 namespace corvane::standin {
 
-Job::Job(std::string_view requestId, std::string_view source) {
+Job::Job(std::string_view requestId, std::string_view source, std::string_view kind) : name(kind) {
   state.requestId = requestId;
   state.source = source;
   state.setStatus(RunStatus::received);
@@ -20,6 +20,15 @@ bool Job::queueAt(std::int64_t position) {
 void Job::end(RunStatus status, std::string message) {
   enter(status);
   state.message = std::move(message);
+}
+
+void Job::endBlocked(std::string code, std::string message) {
+  state.blocked = AgentRunResult::BlockedInfo{std::move(code), message, std::nullopt};
+  end(RunStatus::blocked, std::move(message));
+}
+
+void Job::endRefused(const RequestRefused& refused) {
+  refused.code ? endBlocked(*refused.code, refused.what()) : end(RunStatus::error, refused.what());
 }
 
 void Job::enter(RunStatus status) {

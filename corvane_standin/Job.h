@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "CorvaneCore/results/AgentRunResult.h"
+#include "corvane_standin/RequestRefused.h"
 
 namespace corvane::standin {
 
@@ -22,10 +23,14 @@ class Job {
   virtual ~Job() = default;
 
   [[nodiscard]] const std::string& id() const { return state.requestId; }
+  /// What the activity file calls this sort of request.
+  [[nodiscard]] std::string_view kind() const { return name; }
   /// What the result file is to say.
   [[nodiscard]] const AgentRunResult& result() const { return state; }
   /// Whether the result is kept fresh while nothing else changes it.
   [[nodiscard]] virtual bool heartbeats() const { return true; }
+  /// Whether tests are being authored on the device just now.
+  [[nodiscard]] virtual bool isAuthoring() const { return false; }
 
   /// Sets the place behind the active job; false when that is where it was.
   bool queueAt(std::int64_t position);
@@ -37,13 +42,20 @@ class Job {
   virtual void end(RunStatus status, std::string message);
 
  protected:
-  Job(std::string_view requestId, std::string_view source);
+  /// `source` names the tool that sent the request; `kind` outlives the job.
+  Job(std::string_view requestId, std::string_view source, std::string_view kind);
 
   /// Takes on a status, leaving behind what belonged to the last one.
   void enter(RunStatus status);
+  void endBlocked(std::string code, std::string message);
+  /// Ends as blocked or as an error, whichever the refusal is.
+  void endRefused(const RequestRefused& refused);
 
   AgentRunResult state;
   bool cancelRequested = false;
+
+ private:
+  std::string_view name;
 };
 
 }  // namespace corvane::standin

@@ -34,10 +34,26 @@ void JobQueue::cancel(std::string_view id) {
   waiting.erase(found);
 }
 
+AgentActivity JobQueue::activity() const {
+  AgentActivity activity;
+  if (active) {
+    const auto& job = *active->job;
+    activity.active =
+        AgentActivity::ActiveRequest{job.id(), std::string(job.kind()), active->startedAt};
+    activity.authoringActive = job.isAuthoring();
+  }
+  for (const auto& entry : waiting) {
+    const auto position = static_cast<std::int64_t>(activity.queued.size()) + 1;
+    activity.queued.push_back({entry.job->id(), std::string(entry.job->kind()), position});
+  }
+  return activity;
+}
+
 bool JobQueue::advance() {
   if (!active && !waiting.empty()) {
     active = std::move(waiting.front());
     waiting.pop_front();
+    active->startedAt = clock.date();
   }
   if (active) {
     const auto advance = active->job->advance();
@@ -54,12 +70,12 @@ bool JobQueue::advance() {
 
 void JobQueue::quit() {
   if (active) {
-    active->job->end(RunStatus::error, "Corvane quit while the run was active.");
+    active->job->end(RunStatus::error, "Corvane quit while the request was active.");
     publishAgain(*active);
     active.reset();
   }
   for (auto& entry : waiting) {
-    entry.job->end(RunStatus::error, "Corvane quit while the run waited in the queue.");
+    entry.job->end(RunStatus::error, "Corvane quit while the request waited in the queue.");
     publishAgain(entry);
   }
   waiting.clear();

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string_view>
 
+#include "CorvaneCore/workspace/AgentActivity.h"
 #include "corvane_standin/Clock.h"
 #include "corvane_standin/Job.h"
 #include "corvane_standin/ResultPublisher.h"
@@ -23,6 +24,10 @@ class JobQueue {
   void add(std::unique_ptr<Job> job);
   /// A waiting job ends at once, the active one between two steps; an unknown id changes nothing.
   void cancel(std::string_view id);
+  /// What the activity file says about the jobs; the rest of it is left empty.
+  [[nodiscard]] AgentActivity activity() const;
+  /// Whether the active job is kept fresh; true when there is none.
+  [[nodiscard]] bool heartbeats() const { return !active || active->job->heartbeats(); }
   /// Lets the active job move on, or the next one begin. False when the program is to end on the
   /// spot.
   [[nodiscard]] bool advance();
@@ -33,6 +38,8 @@ class JobQueue {
   struct Entry {
     std::unique_ptr<Job> job;
     Clock::Time published;
+    /// When its turn came.
+    Date startedAt{};
   };
 
   void publishAgain(Entry& entry);

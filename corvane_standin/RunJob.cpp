@@ -13,8 +13,11 @@ using Kind = TestOutcome::Kind;
 
 }  // namespace
 
-RunJob::RunJob(AgentRunRequest request, const Services& services)
-    : Job(request.requestId, "run_test"), request(std::move(request)), services(services) {
+RunJob::RunJob(AgentRunRequest request, const Services& services, std::string_view source)
+    : Job(request.requestId, source, "run"),
+      request(std::move(request)),
+      services(services),
+      stopwatch(services.clock) {
   state.projectName = this->request.projectName;
 }
 
@@ -37,13 +40,12 @@ Job::Advance RunJob::advance() {
 Job::Advance RunJob::begin() {
   try {
     plan = planRun(request, services.workspace.workspace(), services.settings.outcomes);
-  } catch (const RunRefused& refused) {
-    refused.code ? endBlocked(*refused.code, refused.what())
-                 : end(RunStatus::error, refused.what());
+  } catch (const RequestRefused& refused) {
+    endRefused(refused);
     return Advance::changed;
   }
   state.platform = plan->platform;
-  began = services.clock.now();
+  stopwatch.restart();
   if (plan->builds) {
     stage = Stage::building;
     enter(RunStatus::building);
@@ -57,7 +59,7 @@ Job::Advance RunJob::begin() {
 Job::Advance RunJob::build() {
   if (cancelRequested) {
     endCancelled();
-  } else if (!hasLasted(services.settings.buildSeconds)) {
+  } else if (!stopwatch.hasReached(services.settings.buildSeconds)) {
     return Advance::waited;
   } else if (const auto failure = plan->buildFailure()) {
     end(RunStatus::buildFailed, *failure);
@@ -73,7 +75,7 @@ Job::Advance RunJob::play() {
     endCancelled();
     return Advance::changed;
   }
-  if (!hasLasted(services.settings.stepSeconds)) return Advance::waited;
+  if (!stopwatch.hasReached(services.settings.stepSeconds)) return Advance::waited;
   if (isTurning(Kind::crash)) return Advance::crashed;
   finishStep();
   cancelRequested ? endCancelled() : toNextStep();
@@ -92,7 +94,7 @@ void RunJob::startTests() {
 
 void RunJob::finishStep() {
   const auto index = current->stepsDone();
-  current->finishStep(services.clock.now() - began);
+  current->finishStep(stopwatch.elapsed());
   const auto& step = current->result().steps[index];
   state.progress->lastStepTitle = step.title;
   state.progress->lastStepStatus = step.status;
@@ -117,7 +119,7 @@ void RunJob::toNextStep() {
   std::size_t stepsBefore = current->stepsDone();
   for (const auto& test : closed) stepsBefore += test.steps.size();
   state.progress->currentStep = static_cast<std::int64_t>(stepsBefore) + 1;
-  began = services.clock.now();
+  stopwatch.restart();
 }
 
 void RunJob::closeTest(std::string_view status) {
@@ -135,11 +137,6 @@ void RunJob::endCancelled() {
                                                      : "Cancelled at a step boundary.");
 }
 
-void RunJob::endBlocked(std::string code, std::string message) {
-  state.blocked = AgentRunResult::BlockedInfo{std::move(code), message, std::nullopt};
-  end(RunStatus::blocked, std::move(message));
-}
-
 void RunJob::end(RunStatus status, std::string message) {
   if (current) closeTest(rawValue(status));
   Job::end(status, std::move(message));
@@ -155,10 +152,6 @@ void RunJob::end(RunStatus status, std::string message) {
 
 bool RunJob::isTurning(Kind kind) const {
   return current && current->isAtTurn() && current->planned().outcome.kind == kind;
-}
-
-bool RunJob::hasLasted(double seconds) const {
-  return services.clock.now() - began >= std::chrono::duration<double>(seconds);
 }
 
 }  // namespace corvane::standin

@@ -7,6 +7,7 @@
 #include "corvane_standin/Job.h"
 #include "corvane_standin/RunPlan.h"
 #include "corvane_standin/Services.h"
+#include "corvane_standin/Stopwatch.h"
 #include "corvane_standin/TestRun.h"
 
 namespace corvane::standin {
@@ -15,7 +16,8 @@ namespace corvane::standin {
 /// so that a run finds what the jobs before it brought in.
 class RunJob final : public Job {
  public:
-  RunJob(AgentRunRequest request, const Services& services);
+  /// `source` names the tool that asked for the run.
+  RunJob(AgentRunRequest request, const Services& services, std::string_view source = "run_test");
 
   [[nodiscard]] bool heartbeats() const override;
   [[nodiscard]] Advance advance() override;
@@ -33,16 +35,14 @@ class RunJob final : public Job {
   void closeTest(std::string_view status);
   void finish();
   void endCancelled();
-  void endBlocked(std::string code, std::string message);
   /// Whether the step in hand is the one at which a test of outcome `kind` takes its turn.
   [[nodiscard]] bool isTurning(TestOutcome::Kind kind) const;
-  [[nodiscard]] bool hasLasted(double seconds) const;
 
   AgentRunRequest request;
   Services services;
   Stage stage = Stage::waiting;
-  /// When the build or the step in hand began.
-  Clock::Time began;
+  /// For the build or the step in hand.
+  Stopwatch stopwatch;
   std::optional<RunPlan> plan;
   std::vector<AgentRunResult::Test> closed;
   std::optional<TestRun> current;

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "CorvaneCore/text/Utf8.h"
 #include "corvane_standin/StepText.h"
-#include "corvane_standin/Workspace.h"
+#include "corvane_standin/workspace/Lookup.h"
+#include "corvane_standin/workspace/ProjectApp.h"
 
 namespace corvane::standin {
 
@@ -15,56 +15,25 @@ using Target = AgentRunRequest::Target;
 using Test = AgentContext::TestContext;
 using Tests = std::vector<const Test*>;
 
-std::string quoted(const std::string& name) {
-  return "'" + name + "'";
-}
-
-/// "Tests: 'A', 'B'.", so that whoever named another can see what there is.
-template <class Named>
-std::string listing(const std::string& title, const std::vector<Named>& items) {
-  std::string list;
-  for (const auto& item : items) list += (list.empty() ? "" : ", ") + quoted(item.name);
-  return title + ": " + (list.empty() ? "none" : list) + ".";
-}
-
-template <class Named>
-const Named* findByName(const std::vector<Named>& items, const std::string& name) {
-  const auto found = std::find_if(items.begin(), items.end(),
-                                  [&name](const auto& item) { return item.name == name; });
-  return found == items.end() ? nullptr : &*found;
-}
-
-const Project& projectOf(const AgentRunRequest& request, const AgentContext& workspace) {
-  if (const auto* project = findByName(workspace.projects, request.projectName)) return *project;
-  throw RunRefused("There is no project named " + quoted(request.projectName) + ". " +
-                   listing("Projects", workspace.projects));
-}
-
 /// Picks the tests that a target names out of a project.
 struct TestPicker {
   const Project& project;
 
   Tests operator()(const Target::TestsByName& target) const {
     Tests tests;
-    for (const auto& name : target.testNames) {
-      const auto* test = findByName(project.tests, name);
-      if (!test) refuse("no test named " + quoted(name) + ". " + listing("Tests", project.tests));
-      tests.push_back(test);
-    }
+    for (const auto& name : target.testNames) tests.push_back(&requireTest(project, name));
     return tests;
   }
 
   Tests operator()(const Target::SuiteByName& target) const {
     const auto* suite = findByName(project.suites, target.suiteName);
     if (!suite) {
-      refuse("no suite named " + quoted(target.suiteName) + ". " +
-             listing("Suites", project.suites));
+      throw RequestRefused("The project " + inQuotes(project.name) + " has no suite named " +
+                           inQuotes(target.suiteName) + ". " + listing("Suites", project.suites));
     }
     Tests tests;
     for (const auto& id : suite->testIds) {
-      const auto test = std::find_if(project.tests.begin(), project.tests.end(),
-                                     [&id](const auto& each) { return each.id == id; });
-      if (test != project.tests.end()) tests.push_back(&*test);
+      if (const auto* test = findById(project.tests, id)) tests.push_back(test);
     }
     return tests;
   }
@@ -74,38 +43,17 @@ struct TestPicker {
     for (const auto& test : project.tests) tests.push_back(&test);
     return tests;
   }
-
-  [[noreturn]] void refuse(const std::string& lack) const {
-    throw RunRefused("The project " + quoted(project.name) + " has " + lack);
-  }
 };
-
-/// The platform in the spelling that results carry.
-std::string platformOf(const AgentRunRequest& request, const Project& project) {
-  const auto wanted = request.targetPlatform ? request.targetPlatform : project.platform;
-  const std::string platform = asciiLowercase(wanted.value_or("iOS"));
-  if (platform == "ios") return "iOS";
-  if (platform == "android") return "android";
-  throw RunRefused("There is no platform named " + quoted(*wanted) +
-                   ". Platforms: 'iOS', 'android'.");
-}
-
-AgentRunResult::AppIdentity appOf(const Project& project, const std::string& platform) {
-  const auto& bundle = platform == "iOS" ? project.bundleIdentifier : project.applicationId;
-  if (bundle) return installedApp(*bundle);
-  throw RunRefused("The project " + quoted(project.name) + " has no app for " + platform + ".",
-                   "platformNotConfigured");
-}
 
 void requireParameters(const Test& test, const std::map<std::string, std::string>& values) {
   std::string missing;
   for (const auto& name : test.parameterNames.value_or(std::vector<std::string>())) {
-    if (!values.contains(name)) missing += (missing.empty() ? "" : ", ") + quoted(name);
+    if (!values.contains(name)) missing += (missing.empty() ? "" : ", ") + inQuotes(name);
   }
   if (missing.empty()) return;
-  throw RunRefused("The test " + quoted(test.name) + " needs values for the parameters " + missing +
-                       ". Pass them in params.",
-                   "missingParameters");
+  throw RequestRefused("The test " + inQuotes(test.name) + " needs values for the parameters " +
+                           missing + ". Pass them in params.",
+                       "missingParameters");
 }
 
 std::size_t turningStepOf(const TestOutcome& outcome, std::size_t stepCount) {
@@ -150,12 +98,12 @@ std::optional<std::string> RunPlan::buildFailure() const {
 
 RunPlan planRun(const AgentRunRequest& request, const AgentContext& workspace,
                 const std::map<std::string, TestOutcome>& outcomes) {
-  const Project& project = projectOf(request, workspace);
+  const Project& project = requireProject(workspace, request.projectName);
   const Tests tests = std::visit(TestPicker{project}, request.target.choice);
-  if (tests.empty()) throw RunRefused("There are no tests to run.");
+  if (tests.empty()) throw RequestRefused("There are no tests to run.");
   RunPlan plan;
-  plan.platform = platformOf(request, project);
-  plan.app = appOf(project, plan.platform);
+  plan.platform = platformFor(request.targetPlatform, project);
+  plan.app = appFor(plan.platform, project);
   plan.builds = request.buildFirst.value_or(project.buildBeforeScheduledRuns.value_or(false));
   const auto values = request.params.value_or(std::map<std::string, std::string>());
   for (const auto* test : tests) plan.tests.push_back(planTest(*test, values, outcomes));

@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <map>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -40,20 +39,8 @@ struct RunPlan {
   [[nodiscard]] std::optional<std::string> buildFailure() const;
 };
 
-/// A request that cannot be run as it stands; the description is for the agent.
-class RunRefused : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-  /// `code` tells the agent which action is needed.
-  RunRefused(const std::string& description, std::string code)
-      : std::runtime_error(description), code(std::move(code)) {}
-
-  /// Present when the request is blocked, absent when it is in error.
-  std::optional<std::string> code;
-};
-
 /// What `request` runs in `workspace`, by test name turning out as `outcomes` say. Throws
-/// RunRefused.
+/// RequestRefused.
 [[nodiscard]] RunPlan planRun(const AgentRunRequest& request, const AgentContext& workspace,
                               const std::map<std::string, TestOutcome>& outcomes);
 

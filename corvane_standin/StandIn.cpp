@@ -5,6 +5,9 @@
 
 #include "corvane_standin/RunJob.h"
 #include "corvane_standin/Workspace.h"
+#include "corvane_standin/exploration/ExploreJob.h"
+#include "corvane_standin/imports/ImportJob.h"
+#include "corvane_standin/library/LibraryJob.h"
 
 namespace corvane::standin {
 
@@ -26,7 +29,8 @@ StandIn::StandIn(AgentPaths sharedPaths, StandInSettings givenSettings, const Cl
       creditBalance(settings.creditBalance),
       results(paths, clock, log),
       dropFolder(paths, log),
-      queue(results, clock, log, inSeconds(settings.heartbeatSeconds)) {
+      queue(results, clock, log, inSeconds(settings.heartbeatSeconds)),
+      activity(paths, clock, log, inSeconds(settings.heartbeatSeconds)) {
   settings.outcomes.merge(firstOutcomes());
 }
 
@@ -37,11 +41,13 @@ bool StandIn::tick() {
   }
   if (!queue.advance()) return false;
   takeIn();
+  publishActivity();
   return true;
 }
 
 void StandIn::quit() {
   queue.quit();
+  if (workspace) publishActivity();
 }
 
 void StandIn::open() {
@@ -68,17 +74,47 @@ void StandIn::takeIn() {
   }
 }
 
+Services StandIn::services() {
+  return {clock, settings, *workspace, creditBalance};
+}
+
+void StandIn::publishActivity() {
+  // A program that is stuck does not tell what it is doing either.
+  if (!queue.heartbeats()) return;
+  auto now = queue.activity();
+  if (const auto& device = workspace->workspace().device) {
+    now.device = AgentActivity::Device{device->platform, device->name, device->connected};
+  }
+  activity.publish(std::move(now));
+}
+
 void StandIn::takeUp(const std::string& id, AgentRunRequest request) {
   log.info(id + ": run request for '" + request.projectName + "'");
   request.requestId = id;
-  queue.add(std::make_unique<RunJob>(std::move(request),
-                                     Services{clock, settings, *workspace, creditBalance}));
+  queue.add(std::make_unique<RunJob>(std::move(request), services()));
+}
+
+void StandIn::takeUp(const std::string& id, AgentExploreRequest request) {
+  log.info(id + ": explore request for '" + request.projectName + "'");
+  request.requestId = id;
+  queue.add(std::make_unique<ExploreJob>(std::move(request), services()));
+}
+
+void StandIn::takeUp(const std::string& id, AgentLibraryRequest request) {
+  log.info(id + ": library request, " + std::string(rawValue(request.action)));
+  request.requestId = id;
+  queue.add(std::make_unique<LibraryJob>(std::move(request), services()));
+}
+
+void StandIn::takeUp(const std::string& id, AgentTestSchema payload) {
+  log.info(id + ": test payload for '" + payload.projectName + "'");
+  queue.add(std::make_unique<ImportJob>(id, std::move(payload), services()));
 }
 
 void StandIn::takeUp(const std::string& id, const UnusableRequest& request) {
   AgentRunResult result;
   result.requestId = id;
-  result.source = "run_test";
+  result.source = request.source;
   result.setStatus(RunStatus::error);
   result.message = "Corvane cannot use the request file: " + request.reason;
   log.warn(id + ": " + *result.message);

@@ -8,9 +8,11 @@
 #include "corvane_standin/DropFolder.h"
 #include "corvane_standin/JobQueue.h"
 #include "corvane_standin/ResultPublisher.h"
+#include "corvane_standin/Services.h"
 #include "corvane_standin/StandInLog.h"
 #include "corvane_standin/StandInSettings.h"
 #include "corvane_standin/WorkspaceStore.h"
+#include "corvane_standin/activity/ActivityPublisher.h"
 
 namespace corvane::standin {
 
@@ -35,7 +37,12 @@ class StandIn {
   void takeIn();
   /// One for every kind of request.
   void takeUp(const std::string& id, AgentRunRequest request);
+  void takeUp(const std::string& id, AgentExploreRequest request);
+  void takeUp(const std::string& id, AgentLibraryRequest request);
+  void takeUp(const std::string& id, AgentTestSchema payload);
   void takeUp(const std::string& id, const UnusableRequest& request);
+  [[nodiscard]] Services services();
+  void publishActivity();
 
   AgentPaths paths;
   StandInSettings settings;
@@ -46,6 +53,7 @@ class StandIn {
   ResultPublisher results;
   DropFolder dropFolder;
   JobQueue queue;
+  ActivityPublisher activity;
   /// Present once the cold start is over.
   std::optional<WorkspaceStore> workspace;
 };

@@ -19,6 +19,7 @@ struct StandInSettings {
   double heartbeatSeconds = 15;
   /// From the start of the program to the moment it takes up requests.
   double coldStartSeconds = 0.5;
+  double creditsPerExploredStep = 15;
   /// The credits there are at the start.
   double creditBalance = 500;
   /// By test name.
@@ -30,6 +31,7 @@ struct StandInSettings {
                       field("buildSeconds", &R::buildSeconds).withDefault(),
                       field("heartbeatSeconds", &R::heartbeatSeconds).withDefault(),
                       field("coldStartSeconds", &R::coldStartSeconds).withDefault(),
+                      field("creditsPerExploredStep", &R::creditsPerExploredStep).withDefault(),
                       field("creditBalance", &R::creditBalance).withDefault(),
                       field("outcomes", &R::outcomes).withDefault());
   }

@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <system_error>
+#include <utility>
 
 #include "corvane_standin/StandInPaths.h"
 #include "corvane_standin/Workspace.h"
+#include "corvane_standin/workspace/Lookup.h"
 
 namespace corvane::standin {
 
@@ -16,17 +18,6 @@ double flakinessAfter(double before, bool alternated) {
   constexpr double weightOfLastRun = 0.25;
   const double after = before + weightOfLastRun * ((alternated ? 1.0 : 0.0) - before);
   return std::round(after * 100) / 100;
-}
-
-AgentContext::TestContext* findTest(AgentContext& context, std::string_view projectName,
-                                    std::string_view testId) {
-  for (auto& project : context.projects) {
-    if (project.name != projectName) continue;
-    for (auto& test : project.tests) {
-      if (test.id == testId) return &test;
-    }
-  }
-  return nullptr;
 }
 
 }  // namespace
@@ -50,8 +41,9 @@ void WorkspaceStore::load() {
   }
 }
 
-void WorkspaceStore::record(std::string_view projectName, const AgentRunResult::Test& outcome) {
-  auto* test = findTest(context, projectName, outcome.testId);
+void WorkspaceStore::record(const std::string& projectName, const AgentRunResult::Test& outcome) {
+  auto* project = findByName(context.projects, projectName);
+  auto* test = project ? findById(project->tests, outcome.testId) : nullptr;
   if (!test) return;
   const bool failed = outcome.status == "failed";
   const auto [last, first] = lastRunFailed.try_emplace(outcome.testId, failed);
@@ -68,6 +60,17 @@ void WorkspaceStore::record(std::string_view projectName, const AgentRunResult::
       test->lastFailure = AgentContext::LastFailure{step->title, step->failureReason};
     }
   }
+  publishAgain();
+}
+
+void WorkspaceStore::update(const std::function<void(AgentContext&)>& change) {
+  AgentContext changed = context;
+  change(changed);
+  context = std::move(changed);
+  publishAgain();
+}
+
+void WorkspaceStore::publishAgain() {
   // A file that was taken away stays so: its home is being deleted.
   if (fileExists(paths.agentContextFile())) publish();
 }

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <string>
-#include <string_view>
 
 #include "CorvaneCore/results/AgentRunResult.h"
 #include "CorvaneCore/workspace/AgentContext.h"
@@ -19,14 +19,18 @@ class WorkspaceStore {
 
   [[nodiscard]] const AgentContext& workspace() const { return context; }
 
+  /// Changes the workspace and publishes it again. What `change` throws leaves it as it was.
+  void update(const std::function<void(AgentContext&)>& change);
+
   /// Notes how a test that ran to its end turned out, and publishes again.
-  void record(std::string_view projectName, const AgentRunResult::Test& outcome);
+  void record(const std::string& projectName, const AgentRunResult::Test& outcome);
 
   /// Dates the workspace now and writes the context file. A failure is logged.
   void publish();
 
  private:
   void load();
+  void publishAgain();
 
   const AgentPaths& paths;
   const Clock& clock;

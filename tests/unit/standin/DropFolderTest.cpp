@@ -45,7 +45,7 @@ TEST_F(DropFolderTest, TakesARequestOut) {
 TEST_F(DropFolderTest, LeavesFilesAloneThatAreNotForIt) {
   put("." + id + ".runrequest.json");
   put("." + id + ".cancel");
-  put(id + ".explorerequest.json");
+  put(id + ".laterrequest.json");
   put("notes.txt");
   const auto before = home.entries();
   const auto arrivals = folder.take();

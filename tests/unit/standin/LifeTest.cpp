@@ -86,9 +86,9 @@ TEST_F(LifeTest, QuittingEndsWhatIsInHand) {
   pass(1s);
   standIn->quit();
   EXPECT_EQ(status(active), "error");
-  EXPECT_EQ(result(active).message, "Corvane quit while the run was active.");
+  EXPECT_EQ(result(active).message, "Corvane quit while the request was active.");
   EXPECT_EQ(status(waiting), "error");
-  EXPECT_EQ(result(waiting).message, "Corvane quit while the run waited in the queue.");
+  EXPECT_EQ(result(waiting).message, "Corvane quit while the request waited in the queue.");
 }
 
 TEST_F(LifeTest, ATestsHistoryOutlivesTheProgram) {

@@ -61,7 +61,8 @@ class StandInFixture : public testing::Test {
   }
 
   /// Drops a request and returns its id.
-  std::string drop(const AgentRunRequest& request) const {
+  template <class Request>
+  std::string drop(const Request& request) const {
     request.write(paths);
     return request.requestId;
   }
@@ -97,14 +98,34 @@ class StandInFixture : public testing::Test {
 
   [[nodiscard]] AgentRunResult finalResult(const std::string& id) { return follow(id).back(); }
 
+  [[nodiscard]] AgentContext published() const {
+    return AgentContext::read(paths.agentContextFile());
+  }
+
+  [[nodiscard]] AgentContext::ProjectContext publishedProject(const std::string& name) const {
+    for (auto& project : published().projects) {
+      if (project.name == name) return project;
+    }
+    ADD_FAILURE() << "no project " << name << " is published";
+    return {};
+  }
+
   [[nodiscard]] AgentContext::TestContext publishedTest(const std::string& name) const {
-    for (const auto& project : AgentContext::read(paths.agentContextFile()).projects) {
+    for (const auto& project : published().projects) {
       for (const auto& test : project.tests) {
         if (test.name == name) return test;
       }
     }
     ADD_FAILURE() << "no test " << name << " is published";
     return {};
+  }
+
+  /// "type: description" of every step.
+  [[nodiscard]] static std::vector<std::string> stepLines(
+      const std::vector<AgentContext::StepSummary>& steps) {
+    std::vector<std::string> lines;
+    for (const auto& step : steps) lines.push_back(step.type + ": " + step.description);
+    return lines;
   }
 
   const TemporaryHome home;

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "CorvaneCore/requests/AgentLibraryRequest.h"
+#include "corvane_standin/Job.h"
+#include "corvane_standin/Services.h"
+
+namespace corvane::standin {
+
+/// Changes the library of building blocks or a world map, at once when its turn comes.
+class LibraryJob final : public Job {
+ public:
+  LibraryJob(AgentLibraryRequest request, const Services& services);
+
+  [[nodiscard]] Advance advance() override;
+
+ private:
+  void fulfil(AgentContext& workspace);
+
+  AgentLibraryRequest request;
+  Services services;
+};
+
+}  // namespace corvane::standin
