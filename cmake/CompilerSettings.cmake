@@ -8,8 +8,9 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 include(CheckPIESupported)
 check_pie_supported(LANGUAGES C CXX)
 
-add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
-                    -Werror)
+add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Werror
+                    $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>
+                    $<$<COMPILE_LANGUAGE:CXX>:-Woverloaded-virtual>)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   add_compile_options(-Wshadow=local)
   # g++ 12 reports these for correct moves of variants and optionals once it inlines them.

@@ -7,7 +7,7 @@
 #include <cerrno>
 
 #include "CorvaneCore/files/FileDescriptor.h"
-#include "CorvaneCore/text/Uuid.h"
+#include "CorvaneCore/files/TemporaryFile.h"
 
 namespace corvane {
 
@@ -32,51 +32,6 @@ FileTime modificationTime(const struct stat& status) {
   const auto seconds = std::clamp<std::int64_t>(time.tv_sec, earliest, latest);
   return FileTime(std::chrono::seconds(seconds) + std::chrono::nanoseconds(time.tv_nsec));
 }
-
-/// Begins with a dot, so that whoever watches the folder passes it over, and ends in no suffix
-/// that anybody watches for.
-fs::path temporaryNameFor(const fs::path& path) {
-  return path.parent_path() / ("." + makeRequestId() + ".tmp");
-}
-
-/// A file being written beside its final place; gone at the end of its life unless it was moved.
-class TemporaryFile {
- public:
-  explicit TemporaryFile(const fs::path& finalPath)
-      : target(finalPath),
-        path(temporaryNameFor(finalPath)),
-        file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666)) {
-    if (!file.isOpen()) fail();
-  }
-  TemporaryFile(const TemporaryFile&) = delete;
-  TemporaryFile& operator=(const TemporaryFile&) = delete;
-  ~TemporaryFile() {
-    if (!moved) ::unlink(path.c_str());
-  }
-
-  void write(std::string_view contents) {
-    while (!contents.empty()) {
-      const ssize_t count = ::write(file.get(), contents.data(), contents.size());
-      if (count < 0 && errno == EINTR) continue;
-      if (count < 0) fail();
-      contents.remove_prefix(static_cast<std::size_t>(count));
-    }
-    if (!file.close()) fail();
-  }
-
-  void moveIntoPlace() {
-    if (::rename(path.c_str(), target.c_str()) != 0) fail();
-    moved = true;
-  }
-
- private:
-  [[noreturn]] void fail() const { throw FileError("write", target, lastError()); }
-
-  const fs::path& target;
-  fs::path path;
-  FileDescriptor file;
-  bool moved = false;
-};
 
 }  // namespace
 

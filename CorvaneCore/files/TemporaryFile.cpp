@@ -1,0 +1,88 @@
+#include "CorvaneCore/files/TemporaryFile.h"
+
+#include <fcntl.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <string>
+#include <utility>
+
+#include "CorvaneCore/files/FileError.h"
+#include "CorvaneCore/text/Uuid.h"
+
+namespace corvane {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr mode_t openToTheUmask = 0666;
+
+fs::path temporaryNameFor(const fs::path& path) {
+  return path.parent_path() / ("." + makeRequestId() + ".tmp");
+}
+
+}  // namespace
+
+TemporaryFile::TemporaryFile(fs::path finalPath) : target(std::move(finalPath)) {
+  if (!openNameless()) openNamed();
+}
+
+TemporaryFile::~TemporaryFile() {
+  if (name) ::unlink(name->c_str());
+}
+
+void TemporaryFile::write(std::string_view contents) {
+  while (!contents.empty()) {
+    const ssize_t count = ::write(file.get(), contents.data(), contents.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) fail();
+    contents.remove_prefix(static_cast<std::size_t>(count));
+  }
+}
+
+void TemporaryFile::moveIntoPlace() {
+  if (!name) {
+    // Some file systems tell only at closing that something was not written; closing a copy tells
+    // it as long as nothing can see the file yet.
+    if (!FileDescriptor(::dup(file.get())).close()) fail();
+    if (link(target)) return;
+    const auto beside = temporaryNameFor(target);
+    if (!link(beside)) fail();
+    name = beside;
+  }
+  if (!file.close() || ::rename(name->c_str(), target.c_str()) != 0) fail();
+  name.reset();
+}
+
+bool TemporaryFile::openNameless() {
+#ifdef O_TMPFILE
+  const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
+  file = FileDescriptor(::open(folder.c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, openToTheUmask));
+#endif
+  // Whatever stands in the way of one with a name as well is told by that.
+  return file.isOpen();
+}
+
+void TemporaryFile::openNamed() {
+  auto chosen = temporaryNameFor(target);
+  file = FileDescriptor(
+      ::open(chosen.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, openToTheUmask));
+  if (!file.isOpen()) fail();
+  name = std::move(chosen);
+}
+
+bool TemporaryFile::link(const fs::path& place) {
+  const auto open = "/proc/self/fd/" + std::to_string(file.get());
+  if (::linkat(AT_FDCWD, open.c_str(), AT_FDCWD, place.c_str(), AT_SYMLINK_FOLLOW) == 0) {
+    return true;
+  }
+  if (errno != EEXIST) fail();
+  return false;
+}
+
+void TemporaryFile::fail() const {
+  throw FileError("write", target, {errno, std::generic_category()});
+}
+
+}  // namespace corvane
