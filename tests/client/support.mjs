@@ -9,6 +9,9 @@ import { StdioClientTransport } from '@modelcontextprotocol/sdk/client/stdio.js'
 
 const bin = resolve(process.env.CORVANE_BIN ?? 'build/release/bin');
 
+/** The stand-in's program. */
+export const standIn = join(bin, 'Corvane.app', 'Contents', 'MacOS', 'Corvane');
+
 /** Steps that take a hundredth of a second, so that a whole run is over in a moment. */
 const fast = { stepSeconds: 0.01, buildSeconds: 0.01, coldStartSeconds: 0, heartbeatSeconds: 1 };
 
@@ -37,14 +40,12 @@ export async function connect(t, { app = true, outcomes = {}, env = {} } = {}) {
   t.after(async () => {
     await client.close();
     if (app) {
-      execFileSync(join(bin, 'Corvane.app', 'Contents', 'MacOS', 'Corvane'), ['--quit'], {
-        env: environment,
-      });
+      execFileSync(standIn, ['--quit'], { env: environment });
     }
     rmSync(home, { recursive: true, force: true });
   });
   const log = () => readFileSync(join(home, 'Library', 'Logs', 'Corvane', 'mcp.log'), 'utf8');
-  return { client, home, support, log };
+  return { client, environment, home, support, log };
 }
 
 /** Calls a tool; its result with `text`, the first text block. */

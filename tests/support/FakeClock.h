@@ -32,6 +32,8 @@ class FakeClock final : public Clock {
     wall += duration;
     steady += duration;
   }
+  /// Sets the wall clock forward, or back when negative; nothing has passed.
+  void jump(std::chrono::milliseconds by) { wall += by; }
   void runAfterEachSleep(AfterSleep action) { afterSleep = std::move(action); }
 
   /// How long each sleep was.

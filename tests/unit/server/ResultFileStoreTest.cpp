@@ -69,6 +69,15 @@ TEST_F(ResultFileStoreTest, LooksTwiceASecondUntilItsTimeIsUp) {
   EXPECT_EQ(bench.clock.sleeps(), std::vector<std::chrono::milliseconds>(480, 500ms));
 }
 
+TEST_F(ResultFileStoreTest, WaitsAsLongWhenTheWallClockJumps) {
+  for (const auto jump : {-24h, 24h}) {
+    const auto before = bench.clock.totalSlept();
+    bench.clock.runAfterEachSleep([&](int) { bench.clock.jump(jump); });
+    EXPECT_EQ(poll(10), "unknown");
+    EXPECT_EQ(bench.clock.totalSlept() - before, 10s);
+  }
+}
+
 TEST_F(ResultFileStoreTest, SleepsNoLongerThanTheTimeLeft) {
   bench.clock.runAfterEachSleep([&](int) { bench.clock.pass(150ms); });
   EXPECT_EQ(poll(2), "unknown");
