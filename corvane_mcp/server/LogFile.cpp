@@ -61,7 +61,7 @@ std::optional<OpenLog> openLog(const fs::path& path) {
 void rotate(const fs::path& path) {
   fs::path old = path;
   old.replace_extension("1.log");
-  ::unlink(old.c_str());
+  ::remove(old.c_str());
   ::rename(path.c_str(), old.c_str());
 }
 

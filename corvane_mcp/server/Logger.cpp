@@ -1,11 +1,8 @@
 #include "corvane_mcp/server/Logger.h"
 
-#include <poll.h>
 #include <unistd.h>
 
 #include <array>
-#include <cerrno>
-#include <climits>
 #include <system_error>
 #include <utility>
 
@@ -26,25 +23,13 @@ constexpr std::size_t mostQueuedBytes = std::size_t{4} << 20;
 /// Lines that come this close together share one opening of the file.
 constexpr std::chrono::milliseconds lingering{2};
 
-/// Writes a line to standard error in one piece. A reader that has stopped reading loses lines; it
-/// never stops the server. Called by one thread at a time: of two that found room for one line the
-/// second would wait.
-void writeToStandardError(std::string_view line) {
-  while (!line.empty()) {
-    pollfd ready{STDERR_FILENO, POLLOUT, 0};
-    if (::poll(&ready, 1, 0) != 1 || (ready.revents & POLLOUT) == 0) return;
-    // What poll promises is room for this much, written as one piece.
-    const ssize_t count = ::write(STDERR_FILENO, line.data(),
-                                  std::min(line.size(), static_cast<std::size_t>(PIPE_BUF)));
-    if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) return;
-    line.remove_prefix(static_cast<std::size_t>(count));
-  }
-}
+/// How long a reader of standard error may hold up the server, once.
+constexpr std::chrono::milliseconds readersPatience{1000};
 
 }  // namespace
 
-Logger::Logger(std::filesystem::path file) : logFile(std::move(file)) {
+Logger::Logger(std::filesystem::path file)
+    : logFile(std::move(file)), errorStream(STDERR_FILENO, readersPatience) {
   ensureDirectoryExists(logFile.parent_path());
 }
 
@@ -66,8 +51,8 @@ void Logger::emit(Level level, std::string_view message) {
   line += escapeControls(message);
   line += '\n';
   {
-    const std::scoped_lock lock(standardError);
-    writeToStandardError(line);
+    const std::scoped_lock lock(errorMutex);
+    errorStream.write(line);
   }
   queueForFile(std::move(line));
 }

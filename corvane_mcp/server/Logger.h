@@ -8,6 +8,8 @@
 #include <thread>
 #include <vector>
 
+#include "corvane_mcp/server/ErrorStream.h"
+
 namespace corvane {
 
 /// The server's only diagnostic channel: every line goes to standard error at once and, in order,
@@ -25,7 +27,8 @@ class Logger {
   ~Logger();
 
   /// Writes "[timestamp] [LEVEL] message". Control characters of the message are escaped, so that
-  /// one event is one line. Returns at once, unless the disk has fallen megabytes behind.
+  /// one event is one line. Returns at once, unless the disk has fallen megabytes behind or whoever
+  /// reads standard error has just stopped reading.
   void emit(Level level, std::string_view message);
   void info(std::string_view message) { emit(Level::info, message); }
   void warn(std::string_view message) { emit(Level::warn, message); }
@@ -37,7 +40,8 @@ class Logger {
 
   const std::filesystem::path logFile;
   /// Held while a line goes to standard error.
-  std::mutex standardError;
+  std::mutex errorMutex;
+  ErrorStream errorStream;
   /// Guards everything below.
   std::mutex mutex;
   std::condition_variable changed;

@@ -6,7 +6,7 @@
 #include "CorvaneCore/text/Uuid.h"
 #include "corvane_mcp/protocol/JSONRPCError.h"
 #include "tests/support/PrintJson.h"
-#include "tests/unit/server/ToolBench.h"
+#include "tests/support/ToolBench.h"
 
 namespace corvane {
 namespace {

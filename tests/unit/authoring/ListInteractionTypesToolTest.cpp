@@ -4,7 +4,7 @@
 
 #include "CorvaneCore/authoring/AuthoringContract.h"
 #include "CorvaneCore/json/JsonWriter.h"
-#include "tests/unit/server/ToolBench.h"
+#include "tests/support/ToolBench.h"
 
 namespace corvane {
 namespace {

@@ -7,7 +7,7 @@
 
 #include "corvane_mcp/protocol/JSONRPCError.h"
 #include "tests/support/ErrorText.h"
-#include "tests/unit/server/ToolBench.h"
+#include "tests/support/ToolBench.h"
 
 namespace corvane {
 namespace {

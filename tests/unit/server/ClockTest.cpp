@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/unit/server/ToolBench.h"
+#include "tests/support/ToolBench.h"
 
 namespace corvane {
 namespace {

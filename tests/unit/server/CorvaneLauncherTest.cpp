@@ -7,7 +7,7 @@
 
 #include "tests/support/ProcessFacts.h"
 #include "tests/support/TemporaryApp.h"
-#include "tests/unit/server/ToolBench.h"
+#include "tests/support/ToolBench.h"
 
 namespace corvane {
 namespace {

@@ -4,7 +4,7 @@
 
 #include "CorvaneCore/requests/AgentRunRequest.h"
 #include "tests/support/TemporaryApp.h"
-#include "tests/unit/server/ToolBench.h"
+#include "tests/support/ToolBench.h"
 
 namespace corvane {
 namespace {

@@ -6,7 +6,7 @@
 #include "tests/support/ErrorText.h"
 #include "tests/support/Pipe.h"
 #include "tests/support/TemporaryApp.h"
-#include "tests/unit/server/ToolBench.h"
+#include "tests/support/ToolBench.h"
 
 namespace corvane {
 namespace {

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "tests/support/Pipe.h"
+#include "tests/support/ToolBench.h"
 #include "tests/unit/server/FakeTool.h"
-#include "tests/unit/server/ToolBench.h"
 
 namespace corvane {
 namespace {

@@ -5,7 +5,7 @@
 
 #include <chrono>
 
-#include "tests/unit/server/ToolBench.h"
+#include "tests/support/ToolBench.h"
 
 namespace corvane {
 namespace {

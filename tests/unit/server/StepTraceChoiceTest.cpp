@@ -4,7 +4,7 @@
 
 #include <limits>
 
-#include "tests/unit/server/ToolBench.h"
+#include "tests/support/ToolBench.h"
 
 namespace corvane {
 namespace {

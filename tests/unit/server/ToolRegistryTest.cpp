@@ -6,8 +6,8 @@
 #include "corvane_mcp/protocol/JSONRPCError.h"
 #include "corvane_mcp/tools/Tools.h"
 #include "tests/support/ErrorText.h"
+#include "tests/support/ToolBench.h"
 #include "tests/unit/server/FakeTool.h"
-#include "tests/unit/server/ToolBench.h"
 
 namespace corvane {
 namespace {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "corvane_mcp/protocol/JSONRPCError.h"
-#include "tests/unit/server/ToolBench.h"
+#include "tests/support/ToolBench.h"
 
 namespace corvane {
 
