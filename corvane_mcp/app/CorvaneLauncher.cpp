@@ -60,18 +60,18 @@ std::optional<fs::path> CorvaneLauncher::newestDerivedDataBuild() const {
   while (!folders.empty()) {
     const fs::path folder = std::move(folders.back());
     folders.pop_back();
-    for (const auto& entry : listVisible(folder)) {
-      if (isDevelopmentBuild(entry)) {
-        const FileTime time = modifiedAt(entry);
-        if (!newest || time > newestTime) {
-          newest = entry;
-          newestTime = time;
-        }
+    if (isDevelopmentBuild(folder)) {
+      const FileTime time = modifiedAt(folder);
+      if (!newest || time > newestTime) {
+        newest = folder;
+        newestTime = time;
       }
-      std::error_code ignored;
-      const auto kind = fs::symlink_status(entry, ignored).type();
-      if (kind == fs::file_type::directory) folders.push_back(entry);
     }
+    std::error_code ignored;
+    if (fs::symlink_status(folder, ignored).type() != fs::file_type::directory) continue;
+    // The last one pushed is the next one looked at, so that of equals the first in order is found.
+    const auto entries = listVisible(folder);
+    folders.insert(folders.end(), entries.rbegin(), entries.rend());
   }
   return newest;
 }

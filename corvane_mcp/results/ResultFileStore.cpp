@@ -5,6 +5,7 @@
 #include "CorvaneCore/json/JsonMembers.h"
 #include "CorvaneCore/requests/AgentRunRequest.h"
 #include "CorvaneCore/results/AgentRunResult.h"
+#include "CorvaneCore/text/Utf8.h"
 
 namespace corvane {
 
@@ -94,7 +95,8 @@ bool ResultFileStore::requestStillPending(std::string_view requestId) const {
     if (name.find(".corvane") == std::string::npos) continue;
     if (name.find(requestId) != std::string::npos) return true;
     try {
-      if (readFile(entry).find(requestId) != std::string::npos) return true;
+      const std::string payload = readFile(entry);
+      if (isValidUtf8(payload) && payload.find(requestId) != std::string::npos) return true;
     } catch (const FileError&) {
       // A payload that cannot be read says nothing about this request.
     }

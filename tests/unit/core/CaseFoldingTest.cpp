@@ -46,6 +46,15 @@ TEST(CaseFoldingTest, HowAnAccentIsComposedMeansNothing) {
   EXPECT_TRUE(same("\u00C9tude", "e\u0301tude"));
   EXPECT_TRUE(same("\u1E9B\u0323", "\u1E9B\u0323"));
   EXPECT_TRUE(same("\uAC00", "\u1100\u1161"));
+  EXPECT_TRUE(same("\u1FB3", "\u03B1\u0345"));
+  EXPECT_TRUE(same("\u1FB3", "\u0391\u0345"));
+}
+
+TEST(CaseFoldingTest, ADottedCapitalKeepsItsDot) {
+  EXPECT_TRUE(same("\u0130x", "I\u0307x"));
+  EXPECT_TRUE(same("\u0130x", "i\u0307X"));
+  EXPECT_FALSE(same("\u0130x", "ix"));
+  EXPECT_FALSE(same("\u1FB3", "\u03B1\u03B9"));
 }
 
 TEST(CaseFoldingTest, OtherTextPassesThrough) {
