@@ -22,6 +22,23 @@ test('an app that dies in mid-run is told, and its run is settled by its next li
   const dead = requestIdOf(await call(client, 'run_test', args));
   const orphan = await firstLine(client, dead, /but Corvane\.app is NOT running\)$/);
   assert.match(orphan.text, /\n\nThis run died with the app; it will not progress\. /);
+  const status = await call(client, 'get_status', {});
+  assert.ok(
+    status.text.startsWith(
+      'Corvane status (appRunning: false).\n\n' +
+        "warning: Corvane.app is not running — the 'active' work in this snapshot died with it and " +
+        'will not progress.\n\n{',
+    ),
+    status.text,
+  );
+  const described = await call(client, 'describe_project', {});
+  assert.ok(
+    described.text.includes(
+      ').\n\nwarning: Corvane.app is not running; context reflects the last session and may be ' +
+        'stale. run_test/create_test will launch it.\n',
+    ),
+    described.text,
+  );
 
   const next = requestIdOf(await call(client, 'run_test', runOf('Browse the catalogue')));
   assert.equal((await follow(client, next)).snapshot.status, 'passed');

@@ -82,3 +82,46 @@ test('the payload file that the docs show comes from arguments that satisfy the 
   assert.match(written.requestId, /^[0-9a-f-]{36}$/);
   assert.equal(written.version, version);
 });
+
+test('every payload that a session or the demo has accepted satisfies the schema', async (t) => {
+  const { client, satisfies } = await connectForPayloads(t);
+  const root = join(import.meta.dirname, '..', '..');
+  const sessions = readdirSync(join(root, 'tests', 'sessions')).filter((name) => name.endsWith('.session'));
+  const files = ['scripts/demo', ...sessions.map((name) => `tests/sessions/${name}`)];
+  let accepted = 0;
+  for (const file of files) {
+    for (const payload of jsonObjectsIn(readFileSync(join(root, file), 'utf8'))) {
+      if (!payload.interactions || !payload.testName) continue;
+      const result = await call(client, 'create_test', payload);
+      if (result.isError) continue;
+      accepted += 1;
+      assert.ok(satisfies(payload), `${file}: ${JSON.stringify(satisfies.errors)}`);
+    }
+  }
+  assert.ok(accepted >= 5, `${accepted} payloads`);
+});
+
+/** Every outermost text between braces on the lines of `text` that is a JSON object. */
+function* jsonObjectsIn(text) {
+  for (let start = text.indexOf('{'); start >= 0; start = text.indexOf('{', start + 1)) {
+    const end = closingBrace(text, start);
+    if (end === 0) continue;
+    try {
+      yield JSON.parse(text.slice(start, end + 1));
+      start = end;
+    } catch {
+      // Not JSON; an inner one may be.
+    }
+  }
+}
+
+/** Where the brace at `start` is closed; 0 when it is not. */
+function closingBrace(text, start) {
+  let depth = 0;
+  for (let at = start; at < text.length; at += 1) {
+    if (text[at] === '{') depth += 1;
+    if (text[at] === '}') depth -= 1;
+    if (depth === 0) return at;
+  }
+  return 0;
+}

@@ -24,6 +24,16 @@ std::string branchText() {
          " (compose userDefined/reuseSteps at the top level).";
 }
 
+/// An object of these keys only.
+JsonObject closedObject(JsonObject properties, std::initializer_list<const char*> required) {
+  JsonObject schema{{"type", "object"}, {"additionalProperties", false}};
+  schema.set("properties", std::move(properties));
+  if (required.size() > 0) {
+    schema.set("required", AnyCodable::Array(required.begin(), required.end()));
+  }
+  return schema;
+}
+
 }  // namespace
 
 InteractionDefinition::InteractionDefinition(InteractionType type, std::string_view descriptionText,
@@ -34,6 +44,7 @@ InteractionDefinition::InteractionDefinition(InteractionType type, std::string_v
                  wordOf<PreviousStepCondition>(
                      "ONLY meaningful on a step nested inside another step's `children`, where it "
                      "selects branch membership. Leave it out of top-level steps."));
+  properties.set("parameters", closedObject({}, {}));
   if (description == Description::required) required.emplace_back("description");
 }
 
@@ -44,12 +55,8 @@ InteractionDefinition InteractionDefinition::property(std::string_view key, Json
 
 InteractionDefinition InteractionDefinition::parameters(
     JsonObject parameterProperties, std::initializer_list<const char*> requiredParameters) && {
-  JsonObject schema{{"type", "object"}, {"additionalProperties", false}};
-  schema.set("properties", std::move(parameterProperties));
-  if (requiredParameters.size() > 0) {
-    schema.set("required", AnyCodable::Array(requiredParameters.begin(), requiredParameters.end()));
-  }
-  return std::move(*this).property("parameters", std::move(schema));
+  return std::move(*this).property(
+      "parameters", closedObject(std::move(parameterProperties), requiredParameters));
 }
 
 InteractionDefinition InteractionDefinition::commonFlags() && {

@@ -18,13 +18,14 @@ class InteractionDefinition {
   static constexpr const char* optionalLabel =
       "Optional label. Corvane regenerates it from the parameters.";
 
-  /// Holds what every step has. `descriptionText` says what this type's description is for.
+  /// Holds what every step has, and no parameters. `descriptionText` says what this type's
+  /// description is for.
   InteractionDefinition(InteractionType type, std::string_view descriptionText,
                         Description description);
 
   /// Adds a member of the step itself.
   [[nodiscard]] InteractionDefinition property(std::string_view key, JsonObject schema) &&;
-  /// Adds the `parameters` object, of these keys only.
+  /// Opens the `parameters` object for these keys.
   [[nodiscard]] InteractionDefinition parameters(
       JsonObject properties, std::initializer_list<const char*> required = {}) &&;
   /// Adds the flags of steps that look for something on the screen.
