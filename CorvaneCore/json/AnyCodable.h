@@ -25,7 +25,8 @@ class AnyCodable {
 
   AnyCodable() noexcept = default;
   AnyCodable(std::nullptr_t) noexcept {}
-  AnyCodable(bool value) noexcept : held(value) {}
+  /// Of a boolean proper: pointers turn into true by themselves.
+  AnyCodable(std::same_as<bool> auto value) noexcept : held(value) {}
   template <std::integral Integer>
     requires(!std::same_as<Integer, bool> && !std::same_as<Integer, char> &&
              (sizeof(Integer) < 8 || std::signed_integral<Integer>))

@@ -19,7 +19,7 @@ struct Field {
   std::string_view key;
   Member Record::* member;
   /// Read in the place of `key` when `key` is absent; never written.
-  std::string_view alias = {};
+  std::string_view alias;
   /// Whether a member that is not std::optional keeps its initial value when it is absent.
   bool defaulted = false;
 
@@ -36,7 +36,7 @@ struct Field {
 /// Decoding, encoding and the paths in error texts all come from that list.
 template <class Record, class Member>
 [[nodiscard]] constexpr Field<Record, Member> field(std::string_view key, Member Record::* member) {
-  return {key, member};
+  return {key, member, {}, false};
 }
 
 template <class T>
