@@ -12,7 +12,7 @@ namespace {
 constexpr const char* exitStatuses = R"(
 Exit status:
   0   done; the followed request went well
-  1   the tool reported an error; the followed request failed
+  1   the tool or the server reported an error; the followed request failed
   2   the server could not be started, ended early or broke the protocol
   3   the followed request was blocked or cancelled, or ended in error or with a warning
   4   the time ran out
@@ -46,7 +46,9 @@ constexpr int manyValues = 10000;
 class CommandLine {
  public:
   CommandLine() {
-    app.require_subcommand(1);
+    // That there is a command is checked after parsing, when an unknown one can be named.
+    app.require_subcommand(0, 1);
+    app.allow_extras();
     app.fallthrough();
     app.footer(std::string("\nExamples:\n") + toolsExamples + callExamples + runExamples +
                followExamples + cancelExamples + healthExamples + exitStatuses);
@@ -72,6 +74,7 @@ class CommandLine {
   std::variant<Invocation, CommandLineReply> parse(int argc, const char* const* argv) {
     try {
       app.parse(argc, argv);
+      requireOneCommand();
       if (runApp->parsed()) requireOneTarget();
     } catch (const CLI::ParseError& error) {
       std::ostringstream text;
@@ -135,6 +138,13 @@ class CommandLine {
 
   /// Beside an option group, which could say the same, CLI11 takes a project's name that comes last
   /// for one more test.
+  void requireOneCommand() const {
+    if (const auto unknown = app.remaining(); !unknown.empty()) {
+      throw CLI::ExtrasError(app.get_name(), unknown);
+    }
+    if (app.get_subcommands().empty()) throw CLI::RequiredError("A subcommand");
+  }
+
   void requireOneTarget() const {
     const int targets = (run.tests.empty() ? 0 : 1) + (run.suite ? 1 : 0) + (run.all ? 1 : 0);
     if (targets != 1) throw CLI::RequiredError("Exactly one of --test, --suite and --all");

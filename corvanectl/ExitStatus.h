@@ -7,7 +7,7 @@ namespace corvane {
 enum class ExitStatus {
   /// The tool reported no error, or the followed request went well.
   success = 0,
-  /// The tool reported an error, or the followed request failed.
+  /// The tool or the server reported an error, or the followed request failed.
   failure = 1,
   /// The server could not be started, ended early or broke the protocol.
   protocolTrouble = 2,

@@ -44,7 +44,7 @@ ExitStatus runProgram(const Invocation& invocation, Console& console, Interrupti
     return fail(error, ExitStatus::usage);
   } catch (const RpcError& error) {
     // The server is well, and has said all there is to say.
-    return fail(error, ExitStatus::protocolTrouble);
+    return fail(error, ExitStatus::failure);
   } catch (const NoAnswer& error) {
     return failOfServer(error, ExitStatus::timedOut);
   } catch (const ProtocolError& error) {

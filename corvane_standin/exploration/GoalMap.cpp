@@ -74,8 +74,9 @@ Goal parseGoal(std::string_view line) {
                           line.substr(0, colon).find('"') == std::string_view::npos;
   const auto body = isLabelled ? trimWhitespace(line.substr(colon + 2)) : line;
   Goal goal;
-  goal.name = capitalized(isLabelled ? std::string(line.substr(0, colon)) : firstWords(line));
   goal.clauses = cutIntoClauses(body);
+  goal.name = capitalized(isLabelled || goal.clauses.empty() ? std::string(line.substr(0, colon))
+                                                             : firstWords(goal.clauses.front()));
   for (auto& clause : goal.clauses) {
     if (clause.ends_with('.')) clause.pop_back();
   }
