@@ -2,20 +2,26 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <span>
 #include <string_view>
+#include <variant>
 
 #include "CorvaneCore/json/JsonErrors.h"
+#include "CorvaneCore/text/Utf8.h"
 #include "corvane_mcp/trace/CaptureManifest.h"
 #include "corvane_mcp/trace/JpegDecoder.h"
 #include "corvane_mcp/trace/PictureError.h"
 #include "corvane_mcp/trace/PngDecoder.h"
 #include "corvane_mcp/trace/TraceImageReader.h"
+#include "fuzz/Require.h"
+#include "tests/support/TemporaryHome.h"
+#include "tests/support/TestFiles.h"
 
 namespace {
 
+using Block = corvane::ContentBlock;
 using corvane::PictureInput;
+using corvane::require;
 using corvane::TraceImageReader;
 
 /// Whatever comes out is a JPEG that fits: it is read back with the same limits.
@@ -23,7 +29,7 @@ void requireSmallJpeg(std::string_view jpeg) {
   constexpr int largestSide = 800;
   PictureInput input({reinterpret_cast<const std::uint8_t*>(jpeg.data()), jpeg.size()});
   const auto [width, height] = corvane::decodeJpeg(input, largestSide).fullSize;
-  if (width > largestSide || height > largestSide) std::abort();
+  require(width <= largestSide && height <= largestSide, "a picture gets small");
 }
 
 void show(std::span<const std::uint8_t> picture, const corvane::CaptureFrame& frame) {
@@ -32,6 +38,20 @@ void show(std::span<const std::uint8_t> picture, const corvane::CaptureFrame& fr
     requireSmallJpeg(TraceImageReader::downscaledJPEG(input, frame.touches));
   } catch (const corvane::PictureError&) {
     // Most pictures are broken, and say so.
+  }
+}
+
+/// Shows step 0 of a capture session of these files, as get_result does.
+void showSession(std::string_view manifest, std::string_view picture) {
+  static const corvane::TemporaryHome session;
+  corvane::TestFiles::write(corvane::manifestFile(session.path()), manifest);
+  corvane::TestFiles::write(session.path() / "a", picture);
+  const auto blocks = TraceImageReader::blocks(session.path(), 0);
+  require(!blocks.empty() && std::holds_alternative<Block::Text>(blocks.front().choice),
+          "a step has a caption");
+  for (const auto& block : blocks) {
+    const auto* text = std::get_if<Block::Text>(&block.choice);
+    require(!text || corvane::isValidUtf8(text->text), "texts are UTF-8");
   }
 }
 
@@ -74,12 +94,13 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
   return changed;
 }
 
-/// The input is a manifest, a NUL and a picture; the picture stands in for every one that the
-/// manifest names for step 0.
+/// The input is a manifest, a NUL and a picture: the file "a" of a capture session, which also
+/// stands in for every picture that the manifest names for step 0.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text(reinterpret_cast<const char*>(data), size);
   const std::size_t end = std::min(text.find('\0'), size);
   const auto picture = std::span(data, size).subspan(std::min(end + 1, size));
+  showSession(text.substr(0, end), text.substr(std::min(end + 1, size)));
   corvane::StepFrames frames;
   try {
     frames = corvane::readStepFrames(text.substr(0, end), 0);
