@@ -120,6 +120,16 @@ TEST_F(CorvaneLauncherTest, TakesTheNewestBuild) {
   EXPECT_EQ(launcher().newestDerivedDataBuild(), older);
 }
 
+TEST_F(CorvaneLauncherTest, TakesTheFirstOfBuildsOfOneAge) {
+  const auto now = std::chrono::system_clock::now();
+  const fs::path first = derivedData / "A" / "Build" / "Corvane.app";
+  for (const auto& build :
+       {derivedData / "B" / "Corvane.app", first, derivedData / "A" / "Late" / "Corvane.app"}) {
+    TestFiles::setModified(makeBundle(build), now);
+  }
+  EXPECT_EQ(launcher().newestDerivedDataBuild(), first);
+}
+
 TEST_F(CorvaneLauncherTest, TakesTheOnlyBuildHoweverOld) {
   const fs::path build = makeBundle(derivedData / "A" / "Corvane.app");
   TestFiles::setModified(build, FileTime{std::chrono::seconds(0)});

@@ -285,6 +285,8 @@ TEST_F(ResultFileStoreTest, FindsATestThatWaitsToBeImported) {
   EXPECT_FALSE(pendingWith("Login.corvane", "{}"));
   EXPECT_FALSE(pendingWith("Login-" + std::string(id) + ".json", id));
   EXPECT_FALSE(pendingWith("." + std::string(id) + ".corvane", id));
+  // A file that is not UTF-8 is no text.
+  EXPECT_FALSE(pendingWith("Login.corvane.json", "\xFF" + std::string(id)));
 }
 
 TEST_F(ResultFileStoreTest, PassesOverImportsThatCannotBeRead) {
