@@ -1,5 +1,7 @@
 # The picture libraries, linked statically where the system offers it: a shared library costs time
 # at every start, even of a server that is never asked for a picture.
+include_guard(GLOBAL)
+
 find_path(PNG_INCLUDE_DIR png.h REQUIRED)
 find_library(PNG_LIBRARY NAMES libpng.a png REQUIRED)
 find_library(PNG_ZLIB_LIBRARY NAMES libz.a z REQUIRED)

@@ -3,11 +3,12 @@
 #include <memory>
 #include <utility>
 
-#include "corvane_standin/RunJob.h"
-#include "corvane_standin/Workspace.h"
 #include "corvane_standin/exploration/ExploreJob.h"
 #include "corvane_standin/imports/ImportJob.h"
 #include "corvane_standin/library/LibraryJob.h"
+#include "corvane_standin/program/StandInPaths.h"
+#include "corvane_standin/runs/RunJob.h"
+#include "corvane_standin/workspace/FirstWorkspace.h"
 
 namespace corvane::standin {
 
@@ -27,6 +28,7 @@ StandIn::StandIn(AgentPaths sharedPaths, StandInSettings givenSettings, const Cl
       log(log),
       opensAt(clock.now() + inSeconds(settings.coldStartSeconds)),
       creditBalance(settings.creditBalance),
+      captures(StandInPaths(paths).capturesDirectory(), settings.captures, clock, log),
       results(paths, clock, log),
       dropFolder(paths, log),
       queue(results, clock, log, inSeconds(settings.heartbeatSeconds)),
@@ -75,7 +77,7 @@ void StandIn::takeIn() {
 }
 
 Services StandIn::services() {
-  return {clock, settings, *workspace, creditBalance};
+  return {clock, settings, *workspace, creditBalance, captures};
 }
 
 void StandIn::publishActivity() {

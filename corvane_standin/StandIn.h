@@ -4,15 +4,16 @@
 #include <string>
 
 #include "CorvaneCore/paths/AgentPaths.h"
-#include "corvane_standin/Clock.h"
-#include "corvane_standin/DropFolder.h"
-#include "corvane_standin/JobQueue.h"
-#include "corvane_standin/ResultPublisher.h"
-#include "corvane_standin/Services.h"
-#include "corvane_standin/StandInLog.h"
 #include "corvane_standin/StandInSettings.h"
-#include "corvane_standin/WorkspaceStore.h"
 #include "corvane_standin/activity/ActivityPublisher.h"
+#include "corvane_standin/capture/Captures.h"
+#include "corvane_standin/jobs/DropFolder.h"
+#include "corvane_standin/jobs/JobQueue.h"
+#include "corvane_standin/jobs/ResultPublisher.h"
+#include "corvane_standin/jobs/Services.h"
+#include "corvane_standin/program/Clock.h"
+#include "corvane_standin/program/StandInLog.h"
+#include "corvane_standin/workspace/WorkspaceStore.h"
 
 namespace corvane::standin {
 
@@ -50,6 +51,7 @@ class StandIn {
   const StandInLog& log;
   Clock::Time opensAt;
   double creditBalance;
+  Captures captures;
   ResultPublisher results;
   DropFolder dropFolder;
   JobQueue queue;

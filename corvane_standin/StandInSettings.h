@@ -6,8 +6,8 @@
 #include <string>
 
 #include "CorvaneCore/json/Record.h"
-#include "corvane_standin/StandInLog.h"
-#include "corvane_standin/TestOutcome.h"
+#include "corvane_standin/program/StandInLog.h"
+#include "corvane_standin/runs/TestOutcome.h"
 
 namespace corvane::standin {
 
@@ -22,6 +22,8 @@ struct StandInSettings {
   double creditsPerExploredStep = 15;
   /// The credits there are at the start.
   double creditBalance = 500;
+  /// Whether runs leave capture sessions.
+  bool captures = true;
   /// By test name.
   std::map<std::string, TestOutcome> outcomes;
 
@@ -33,6 +35,7 @@ struct StandInSettings {
                       field("coldStartSeconds", &R::coldStartSeconds).withDefault(),
                       field("creditsPerExploredStep", &R::creditsPerExploredStep).withDefault(),
                       field("creditBalance", &R::creditBalance).withDefault(),
+                      field("captures", &R::captures).withDefault(),
                       field("outcomes", &R::outcomes).withDefault());
   }
 

@@ -10,13 +10,13 @@
 
 #include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/paths/AgentPaths.h"
-#include "corvane_standin/Clock.h"
-#include "corvane_standin/InstanceLock.h"
 #include "corvane_standin/StandIn.h"
-#include "corvane_standin/StandInLog.h"
-#include "corvane_standin/StandInPaths.h"
 #include "corvane_standin/StandInSettings.h"
-#include "corvane_standin/StopSignals.h"
+#include "corvane_standin/program/Clock.h"
+#include "corvane_standin/program/InstanceLock.h"
+#include "corvane_standin/program/StandInLog.h"
+#include "corvane_standin/program/StandInPaths.h"
+#include "corvane_standin/program/StopSignals.h"
 
 namespace {
 

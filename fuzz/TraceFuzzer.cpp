@@ -6,6 +6,7 @@
 #include <string_view>
 #include <variant>
 
+#include "CorvaneCore/capture/CaptureSession.h"
 #include "CorvaneCore/json/JsonErrors.h"
 #include "CorvaneCore/text/Utf8.h"
 #include "corvane_mcp/trace/CaptureManifest.h"
@@ -44,7 +45,7 @@ void show(std::span<const std::uint8_t> picture, const corvane::CaptureFrame& fr
 /// Shows step 0 of a capture session of these files, as get_result does.
 void showSession(std::string_view manifest, std::string_view picture) {
   static const corvane::TemporaryHome session;
-  corvane::TestFiles::write(corvane::manifestFile(session.path()), manifest);
+  corvane::TestFiles::write(corvane::CaptureSession::fileURL(session.path()), manifest);
   corvane::TestFiles::write(session.path() / "a", picture);
   const auto blocks = TraceImageReader::blocks(session.path(), 0);
   require(!blocks.empty() && std::holds_alternative<Block::Text>(blocks.front().choice),

@@ -4,15 +4,13 @@
 #include <array>
 #include <utility>
 
+#include "CorvaneCore/capture/FrameStatus.h"
 #include "CorvaneCore/json/JsonErrors.h"
 #include "CorvaneCore/json/JsonMembers.h"
 
 namespace corvane {
 
 namespace {
-
-/// When a frame was taken.
-enum class FrameStatus { beforeStep, afterStep, onFailure };
 
 /// A frame as far as it must make sense; what may be unusable is kept as it stands.
 struct FrameRecord {
@@ -63,19 +61,6 @@ bool isOfStep(const AnyCodable& frame, std::int64_t stepIndex) {
 }
 
 }  // namespace
-
-template <>
-struct Vocabulary<FrameStatus> {
-  static constexpr std::array rows{
-      VocabularyRow<FrameStatus>{FrameStatus::beforeStep, "beforeStep"},
-      VocabularyRow<FrameStatus>{FrameStatus::afterStep, "afterStep"},
-      VocabularyRow<FrameStatus>{FrameStatus::onFailure, "onFailure"},
-  };
-};
-
-std::filesystem::path manifestFile(const std::filesystem::path& sessionDir) {
-  return sessionDir / "session.json";
-}
 
 StepFrames readStepFrames(std::string_view manifest, std::int64_t stepIndex) {
   const JsonObject members = readMembers(manifest, {"frames"});

@@ -1,17 +1,16 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "corvane_mcp/trace/Touch.h"
+#include "CorvaneCore/capture/Touch.h"
 
 namespace corvane {
 
-/// One screenshot of a capture session.
+/// One screenshot of a capture session, as far as its manifest makes sense.
 struct CaptureFrame {
   /// As the manifest has it: not trusted, and empty when it names none.
   std::string imageFileName;
@@ -25,9 +24,6 @@ struct StepFrames {
 
   [[nodiscard]] bool empty() const { return !before && !after; }
 };
-
-/// The file in a capture session's folder that lists its frames.
-[[nodiscard]] std::filesystem::path manifestFile(const std::filesystem::path& sessionDir);
 
 /// Picks the frames of `stepIndex` out of a manifest's text. A frame taken on failure goes before
 /// one taken after the step; of several frames of one status the last counts. Frames and touches

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "CorvaneCore/capture/CaptureSession.h"
 #include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/json/JsonErrors.h"
 #include "CorvaneCore/text/Base64.h"
@@ -134,7 +135,7 @@ std::vector<ContentBlock> show(std::int64_t stepIndex, std::vector<FrameResult> 
 
 std::vector<ContentBlock> TraceImageReader::blocks(const std::filesystem::path& sessionDir,
                                                    std::int64_t stepIndex) {
-  const auto manifest = manifestFile(sessionDir);
+  const auto manifest = CaptureSession::fileURL(sessionDir);
   StepFrames frames;
   try {
     frames = readStepFrames(readFile(manifest, largestManifest), stepIndex);

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "CorvaneCore/capture/Touch.h"
 #include "corvane_mcp/protocol/ContentBlock.h"
 #include "corvane_mcp/trace/PictureInput.h"
-#include "corvane_mcp/trace/Touch.h"
 
 namespace corvane {
 

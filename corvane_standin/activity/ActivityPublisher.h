@@ -5,8 +5,8 @@
 
 #include "CorvaneCore/paths/AgentPaths.h"
 #include "CorvaneCore/workspace/AgentActivity.h"
-#include "corvane_standin/Clock.h"
-#include "corvane_standin/StandInLog.h"
+#include "corvane_standin/program/Clock.h"
+#include "corvane_standin/program/StandInLog.h"
 
 namespace corvane::standin {
 

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <utility>
 
-#include "corvane_standin/StepText.h"
+#include "corvane_standin/runs/StepText.h"
 #include "corvane_standin/workspace/Changes.h"
 #include "corvane_standin/workspace/Lookup.h"
 

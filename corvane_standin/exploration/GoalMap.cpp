@@ -5,7 +5,7 @@
 #include <cstddef>
 
 #include "CorvaneCore/text/Utf8.h"
-#include "corvane_standin/StepText.h"
+#include "corvane_standin/runs/StepText.h"
 
 namespace corvane::standin {
 

@@ -8,7 +8,7 @@
 
 #include "CorvaneCore/authoring/vocabulary/InteractionType.h"
 #include "CorvaneCore/text/Utf8.h"
-#include "corvane_standin/StepText.h"
+#include "corvane_standin/runs/StepText.h"
 
 namespace corvane::standin {
 

@@ -5,10 +5,10 @@
 #include <vector>
 
 #include "CorvaneCore/authoring/AgentTestSchema.h"
-#include "corvane_standin/Job.h"
-#include "corvane_standin/RunJob.h"
-#include "corvane_standin/Services.h"
-#include "corvane_standin/Stopwatch.h"
+#include "corvane_standin/jobs/Job.h"
+#include "corvane_standin/jobs/Services.h"
+#include "corvane_standin/program/Stopwatch.h"
+#include "corvane_standin/runs/RunJob.h"
 
 namespace corvane::standin {
 

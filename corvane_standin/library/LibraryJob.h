@@ -1,8 +1,8 @@
 #pragma once
 
 #include "CorvaneCore/requests/AgentLibraryRequest.h"
-#include "corvane_standin/Job.h"
-#include "corvane_standin/Services.h"
+#include "corvane_standin/jobs/Job.h"
+#include "corvane_standin/jobs/Services.h"
 
 namespace corvane::standin {
 

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "CorvaneCore/text/Uuid.h"
-#include "corvane_standin/StepText.h"
+#include "corvane_standin/runs/StepText.h"
 #include "corvane_standin/workspace/Lookup.h"
 
 namespace corvane::standin {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "CorvaneCore/workspace/AgentContext.h"
-#include "corvane_standin/RequestRefused.h"
+#include "corvane_standin/jobs/RequestRefused.h"
 
 namespace corvane::standin {
 

@@ -1,7 +1,7 @@
 #include "corvane_standin/workspace/ProjectApp.h"
 
 #include "CorvaneCore/text/Utf8.h"
-#include "corvane_standin/Workspace.h"
+#include "corvane_standin/workspace/FirstWorkspace.h"
 #include "corvane_standin/workspace/Lookup.h"
 
 namespace corvane::standin {

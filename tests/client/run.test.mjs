@@ -85,6 +85,24 @@ test('a failing run names the step and the reason', async (t) => {
   );
 });
 
+test('the pictures of a failed step come with its result', async (t) => {
+  const { client } = await connect(t, {
+    captures: true,
+    outcomes: { 'Browse the catalogue': { outcome: 'failed', failedStep: 1 } },
+  });
+  const requestId = requestIdOf(
+    await call(client, 'run_test', { projectName: project, testNames: ['Browse the catalogue'] }),
+  );
+  await follow(client, requestId);
+  const { content } = await call(client, 'get_result', { requestId, includeStepTrace: true });
+  assert.deepEqual(content.map((block) => block.type), ['text', 'text', 'image', 'image']);
+  assert.ok(content[1].text.startsWith('step 1 screenshots (before, after) — '), content[1].text);
+  for (const { mimeType, data } of content.slice(2)) {
+    assert.equal(mimeType, 'image/jpeg');
+    assert.deepEqual([...Buffer.from(data, 'base64').subarray(0, 3)], [0xff, 0xd8, 0xff]);
+  }
+});
+
 test('a queued run is cancelled at once, the active one at its next step', async (t) => {
   const { client } = await connect(t, {
     outcomes: { 'Browse the catalogue': { outcome: 'hold' } },

@@ -17,13 +17,17 @@ const fast = { stepSeconds: 0.01, buildSeconds: 0.01, coldStartSeconds: 0, heart
 
 /**
  * Connects the official client to a freshly started server in a private home. With `app` the
- * stand-in is installed there, for the server to find and launch. Everything is gone after test `t`.
+ * stand-in is installed there, for the server to find and launch; with `captures` its runs leave
+ * pictures. Everything is gone after test `t`.
  */
-export async function connect(t, { app = true, outcomes = {}, env = {} } = {}) {
+export async function connect(
+  t,
+  { app = true, captures = false, outcomes = {}, env = {} } = {},
+) {
   const home = mkdtempSync(join(tmpdir(), 'corvane-client-'));
   const support = join(home, '.local', 'share', 'Corvane');
   mkdirSync(join(support, 'StandIn'), { recursive: true });
-  writeFileSync(join(support, 'StandIn', 'settings.json'), JSON.stringify({ ...fast, outcomes }));
+  writeFileSync(join(support, 'StandIn', 'settings.json'), JSON.stringify({ ...fast, captures, outcomes }));
   if (app) {
     mkdirSync(join(home, 'Applications'));
     symlinkSync(join(bin, 'Corvane.app'), join(home, 'Applications', 'Corvane.app'));

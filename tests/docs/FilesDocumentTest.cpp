@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "CorvaneCore/authoring/AgentTestSchema.h"
+#include "CorvaneCore/capture/CaptureSession.h"
 #include "CorvaneCore/json/AgentWire.h"
 #include "CorvaneCore/requests/AgentExploreRequest.h"
 #include "CorvaneCore/requests/AgentLibraryRequest.h"
@@ -74,6 +75,10 @@ TEST(FilesDocumentTest, DescribesResults) {
         "\n| `" + std::string(row.rawValue) + "` | " + (row.terminal ? "yes |" : "|");
     EXPECT_NE(text.find(line), std::string::npos) << line;
   }
+}
+
+TEST(FilesDocumentTest, DescribesCaptureSessions) {
+  expectDescribed<CaptureSession, CaptureSession::Frame, Touch>("Capture session");
 }
 
 TEST(FilesDocumentTest, DescribesWhatTheAppPublishes) {

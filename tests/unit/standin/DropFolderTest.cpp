@@ -1,4 +1,4 @@
-#include "corvane_standin/DropFolder.h"
+#include "corvane_standin/jobs/DropFolder.h"
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>

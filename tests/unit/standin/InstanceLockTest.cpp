@@ -1,4 +1,4 @@
-#include "corvane_standin/InstanceLock.h"
+#include "corvane_standin/program/InstanceLock.h"
 
 #include <sys/wait.h>
 #include <unistd.h>

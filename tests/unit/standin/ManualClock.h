@@ -1,6 +1,6 @@
 #pragma once
 
-#include "corvane_standin/Clock.h"
+#include "corvane_standin/program/Clock.h"
 
 namespace corvane::standin {
 

@@ -12,7 +12,7 @@
 #include "CorvaneCore/text/Utf8.h"
 #include "CorvaneCore/text/Uuid.h"
 #include "corvane_standin/StandIn.h"
-#include "corvane_standin/StandInPaths.h"
+#include "corvane_standin/program/StandInPaths.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/unit/standin/ManualClock.h"
 
@@ -24,6 +24,7 @@ class StandInFixture : public testing::Test {
   StandInFixture() {
     ensureDirectoryExists(StandInPaths(paths).directory());
     settings.coldStartSeconds = 0;
+    settings.captures = false;
   }
 
   /// Begins a life of the stand-in with the settings as they are now; an earlier one ends as if its

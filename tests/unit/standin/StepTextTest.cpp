@@ -1,4 +1,4 @@
-#include "corvane_standin/StepText.h"
+#include "corvane_standin/runs/StepText.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "corvane_standin/StopSignals.h"
+#include "corvane_standin/program/StopSignals.h"
 
 #include <gtest/gtest.h>
 

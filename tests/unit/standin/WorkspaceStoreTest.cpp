@@ -1,8 +1,8 @@
-#include "corvane_standin/WorkspaceStore.h"
+#include "corvane_standin/workspace/WorkspaceStore.h"
 
 #include <set>
 
-#include "corvane_standin/Workspace.h"
+#include "corvane_standin/workspace/FirstWorkspace.h"
 #include "tests/unit/standin/StandInFixture.h"
 
 namespace corvane::standin {

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "CorvaneCore/capture/FrameStatus.h"
+#include "CorvaneCore/capture/Touch.h"
+#include "CorvaneCore/files/RecordFile.h"
+
+namespace corvane {
+
+/// The manifest of a capture session: the screenshots of one test, in the order they were taken.
+/// They lie beside it in the session's folder.
+struct CaptureSession {
+  struct Frame {
+    /// 0-based.
+    std::int64_t stepIndex = 0;
+    FrameStatus status = FrameStatus::beforeStep;
+    /// The plain name of a picture in the session's folder; several frames may name one picture.
+    std::string imageFileName;
+    std::optional<std::vector<Touch>> touches;
+
+    static constexpr auto fields() {
+      using R = Frame;
+      return std::tuple(field("stepIndex", &R::stepIndex), field("status", &R::status),
+                        field("imageFileName", &R::imageFileName), field("touches", &R::touches));
+    }
+  };
+
+  std::vector<Frame> frames;
+
+  static constexpr auto fields() { return std::tuple(field("frames", &CaptureSession::frames)); }
+
+  [[nodiscard]] static std::filesystem::path fileURL(const std::filesystem::path& sessionDir) {
+    return sessionDir / "session.json";
+  }
+  /// Throws EncodeError or FileError.
+  void write(const std::filesystem::path& sessionDir) const {
+    writeRecord(*this, fileURL(sessionDir));
+  }
+  /// Throws FileError or DecodeError. Whoever reads the sessions of others takes them as they are
+  /// instead, with frames that make no sense.
+  [[nodiscard]] static CaptureSession read(const std::filesystem::path& sessionDir) {
+    return readRecord<CaptureSession>(fileURL(sessionDir));
+  }
+};
+
+}  // namespace corvane

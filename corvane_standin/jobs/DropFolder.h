@@ -1,0 +1,69 @@
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "CorvaneCore/authoring/AgentTestSchema.h"
+#include "CorvaneCore/paths/AgentPaths.h"
+#include "CorvaneCore/requests/AgentExploreRequest.h"
+#include "CorvaneCore/requests/AgentLibraryRequest.h"
+#include "CorvaneCore/requests/AgentRunRequest.h"
+#include "corvane_standin/program/StandInLog.h"
+
+namespace corvane::standin {
+
+/// A request file that cannot be worked on, and why.
+struct UnusableRequest {
+  std::string reason;
+  /// What the answer names as the tool that sent it.
+  std::string_view source;
+};
+
+/// A request taken out of a drop folder.
+struct DroppedRequest {
+  /// In lower case.
+  std::string id;
+  /// Every kind of request that can be dropped has its alternative here.
+  std::variant<AgentRunRequest, AgentExploreRequest, AgentLibraryRequest, AgentTestSchema,
+               UnusableRequest>
+      request;
+};
+
+/// The folders that the server drops request files, cancel markers and test payloads into. A file
+/// is taken out before it is acted on: one that its sender withdraws first counts as never sent.
+class DropFolder {
+ public:
+  struct Arrivals {
+    /// In order of arrival: when they were made, then by name.
+    std::vector<DroppedRequest> requests;
+    /// The ids, in lower case, that cancel markers were dropped for.
+    std::vector<std::string> cancelled;
+  };
+
+  DropFolder(const AgentPaths& paths, const StandInLog& log) : paths(paths), log(log) {}
+
+  /// Takes out what lies in the folders now. A file that cannot be removed is handed out once and
+  /// then passed over until it changes.
+  [[nodiscard]] Arrivals take();
+
+ private:
+  enum class Removal { removed, wasGone, impossible };
+
+  [[nodiscard]] bool isPassedOver(const std::filesystem::path& file);
+  [[nodiscard]] Removal remove(const std::filesystem::path& file);
+  template <class Request>
+  void takeRequest(const std::filesystem::path& file, Arrivals& arrivals);
+  void takeMarker(const std::filesystem::path& file, Arrivals& arrivals);
+
+  const AgentPaths& paths;
+  const StandInLog& log;
+  /// Files that could not be removed, with the stamp they had.
+  std::map<std::filesystem::path, std::optional<FileStamp>> passedOver;
+};
+
+}  // namespace corvane::standin
