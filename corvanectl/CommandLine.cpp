@@ -27,6 +27,7 @@ constexpr const char* toolsExamples =
 constexpr const char* callExamples = R"(  corvanectl call describe_project '{"projectName":"Shop"}'
   corvanectl call create_test @login.json
   generate-test | corvanectl call create_test -
+  corvanectl call get_result '{"requestId":"ID","includeStepTrace":true}' --pictures shots
 )";
 constexpr const char* runExamples = R"(  corvanectl run Shop --test Login Checkout --follow
   corvanectl run Shop --suite Smoke --platform android
@@ -195,7 +196,9 @@ class CommandLine {
   static CLI::Option* addPictures(CLI::App* command,
                                   std::optional<std::filesystem::path>& directory) {
     return command
-        ->add_option("--pictures", directory, "Save the pictures of the answer in this folder")
+        ->add_option("--pictures", directory,
+                     "Save the pictures of the answer in this folder. Terminals that know the "
+                     "kitty graphics protocol, iTerm2's inline images or sixel show them, too")
         ->type_name("DIR");
   }
 

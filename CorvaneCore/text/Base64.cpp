@@ -20,6 +20,18 @@ constexpr auto digitPairs = [] {
   return pairs;
 }();
 
+constexpr std::uint8_t noDigit = 64;
+
+/// What every byte stands for as a digit.
+constexpr auto digitValues = [] {
+  std::array<std::uint8_t, 256> values{};
+  values.fill(noDigit);
+  for (std::size_t value = 0; value < digits.size(); ++value) {
+    values[static_cast<unsigned char>(digits[value])] = static_cast<std::uint8_t>(value);
+  }
+  return values;
+}();
+
 }  // namespace
 
 std::string base64(std::string_view bytes) {
@@ -40,6 +52,30 @@ std::string base64(std::string_view bytes) {
     if (i + 2 == bytes.size()) out[2] = digits[bits >> 6 & 63];
   }
   return text;
+}
+
+std::optional<std::string> decodeBase64(std::string_view text) {
+  std::string bytes;
+  bytes.reserve(text.size() / 4 * 3);
+  std::uint32_t bits = 0;
+  std::size_t digitCount = 0;
+  std::size_t padding = 0;
+  for (const char c : text) {
+    if (c == '\n' || c == '\r') continue;
+    if (c == '=') {
+      ++padding;
+      continue;
+    }
+    const std::uint8_t digit = digitValues[static_cast<unsigned char>(c)];
+    if (digit == noDigit || padding > 0) return std::nullopt;
+    bits = bits << 6 | digit;
+    // A digit completes a byte unless it begins a group of four.
+    const unsigned spareBits = 6 - 2 * (digitCount % 4);
+    if (digitCount++ % 4 != 0) bytes += static_cast<char>(bits >> spareBits & 0xFF);
+  }
+  const bool whole = (digitCount + padding) % 4 == 0 && padding <= 2;
+  if (!whole) return std::nullopt;
+  return bytes;
 }
 
 }  // namespace corvane

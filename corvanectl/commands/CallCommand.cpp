@@ -30,7 +30,7 @@ ExitStatus execute(const CallCommand& command, CommandContext& context) {
   if (command.json) {
     context.console.print(toJson(answer) + "\n");
   } else {
-    PictureOutput pictures(command.pictures, command.tool);
+    PictureOutput pictures(command.pictures, command.tool, inlinePictures(context));
     printResult(result, pictures, context.console);
   }
   return exitStatusOf(result);

@@ -77,7 +77,7 @@ class Follower {
 
   ExitStatus reportRefusal(const ToolResult& result) {
     console.endProgress();
-    PictureOutput pictures(command.pictures, tool);
+    PictureOutput pictures(command.pictures, tool, inlinePictures(context));
     printResult(result, pictures, console);
     return exitStatusOf(result);
   }
@@ -101,7 +101,9 @@ class Follower {
   void savePictures(const ToolResult& known) {
     const ToolResult result = ToolResult::from(session.callTool(
         tool, AnyCodable::Object{{"requestId", command.requestId}, {"includeStepTrace", true}}));
-    PictureOutput pictures(command.pictures, tool);
+    // Beside JSON, pictures would be among the messages.
+    PictureOutput pictures(command.pictures, tool,
+                           command.json ? std::nullopt : std::optional(inlinePictures(context)));
     for (std::size_t i = known.content.size(); i < result.content.size(); ++i) {
       const std::string line = blockText(result.content[i], pictures) + "\n";
       if (command.json) {

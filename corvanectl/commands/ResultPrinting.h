@@ -2,11 +2,16 @@
 
 #include "CorvaneCore/json/AnyCodable.h"
 #include "corvanectl/ExitStatus.h"
+#include "corvanectl/commands/Session.h"
 #include "corvanectl/pictures/PictureOutput.h"
 #include "corvanectl/protocol/ToolResult.h"
-#include "corvanectl/terminal/Console.h"
 
 namespace corvane {
+
+/// Shows pictures where the command's output goes.
+[[nodiscard]] inline InlinePictures inlinePictures(const CommandContext& context) {
+  return {context.console.outputFile(), context.interruption};
+}
 
 /// What the user sees of one block, without a line feed at its end.
 [[nodiscard]] std::string blockText(const ToolResult::Block& block, PictureOutput& pictures);

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "CorvaneCore/files/Files.h"
-#include "corvanectl/pictures/Base64.h"
+#include "CorvaneCore/text/Base64.h"
 #include "corvanectl/terminal/DisplayText.h"
 
 namespace corvane {
@@ -32,16 +32,24 @@ std::string_view suffixFor(std::string_view mimeType) {
 
 }  // namespace
 
-PictureOutput::PictureOutput(std::optional<std::filesystem::path> directory, std::string_view tool)
-    : directory(std::move(directory)), tool(fileNamePart(tool)) {}
+PictureOutput::PictureOutput(std::optional<std::filesystem::path> directory, std::string_view tool,
+                             std::optional<InlinePictures> terminal)
+    : directory(std::move(directory)), tool(fileNamePart(tool)), terminal(terminal) {}
 
 std::string PictureOutput::take(const ToolResult::Image& image) {
   const std::string kind = oneLine(image.mimeType);
   const auto bytes = decodeBase64(image.data);
   if (!bytes) return "[" + kind + ", not readable: its data is no base64]";
-  if (!directory) return "[" + kind + ", " + std::to_string(bytes->size()) + " bytes]";
-  const std::filesystem::path file = nextFile(suffixFor(image.mimeType));
-  writeFileWhole(file, *bytes);
+  const std::string line = directory
+                               ? save(*bytes, suffixFor(image.mimeType))
+                               : "[" + kind + ", " + std::to_string(bytes->size()) + " bytes]";
+  const auto shown = terminal ? terminal->show(*bytes) : std::nullopt;
+  return shown ? *shown + "\n" + line : line;
+}
+
+std::string PictureOutput::save(const std::string& bytes, std::string_view suffix) {
+  const std::filesystem::path file = nextFile(suffix);
+  writeFileWhole(file, bytes);
   return displayPath(file);
 }
 

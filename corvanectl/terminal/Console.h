@@ -26,6 +26,8 @@ class Console {
   void complain(std::string_view text);
   /// Prints on standard error just as it is.
   void printError(std::string_view text);
+  /// The descriptor of standard output, for asking a terminal there what it can show.
+  [[nodiscard]] int outputFile() const { return output.file(); }
   /// The width of the terminal that is standard output; nothing when that is no terminal.
   [[nodiscard]] std::optional<std::size_t> terminalColumns() const;
 

@@ -22,6 +22,7 @@ class TextStream {
   /// Throws OutputClosed, Interrupted, or std::system_error when the text cannot be written.
   void write(std::string_view text);
 
+  [[nodiscard]] int file() const { return descriptor; }
   [[nodiscard]] bool isTerminal() const;
   /// The width of the terminal; 80 when it does not tell.
   [[nodiscard]] std::size_t columns() const;

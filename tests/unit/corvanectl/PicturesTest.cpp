@@ -2,27 +2,10 @@
 
 #include "CorvaneCore/files/Files.h"
 #include "TemporaryDirectory.h"
-#include "corvanectl/pictures/Base64.h"
 #include "corvanectl/pictures/PictureOutput.h"
 
 namespace corvane {
 namespace {
-
-TEST(Base64, DecodesEveryLength) {
-  EXPECT_EQ(decodeBase64(""), "");
-  EXPECT_EQ(decodeBase64("Zg=="), "f");
-  EXPECT_EQ(decodeBase64("Zm8="), "fo");
-  EXPECT_EQ(decodeBase64("Zm9v"), "foo");
-  EXPECT_EQ(decodeBase64("Zm9v\nYmFy\r\n"), "foobar");
-  EXPECT_EQ(decodeBase64("+/+/"), "\xFB\xFF\xBF");
-}
-
-TEST(Base64, RefusesOtherText) {
-  for (const char* text :
-       {"Zg", "Zg=", "Z", "=", "====", "Zg=g", "Zg==Zg==", "Zm9v!", "Zm-v", "Zm9v="}) {
-    EXPECT_EQ(decodeBase64(text), std::nullopt) << text;
-  }
-}
 
 TEST(PictureOutput, NamesKindAndSizeWithoutAFolder) {
   PictureOutput pictures(std::nullopt, "get_result");

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <stdlib.h>
 #include <sys/ioctl.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <array>
@@ -24,6 +25,10 @@ Pseudoterminal::Pseudoterminal(unsigned short columns)
   ::ioctl(terminal.get(), TIOCSWINSZ, &size);
 }
 
+FileDescriptor Pseudoterminal::anotherSide() const {
+  return FileDescriptor(::fcntl(terminal.get(), F_DUPFD_CLOEXEC, 0));
+}
+
 int Pseudoterminal::start(const std::vector<std::string>& arguments) {
   const pid_t child = ::fork();
   if (child == 0) {
@@ -32,7 +37,7 @@ int Pseudoterminal::start(const std::vector<std::string>& arguments) {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
       ::dup2(terminal.get(), stream);
     }
-    ::setenv("TERM", "xterm", 1);
+    ::setenv("TERM", kind.c_str(), 1);
     becomeCorvanectl(arguments);
   }
   terminal.close();
@@ -59,6 +64,24 @@ bool Pseudoterminal::readMore() {
   const ssize_t count = ::read(keyboard.get(), chunk.data(), chunk.size());
   if (count > 0) shown.append(chunk.data(), static_cast<std::size_t>(count));
   return count > 0;
+}
+
+bool hasUsualModes(const FileDescriptor& terminalSide) {
+  termios modes{};
+  if (::tcgetattr(terminalSide.get(), &modes) != 0) throw std::runtime_error("no terminal");
+  const tcflag_t usual = ICANON | ECHO | ISIG;
+  return (modes.c_lflag & usual) == usual && modes.c_cc[VSUSP] != _POSIX_VDISABLE;
+}
+
+int unreadInput(const FileDescriptor& terminalSide) {
+  termios modes{};
+  ::tcgetattr(terminalSide.get(), &modes);
+  // Else only whole lines would count.
+  modes.c_lflag &= ~static_cast<tcflag_t>(ICANON);
+  ::tcsetattr(terminalSide.get(), TCSANOW, &modes);
+  int count = 0;
+  ::ioctl(terminalSide.get(), FIONREAD, &count);
+  return count;
 }
 
 }  // namespace corvane

@@ -25,21 +25,20 @@ TEST(Base64Test, TakesEveryByte) {
             "ABCDEFGHIJKLMNOP");
 }
 
-/// The inverse, worked out bit by bit.
-std::string decoded(std::string_view text) {
-  constexpr std::string_view digits =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  std::string bytes;
-  unsigned bits = 0;
-  int count = 0;
-  for (const char character : text.substr(0, text.find('='))) {
-    bits = bits << 6 | static_cast<unsigned>(digits.find(character));
-    count += 6;
-    if (count < 8) continue;
-    count -= 8;
-    bytes += static_cast<char>(bits >> count & 0xFF);
+TEST(Base64Test, DecodesEveryLength) {
+  EXPECT_EQ(decodeBase64(""), "");
+  EXPECT_EQ(decodeBase64("Zg=="), "f");
+  EXPECT_EQ(decodeBase64("Zm8="), "fo");
+  EXPECT_EQ(decodeBase64("Zm9v"), "foo");
+  EXPECT_EQ(decodeBase64("Zm9v\nYmFy\r\n"), "foobar");
+  EXPECT_EQ(decodeBase64("+/+/"), "\xFB\xFF\xBF");
+}
+
+TEST(Base64Test, RefusesOtherText) {
+  for (const char* text :
+       {"Zg", "Zg=", "Z", "=", "====", "Zg=g", "Zg==Zg==", "Zm9v!", "Zm-v", "Zm9v="}) {
+    EXPECT_EQ(decodeBase64(text), std::nullopt) << text;
   }
-  return bytes;
 }
 
 TEST(Base64Test, CanBeReadBack) {
@@ -48,7 +47,7 @@ TEST(Base64Test, CanBeReadBack) {
   for (int length = 0; length < 300; ++length) {
     const std::string text = base64(bytes);
     EXPECT_EQ(text.size() % 4, 0U);
-    ASSERT_EQ(decoded(text), bytes);
+    ASSERT_EQ(decodeBase64(text), bytes);
     state = state * 1664525 + 1013904223;
     bytes += static_cast<char>(state >> 24);
   }
