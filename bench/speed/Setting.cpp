@@ -1,0 +1,40 @@
+#include "bench/speed/Setting.h"
+
+#include <cstdlib>
+
+namespace corvane {
+
+namespace {
+
+std::string searchPath() {
+  const char* path = std::getenv("PATH");
+  return std::string("PATH=") + (path ? path : "/usr/bin:/bin");
+}
+
+}  // namespace
+
+Contender::Command Setting::serverIn(const std::filesystem::path& home) const {
+  return {{server.string()},
+          {searchPath(), "HOME=" + home.string(), "CORVANE_MCP_SUPPRESS_LAUNCH=1"}};
+}
+
+Contender::Command Setting::sdkServer() const {
+  return nodeJob("sdk_server.mjs", {});
+}
+
+Contender::Command Setting::floorProgram() const {
+  return {{floor.string()}, {searchPath()}};
+}
+
+Contender::Command Setting::loggingFloor() const {
+  return {{floor.string(), "log"}, {searchPath()}};
+}
+
+Contender::Command Setting::nodeJob(const std::string& program,
+                                    std::vector<std::string> arguments) const {
+  Contender::Command command{{node.string(), (peers / program).string()}, {searchPath()}};
+  for (auto& argument : arguments) command.arguments.push_back(std::move(argument));
+  return command;
+}
+
+}  // namespace corvane

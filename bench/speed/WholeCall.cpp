@@ -1,0 +1,35 @@
+#include "bench/speed/WholeCall.h"
+
+#include "CorvaneCore/json/AgentWire.h"
+
+namespace corvane {
+
+void WholeCall::addServerRound(const std::string& request, std::string_view expected) {
+  Contender contender(setting.serverIn(home));
+  contender.initialize();
+  for (int i = 0; i < uncounted + counted; ++i) {
+    const auto start = std::chrono::steady_clock::now();
+    contender.ask(request, expected);
+    if (i >= uncounted) server.add(millisecondsSince(start));
+  }
+}
+
+void WholeCall::addNodeRound(const std::string& program, std::vector<std::string> arguments) {
+  arguments.push_back(std::to_string(uncounted));
+  arguments.push_back(std::to_string(counted));
+  Contender contender(setting.nodeJob(program, std::move(arguments)));
+  for (const double milliseconds : AgentWire::decode<std::vector<double>>(contender.readLine())) {
+    node.add(milliseconds);
+  }
+}
+
+void WholeCall::describe(Finding& finding) const {
+  finding.ours = shortNumber(server.median()) + " ms";
+  finding.others = shortNumber(node.median()) + " ms";
+}
+
+std::string megabytes(const std::filesystem::path& file) {
+  return shortNumber(static_cast<double>(std::filesystem::file_size(file)) / 1e6) + " MB";
+}
+
+}  // namespace corvane

@@ -1,0 +1,25 @@
+#include "bench/speed/Documents.h"
+#include "bench/speed/Messages.h"
+#include "bench/speed/WholeCall.h"
+#include "bench/speed/rows/Rows.h"
+#include "tests/support/TemporaryHome.h"
+
+namespace corvane {
+
+Rows::Findings Rows::describeProject(const Setting& setting) {
+  const TemporaryHome home;
+  Documents::writeContext(home.paths());
+  const std::string file = home.paths().agentContextFile();
+  WholeCall call(setting, home.path());
+  for (int i = 0; i < setting.rounds; ++i) {
+    call.addServerRound(Messages::call(1, "describe_project", "{}"), "Corvane workspace context");
+    call.addNodeRound("describe_project.mjs", {file});
+  }
+  Finding finding = timesBetter("`describe_project` on a context of " + megabytes(file) +
+                                    ", whole call, against the job alone in Node",
+                                4, call.ratio());
+  call.describe(finding);
+  return {finding};
+}
+
+}  // namespace corvane

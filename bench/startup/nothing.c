@@ -1,0 +1,4 @@
+/* A program that needs the C library alone. */
+int main(void) {
+  return 0;
+}
