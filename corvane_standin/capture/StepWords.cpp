@@ -169,7 +169,7 @@ void StepWords::nameUnquoted() {
   std::string_view text = withoutFront(whole, {"tap on ", "tap ", "press ", "click "});
   text = withoutFront(text, {"the ", "a "});
   for (const std::string_view word :
-       {" in ", " at ", " on ", " under ", " below ", " above ", "."}) {
+       {" in the ", " at the ", " on the ", " under ", " below ", " above ", "."}) {
     text = text.substr(0, asciiLowercase(text).find(word));
   }
   NamedPart part{Kind::unsaid, {}};

@@ -16,7 +16,7 @@ void printResult(const ToolResult& result, PictureOutput& pictures, Console& con
     if (&block != &result.content.front()) text += '\n';
     text += blockText(block, pictures);
   }
-  if (!text.ends_with('\n')) text += '\n';
+  if (console.terminalColumns() && !text.ends_with('\n')) text += '\n';
   console.print(text);
 }
 

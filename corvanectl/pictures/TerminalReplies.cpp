@@ -71,7 +71,9 @@ bool TerminalReplies::takeOne() {
       break;
     }
     default:
-      break;
+      // A key; what comes after the escape may be another one.
+      pending.erase(0, 1);
+      return true;
   }
   pending.erase(0, used + 2);
   return true;

@@ -126,20 +126,22 @@ TEST(InputSchemaTest, TheStepsAreOneOfSevenDefinitions) {
 TEST(InputSchemaTest, EveryDefinitionHasItsMembers) {
   const std::vector<std::array<std::string, 3>> members{
       {"visualAssert",
-       "aiSegmentationMode children description memoryEnabled previousStepCondition type",
+       "aiSegmentationMode children description memoryEnabled parameters previousStepCondition "
+       "type",
        R"(["type","description"])"},
       {"builtIn", "children description parameters previousStepCondition type",
        R"(["type","description"])"},
       {"delay", "children description parameters previousStepCondition type", R"(["type"])"},
       {"waitToLoad", "children description parameters previousStepCondition type", R"(["type"])"},
       {"runTest",
-       "arguments children description previousStepCondition referencedTestId referencedTestName "
-       "type",
+       "arguments children description parameters previousStepCondition referencedTestId "
+       "referencedTestName type",
        R"(["type"])"},
       {"reuseSteps",
-       "description fromStep previousStepCondition referencedTestId referencedTestName toStep type",
+       "description fromStep parameters previousStepCondition referencedTestId "
+       "referencedTestName toStep type",
        R"(["type"])"},
-      {"userDefined", "description previousStepCondition type udiName", R"(["type"])"},
+      {"userDefined", "description parameters previousStepCondition type udiName", R"(["type"])"},
   };
   for (const auto& [type, keys, required] : members) {
     EXPECT_EQ(keysOf(at(offered(type), {"properties"})), keys) << type;

@@ -14,20 +14,19 @@ constexpr const char* fullText =
 
 TEST(CaptureSessionTest, EveryMemberFollowsItsRule) {
   expectRecordRules<CaptureSession>(
-      fullText,
-      {
-          {"frames", "an array", Presence::required},
-          {"frames[0]", "an object", Presence::entry},
-          {"frames[0].imageFileName", "a string", Presence::required},
-          {"frames[0].status", "one of beforeStep, afterStep, onFailure", Presence::required},
-          {"frames[0].stepIndex", "an integer", Presence::required},
-          {"frames[0].touches", "an array", Presence::optional},
-          {"frames[0].touches[0]", "an object", Presence::entry},
-          {"frames[0].touches[0].endX", "a number", Presence::optional},
-          {"frames[0].touches[0].endY", "a number", Presence::optional},
-          {"frames[0].touches[0].x", "a number", Presence::required},
-          {"frames[0].touches[0].y", "a number", Presence::required},
-      });
+      fullText, {
+                    {"frames", "an array", Presence::required},
+                    {"frames[0]", "an object", Presence::entry},
+                    {"frames[0].imageFileName", "a string", Presence::required},
+                    {"frames[0].status", "a string", Presence::required},
+                    {"frames[0].stepIndex", "an integer", Presence::required},
+                    {"frames[0].touches", "an array", Presence::optional},
+                    {"frames[0].touches[0]", "an object", Presence::entry},
+                    {"frames[0].touches[0].endX", "a number", Presence::optional},
+                    {"frames[0].touches[0].endY", "a number", Presence::optional},
+                    {"frames[0].touches[0].x", "a number", Presence::required},
+                    {"frames[0].touches[0].y", "a number", Presence::required},
+                });
 }
 
 TEST(CaptureSessionTest, IsWrittenIntoItsFolder) {

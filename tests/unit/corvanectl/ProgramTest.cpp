@@ -144,7 +144,7 @@ TEST(Program, TellsARefusalFromAServerThatDied) {
     const FakeServerScript script(
         greeted({"log chatter", "expect tools/call", "error -32602 Unknown tool: x"}));
     const auto run = runWithFakeServer({"call", "x"});
-    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.errors,
               "corvanectl: the server refused tools/call: Unknown tool: x (error -32602)\n");
   }
