@@ -34,7 +34,7 @@ test('an app that dies in mid-run is told, and its run is settled by its next li
   const described = await call(client, 'describe_project', {});
   assert.ok(
     described.text.includes(
-      ').\n\nwarning: Corvane.app is not running; context reflects the last session and may be ' +
+      ').\nwarning: Corvane.app is not running; context reflects the last session and may be ' +
         'stale. run_test/create_test will launch it.\n',
     ),
     described.text,
