@@ -29,14 +29,14 @@ struct StandInSettings {
 
   static constexpr auto fields() {
     using R = StandInSettings;
-    return std::tuple(field("stepSeconds", &R::stepSeconds).withDefault(),
-                      field("buildSeconds", &R::buildSeconds).withDefault(),
-                      field("heartbeatSeconds", &R::heartbeatSeconds).withDefault(),
-                      field("coldStartSeconds", &R::coldStartSeconds).withDefault(),
-                      field("creditsPerExploredStep", &R::creditsPerExploredStep).withDefault(),
-                      field("creditBalance", &R::creditBalance).withDefault(),
-                      field("captures", &R::captures).withDefault(),
-                      field("outcomes", &R::outcomes).withDefault());
+    return FieldList(field("stepSeconds", &R::stepSeconds).withDefault(),
+                     field("buildSeconds", &R::buildSeconds).withDefault(),
+                     field("heartbeatSeconds", &R::heartbeatSeconds).withDefault(),
+                     field("coldStartSeconds", &R::coldStartSeconds).withDefault(),
+                     field("creditsPerExploredStep", &R::creditsPerExploredStep).withDefault(),
+                     field("creditBalance", &R::creditBalance).withDefault(),
+                     field("captures", &R::captures).withDefault(),
+                     field("outcomes", &R::outcomes).withDefault());
   }
 
   /// The first value that cannot be worked with, as text for people.

@@ -49,10 +49,10 @@ void checkFile(const AnyCodable& document) {
   checkJudgement(payload);
 }
 
-void checkArguments(const JsonObject& arguments) {
+void checkArguments(JsonObject arguments) {
   if (TestPayloadArguments::refusal(arguments)) return;
   AgentTestSchema payload;
-  TestPayloadArguments::copyInto(payload, arguments);
+  TestPayloadArguments::moveInto(payload, arguments);
   checkJudgement(payload);
 }
 

@@ -44,7 +44,7 @@ struct AgentInteraction {
 
   static constexpr auto fields() {
     using R = AgentInteraction;
-    return std::tuple(
+    return FieldList(
         field("type", &R::type), field("title", &R::title), field("description", &R::description),
         field("parameters", &R::parameters), field("aiSegmentationMode", &R::aiSegmentationMode),
         field("memoryEnabled", &R::memoryEnabled), field("children", &R::children),
@@ -76,5 +76,7 @@ struct AgentInteraction {
 
   [[nodiscard]] bool hasChildren() const { return children && !children->empty(); }
 };
+
+extern template struct Codec<AgentInteraction>;
 
 }  // namespace corvane

@@ -25,11 +25,13 @@ struct AgentTest {
 
   static constexpr auto fields() {
     using R = AgentTest;
-    return std::tuple(field("name", &R::name), field("description", &R::description),
-                      field("index", &R::index), field("interactions", &R::interactions),
-                      field("parameterValues", &R::parameterValues),
-                      field("selfHealingMode", &R::selfHealingMode));
+    return FieldList(field("name", &R::name), field("description", &R::description),
+                     field("index", &R::index), field("interactions", &R::interactions),
+                     field("parameterValues", &R::parameterValues),
+                     field("selfHealingMode", &R::selfHealingMode));
   }
 };
+
+extern template struct Codec<AgentTest>;
 
 }  // namespace corvane

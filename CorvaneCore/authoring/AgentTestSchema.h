@@ -38,16 +38,16 @@ struct AgentTestSchema {
 
   static constexpr auto fields() {
     using R = AgentTestSchema;
-    return std::tuple(field("version", &R::version), field("projectName", &R::projectName),
-                      field("targetPlatform", &R::targetPlatform),
-                      field("iosProjectPath", &R::iosProjectPath),
-                      field("bundleIdentifier", &R::bundleIdentifier),
-                      field("androidProjectPath", &R::androidProjectPath),
-                      field("applicationId", &R::applicationId), field("createdAt", &R::createdAt),
-                      field("tests", &R::tests), field("autoRun", &R::autoRun),
-                      field("buildFirst", &R::buildFirst), field("requestId", &R::requestId),
-                      field("suiteName", &R::suiteName), field("clientName", &R::clientName),
-                      field("simulatorUDID", &R::simulatorUDID));
+    return FieldList(field("version", &R::version), field("projectName", &R::projectName),
+                     field("targetPlatform", &R::targetPlatform),
+                     field("iosProjectPath", &R::iosProjectPath),
+                     field("bundleIdentifier", &R::bundleIdentifier),
+                     field("androidProjectPath", &R::androidProjectPath),
+                     field("applicationId", &R::applicationId), field("createdAt", &R::createdAt),
+                     field("tests", &R::tests), field("autoRun", &R::autoRun),
+                     field("buildFirst", &R::buildFirst), field("requestId", &R::requestId),
+                     field("suiteName", &R::suiteName), field("clientName", &R::clientName),
+                     field("simulatorUDID", &R::simulatorUDID));
   }
 
   /// Every interaction of every test in order, each followed by its children. The pointers live as
@@ -66,5 +66,7 @@ struct AgentTestSchema {
     return readRecord<AgentTestSchema>(from);
   }
 };
+
+extern template struct Codec<AgentTestSchema>;
 
 }  // namespace corvane

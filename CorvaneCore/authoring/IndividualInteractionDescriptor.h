@@ -17,8 +17,8 @@ struct IndividualInteractionDescriptor {
 
   static constexpr auto fields() {
     using R = IndividualInteractionDescriptor;
-    return std::tuple(field("name", &R::name), field("hint", &R::hint),
-                      field("paramsSchema", &R::paramsSchema));
+    return FieldList(field("name", &R::name), field("hint", &R::hint),
+                     field("paramsSchema", &R::paramsSchema));
   }
 };
 

@@ -43,9 +43,9 @@ struct ValidationIssue {
 
   static constexpr auto fields() {
     using R = ValidationIssue;
-    return std::tuple(field("severity", &R::severity), field("code", &R::code),
-                      field("path", &R::path), field("message", &R::message),
-                      field("suggestion", &R::suggestion));
+    return FieldList(field("severity", &R::severity), field("code", &R::code),
+                     field("path", &R::path), field("message", &R::message),
+                     field("suggestion", &R::suggestion));
   }
 };
 
@@ -84,5 +84,7 @@ struct Vocabulary<ValidationIssue::Code> {
       Row{Code::compositionOnly, "compositionOnly"},
   };
 };
+
+extern template struct Codec<ValidationIssue>;
 
 }  // namespace corvane

@@ -36,7 +36,7 @@ struct ValidationResult {
                       std::move(suggestion)});
   }
 
-  static constexpr auto fields() { return std::tuple(field("issues", &ValidationResult::issues)); }
+  static constexpr auto fields() { return FieldList(field("issues", &ValidationResult::issues)); }
 
  private:
   static bool isError(const ValidationIssue& issue) {

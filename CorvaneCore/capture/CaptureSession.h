@@ -26,14 +26,14 @@ struct CaptureSession {
 
     static constexpr auto fields() {
       using R = Frame;
-      return std::tuple(field("stepIndex", &R::stepIndex), field("status", &R::status),
-                        field("imageFileName", &R::imageFileName), field("touches", &R::touches));
+      return FieldList(field("stepIndex", &R::stepIndex), field("status", &R::status),
+                       field("imageFileName", &R::imageFileName), field("touches", &R::touches));
     }
   };
 
   std::vector<Frame> frames;
 
-  static constexpr auto fields() { return std::tuple(field("frames", &CaptureSession::frames)); }
+  static constexpr auto fields() { return FieldList(field("frames", &CaptureSession::frames)); }
 
   [[nodiscard]] static std::filesystem::path fileURL(const std::filesystem::path& sessionDir) {
     return sessionDir / "session.json";
@@ -48,5 +48,7 @@ struct CaptureSession {
     return readRecord<CaptureSession>(fileURL(sessionDir));
   }
 };
+
+extern template struct Codec<CaptureSession>;
 
 }  // namespace corvane

@@ -18,8 +18,8 @@ struct Touch {
   [[nodiscard]] bool isDrag() const { return endX && endY; }
 
   static constexpr auto fields() {
-    return std::tuple(field("x", &Touch::x), field("y", &Touch::y), field("endX", &Touch::endX),
-                      field("endY", &Touch::endY));
+    return FieldList(field("x", &Touch::x), field("y", &Touch::y), field("endX", &Touch::endX),
+                     field("endY", &Touch::endY));
   }
 };
 

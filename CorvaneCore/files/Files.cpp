@@ -56,6 +56,9 @@ std::string readFile(const fs::path& path, std::size_t limit) {
   const auto size = static_cast<std::size_t>(status.st_size);
   if (size > limit) fail(std::errc::file_too_large);
   std::string contents;
+  // Answers begin with a few words before what a file holds.
+  constexpr std::size_t roomForHeader = 1024;
+  contents.reserve(size + roomForHeader);
   // The size is only a hint: the file may grow or shrink while it is read.
   std::size_t room = size + 1;
   std::size_t length = 0;

@@ -1,7 +1,5 @@
 #include "CorvaneCore/json/AnyCodable.h"
 
-#include <algorithm>
-
 namespace corvane {
 
 namespace {
@@ -68,32 +66,24 @@ AnyCodable& AnyCodable::operator=(const AnyCodable& other) {
   return *this;
 }
 
-AnyCodable& AnyCodable::operator=(AnyCodable&& other) noexcept {
-  if (this == &other) return *this;
-  // `other` may live inside this value, so it is taken out before anything is released.
-  Value taken = std::move(other.held);
-  releaseChildren();
-  held = std::move(taken);
-  return *this;
-}
-
-AnyCodable::~AnyCodable() {
-  releaseChildren();
-}
-
 void AnyCodable::releaseChildren() noexcept {
-  if (!holdsChildren()) return;
+  // A container of which no child holds containers is left to the destructors.
+  const auto nests = [](const AnyCodable& value) {
+    bool found = false;
+    forEachChild(value.held, [&found](const AnyCodable& child) { found |= child.holdsChildren(); });
+    return found;
+  };
   std::vector<Value> pending;
-  const auto takeContainers = [&pending](Value& value) {
-    forEachChild(value, [&pending](AnyCodable& child) {
-      if (child.holdsChildren()) pending.push_back(std::exchange(child.held, {}));
+  const auto takeNested = [&](Value& value) {
+    forEachChild(value, [&](AnyCodable& child) {
+      if (child.holdsChildren() && nests(child)) pending.push_back(std::exchange(child.held, {}));
     });
   };
-  takeContainers(held);
+  takeNested(held);
   while (!pending.empty()) {
     Value next = std::move(pending.back());
     pending.pop_back();
-    takeContainers(next);
+    takeNested(next);
   }
 }
 

@@ -46,8 +46,16 @@ class AnyCodable {
   AnyCodable(const AnyCodable& other);
   AnyCodable(AnyCodable&& other) noexcept = default;
   AnyCodable& operator=(const AnyCodable& other);
-  AnyCodable& operator=(AnyCodable&& other) noexcept;
-  ~AnyCodable();
+  AnyCodable& operator=(AnyCodable&& other) noexcept {
+    // `other` may live inside this value, so it is taken out before anything is released.
+    Value taken = std::move(other.held);
+    if (holdsChildren()) releaseChildren();
+    held = std::move(taken);
+    return *this;
+  }
+  ~AnyCodable() {
+    if (holdsChildren()) releaseChildren();
+  }
 
   /// The held value.
   [[nodiscard]] const Value& value() const noexcept { return held; }
@@ -80,6 +88,7 @@ class AnyCodable {
 
  private:
   [[nodiscard]] bool holdsChildren() const noexcept { return held.index() >= 5; }
+  /// Empties a container without use of the machine stack per level.
   void releaseChildren() noexcept;
 
   Value held;
@@ -89,6 +98,25 @@ struct JsonObject::Member {
   std::string key;
   AnyCodable value;
 };
+
+inline std::size_t JsonObject::size() const noexcept {
+  return members.size();
+}
+inline bool JsonObject::empty() const noexcept {
+  return members.empty();
+}
+inline JsonObject::iterator JsonObject::begin() noexcept {
+  return members.begin();
+}
+inline JsonObject::iterator JsonObject::end() noexcept {
+  return members.end();
+}
+inline JsonObject::const_iterator JsonObject::begin() const noexcept {
+  return members.begin();
+}
+inline JsonObject::const_iterator JsonObject::end() const noexcept {
+  return members.end();
+}
 
 template <class T>
 const T* JsonObject::findAs(std::string_view key) const noexcept {

@@ -152,6 +152,17 @@ template <class T>
   return Codec<T>::decode(std::move(value), DecodePath(rootName));
 }
 
+/// `value` as a T when it has that form; null and everything else count as absent.
+template <class T>
+[[nodiscard]] std::optional<T> decodeIfFits(AnyCodable value) {
+  if (value.isNull()) return std::nullopt;
+  try {
+    return decodeValue<T>(std::move(value));
+  } catch (const DecodeError&) {
+    return std::nullopt;
+  }
+}
+
 /// `value` as a JSON value. Throws EncodeError.
 template <class T>
 [[nodiscard]] AnyCodable encodeValue(const T& value) {

@@ -54,6 +54,24 @@ std::optional<Literal> splitLiteral(std::string_view rest) {
   return rest.empty() ? std::optional(literal) : std::nullopt;
 }
 
+/// The value of a literal of digits only, and so few that they need no look at their range; the
+/// usual one.
+std::optional<std::int64_t> shortInteger(std::string_view literal) {
+  const bool negative = literal.starts_with('-');
+  if (negative) literal.remove_prefix(1);
+  const bool leadingZero = literal.size() > 1 && literal.front() == '0';
+  if (literal.empty() || literal.size() > std::numeric_limits<std::int64_t>::digits10 ||
+      leadingZero) {
+    return std::nullopt;
+  }
+  std::int64_t value = 0;
+  for (const char c : literal) {
+    if (!isDigit(c)) return std::nullopt;
+    value = 10 * value + (c - '0');
+  }
+  return negative ? -value : value;
+}
+
 /// An exponent far beyond any number's digits stands in for all larger ones.
 constexpr std::int64_t hugeExponent = std::int64_t{1} << 40;
 
@@ -67,6 +85,12 @@ std::int64_t exponentValue(std::string_view exponent) {
     return exponent.front() == '-' ? -hugeExponent : hugeExponent;
   }
   return value;
+}
+
+/// Whether nothing shows at first sight that the literal's value is no whole number.
+bool mayBeWhole(const Literal& literal) {
+  return !literal.exponent.empty() ||
+         literal.fraction.find_first_not_of('0') == std::string_view::npos;
 }
 
 /// The literal's value when it is whole and fits 64 bits; computed on its digits, so none is lost.
@@ -88,6 +112,19 @@ std::optional<std::int64_t> exactInteger(const Literal& literal) {
   return parseInteger(digits);
 }
 
+/// The double nearest to a literal's value; infinity when that lies beyond.
+double nearestDouble(std::string_view literal) {
+  double value = 0;
+#ifdef __cpp_lib_to_chars
+  const auto result = std::from_chars(literal.data(), literal.data() + literal.size(), value);
+  if (result.ec == std::errc()) return value;
+#endif
+  // Knows, unlike from_chars, a value that is too large from one that is too small. The process
+  // stays in the "C" locale, where it reads exactly the grammar of JSON.
+  value = std::strtod(std::string(literal).c_str(), nullptr);
+  return value;
+}
+
 }  // namespace
 
 std::optional<std::int64_t> parseInteger(std::string_view text) {
@@ -102,17 +139,29 @@ std::optional<std::int64_t> parseInteger(std::string_view text) {
 }
 
 std::optional<JsonNumber> parseJsonNumber(std::string_view literal) {
+  if (const auto integer = shortInteger(literal)) return *integer;
   const auto parts = splitLiteral(literal);
   if (!parts) return std::nullopt;
-  if (const auto integer = exactInteger(*parts)) return *integer;
-  // The process stays in the "C" locale, where strtod reads exactly this grammar.
-  const double value = std::strtod(std::string(literal).c_str(), nullptr);
+  if (mayBeWhole(*parts)) {
+    if (const auto integer = exactInteger(*parts)) return *integer;
+  }
+  const double value = nearestDouble(literal);
   if (!std::isfinite(value)) return std::nullopt;
   // What a double can only hold as a whole number would be read as an integer once it was written.
   if (std::trunc(value) == value && std::abs(value) < 0x1p63) {
     return static_cast<std::int64_t>(value);
   }
   return value;
+}
+
+bool isJsonNumber(std::string_view literal) {
+  if (shortInteger(literal)) return true;
+  const auto parts = splitLiteral(literal);
+  // Without an exponent it takes more than 300 digits to leave the range of a double.
+  constexpr std::size_t surelyInRange = 300;
+  if (!parts || (parts->exponent.empty() && literal.size() < surelyInRange))
+    return parts.has_value();
+  return parseJsonNumber(literal).has_value();
 }
 
 }  // namespace corvane

@@ -15,6 +15,9 @@ using JsonNumber = std::variant<std::int64_t, double>;
 /// not one, or when its value lies beyond a double.
 [[nodiscard]] std::optional<JsonNumber> parseJsonNumber(std::string_view literal);
 
+/// Whether parseJsonNumber() would read `literal`.
+[[nodiscard]] bool isJsonNumber(std::string_view literal);
+
 /// The whole number that `text` spells with an optional sign and decimal digits, when it fits 64
 /// bits and nothing else stands in `text`.
 [[nodiscard]] std::optional<std::int64_t> parseInteger(std::string_view text);

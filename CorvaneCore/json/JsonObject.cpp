@@ -46,25 +46,6 @@ void JsonObject::set(std::string_view key, AnyCodable value) {
   }
 }
 
-std::size_t JsonObject::size() const noexcept {
-  return members.size();
-}
-bool JsonObject::empty() const noexcept {
-  return members.empty();
-}
-JsonObject::iterator JsonObject::begin() noexcept {
-  return members.begin();
-}
-JsonObject::iterator JsonObject::end() noexcept {
-  return members.end();
-}
-JsonObject::const_iterator JsonObject::begin() const noexcept {
-  return members.begin();
-}
-JsonObject::const_iterator JsonObject::end() const noexcept {
-  return members.end();
-}
-
 void JsonObject::sortUnique() {
   const auto outOfOrder = [](const Member& left, const Member& right) {
     return left.key >= right.key;

@@ -1,11 +1,10 @@
 #pragma once
 
-#include <cstddef>
-#include <memory>
 #include <string_view>
 
 #include "CorvaneCore/json/AnyCodable.h"
-#include "CorvaneCore/json/JsonSink.h"
+#include "CorvaneCore/json/JsonCursor.h"
+#include "CorvaneCore/json/JsonTokens.h"
 
 namespace corvane {
 
@@ -13,25 +12,22 @@ namespace corvane {
 /// messages well; a reader is used by one thread at a time.
 class JsonReader {
  public:
-  JsonReader();
-  JsonReader(JsonReader&&) noexcept;
-  JsonReader& operator=(JsonReader&&) noexcept;
-  ~JsonReader();
-
-  /// Sends the one value that `text` holds to `sink`. Throws DecodeError when the text is not valid
-  /// JSON in valid UTF-8, or holds a number beyond a double; the sink may have got a part by then.
-  void read(std::string_view text, JsonSink& sink);
-
-  /// The one value that `text` holds. Throws DecodeError.
+  /// The one value that `text` holds. Throws DecodeError when the text is not valid JSON in valid
+  /// UTF-8, or holds a number beyond a double.
   [[nodiscard]] AnyCodable read(std::string_view text);
 
-  /// For a sink while read() calls it: the offset in the text at which the value being reported
-  /// begins or, at the end of an array or object, at which the text after it goes on.
-  [[nodiscard]] std::size_t position() const;
+  /// Calls `visit` with a cursor at the one value that `text` holds, which `visit` takes, and makes
+  /// sure that nothing follows. Throws DecodeError as above; `visit` may have got a part by then.
+  template <class Visit>
+  void read(std::string_view text, Visit visit) {
+    tokens.find(text);
+    JsonCursor cursor(text, tokens);
+    visit(cursor);
+    cursor.expectEnd();
+  }
 
  private:
-  struct Parser;
-  std::unique_ptr<Parser> parser;
+  JsonTokens tokens;
 };
 
 /// The one value that `text` holds. Throws DecodeError.

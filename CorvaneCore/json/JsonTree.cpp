@@ -1,31 +1,28 @@
 #include "CorvaneCore/json/JsonTree.h"
 
+#include <iterator>
+
 namespace corvane {
 
-void JsonTree::add(AnyCodable value) {
-  if (open.empty()) {
-    root = std::move(value);
-  } else if (auto* array = std::get_if<AnyCodable::Array>(&open.back())) {
-    array->push_back(std::move(value));
-  } else {
-    std::get<Members>(open.back()).back().value = std::move(value);
-  }
-}
-
-void JsonTree::key(std::string_view key) {
-  std::get<Members>(open.back()).push_back({std::string(key), AnyCodable()});
-}
-
 void JsonTree::endArray() {
-  AnyCodable finished(std::move(std::get<AnyCodable::Array>(open.back())));
+  const auto first = contents.begin() + static_cast<std::ptrdiff_t>(open.back().begin);
+  AnyCodable::Array elements;
+  elements.reserve(static_cast<std::size_t>(contents.end() - first));
+  for (auto next = first; next != contents.end(); ++next) {
+    elements.push_back(std::move(next->value));
+  }
+  contents.erase(first, contents.end());
   open.pop_back();
-  add(std::move(finished));
+  place() = AnyCodable(std::move(elements));
 }
 
 void JsonTree::endObject() {
-  AnyCodable finished(JsonObject(std::move(std::get<Members>(open.back()))));
+  const auto first = contents.begin() + static_cast<std::ptrdiff_t>(open.back().begin);
+  std::vector<JsonObject::Member> members(std::make_move_iterator(first),
+                                          std::make_move_iterator(contents.end()));
+  contents.erase(first, contents.end());
   open.pop_back();
-  add(std::move(finished));
+  place() = AnyCodable(JsonObject(std::move(members)));
 }
 
 }  // namespace corvane

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "CorvaneCore/json/AnyCodable.h"
@@ -11,26 +12,38 @@ namespace corvane {
 /// Builds an AnyCodable from events. Among duplicate keys of an object the last one wins.
 class JsonTree final : public JsonSink {
  public:
-  void null() override { add(AnyCodable()); }
-  void boolean(bool value) override { add(AnyCodable(value)); }
-  void integer(std::int64_t value) override { add(AnyCodable(value)); }
-  void number(double value) override { add(AnyCodable(value)); }
-  void string(std::string_view value) override { add(AnyCodable(value)); }
-  void beginArray() override { open.emplace_back(AnyCodable::Array()); }
+  void null() override { place() = AnyCodable(); }
+  void boolean(bool value) override { place() = AnyCodable(value); }
+  void integer(std::int64_t value) override { place() = AnyCodable(value); }
+  void number(double value) override { place() = AnyCodable(value); }
+  void string(std::string_view value) override { place() = AnyCodable(value); }
+  void beginArray() override { open.push_back({contents.size(), false}); }
   void endArray() override;
-  void beginObject() override { open.emplace_back(Members()); }
-  void key(std::string_view key) override;
+  void beginObject() override { open.push_back({contents.size(), true}); }
+  void key(std::string_view key) override { contents.push_back({std::string(key), {}}); }
   void endObject() override;
 
   /// The finished value; null before any event.
   [[nodiscard]] AnyCodable take() { return std::exchange(root, AnyCodable()); }
 
  private:
-  using Members = std::vector<JsonObject::Member>;
+  struct Open {
+    /// Where in `contents` its own begin.
+    std::size_t begin;
+    bool isObject;
+  };
 
-  void add(AnyCodable value);
+  /// Where the value that comes next belongs.
+  AnyCodable& place() {
+    if (open.empty()) return root;
+    if (!open.back().isObject) contents.emplace_back();
+    return contents.back().value;
+  }
 
-  std::vector<std::variant<AnyCodable::Array, Members>> open;
+  /// What the open containers hold so far, one after the other; elements of arrays have no key.
+  /// One stack for all lets each finished container have just the room it needs.
+  std::vector<JsonObject::Member> contents;
+  std::vector<Open> open;
   AnyCodable root;
 };
 

@@ -1,8 +1,10 @@
 #include "CorvaneCore/json/JsonWriter.h"
 
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cmath>
+#include <cstring>
 #include <variant>
 
 #include "CorvaneCore/json/JsonErrors.h"
@@ -27,6 +29,56 @@ constexpr std::array<char, 256> escapeTable = [] {
 }();
 
 constexpr std::string_view hexDigits = "0123456789abcdef";
+
+/// Eight bytes at once.
+using Word = std::uint64_t;
+
+constexpr Word everyByte(unsigned char byte) {
+  return Word{0x0101010101010101} * byte;
+}
+
+/// The high bit of every byte of `word` that is zero, and perhaps of bytes after such a one.
+constexpr Word zeroBytes(Word word) {
+  return (word - everyByte(1)) & ~word & everyByte(0x80);
+}
+
+/// The high bit of every byte of `word` that needs an escape, and perhaps of bytes after such a
+/// one.
+Word bytesToEscape(Word word, SlashStyle slashes) {
+  Word found = (word - everyByte(0x20)) & ~word & everyByte(0x80);
+  found |= zeroBytes(word ^ everyByte('"')) | zeroBytes(word ^ everyByte('\\'));
+  if (slashes == SlashStyle::escaped) found |= zeroBytes(word ^ everyByte('/'));
+  return found;
+}
+
+/// How many bytes at `text` stand for themselves before the first one that needs an escape; at most
+/// as many as a Word has.
+std::size_t plainBytes(const char* text, SlashStyle slashes) {
+  Word word = 0;
+  std::memcpy(&word, text, sizeof word);
+  if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap64(word);
+  return static_cast<std::size_t>(std::countr_zero(bytesToEscape(word, slashes))) / 8;
+}
+
+/// Writes a byte of a string to `out`, escaped where it must be. Returns where the next one goes,
+/// at most longestEscape further.
+char* writeByte(unsigned char byte, SlashStyle slashes, char* out) {
+  const char escape = byte == '/' && slashes == SlashStyle::escaped ? '/' : escapeTable[byte];
+  if (escape == 0) {
+    *out++ = static_cast<char>(byte);
+    return out;
+  }
+  *out++ = '\\';
+  *out++ = escape;
+  if (escape == 'u') {
+    *out++ = '0';
+    *out++ = '0';
+    *out++ = hexDigits[byte >> 4];
+    *out++ = hexDigits[byte & 15];
+  }
+  return out;
+}
+constexpr std::size_t longestEscape = 6;
 
 }  // namespace
 
@@ -70,25 +122,34 @@ void JsonWriter::string(std::string_view value) {
 }
 
 void JsonWriter::quoted(std::string_view value) {
-  text += '"';
-  std::size_t copied = 0;
-  for (std::size_t i = 0; i < value.size(); ++i) {
-    const auto byte = static_cast<unsigned char>(value[i]);
-    char escape = escapeTable[byte];
-    if (byte == '/' && slashes == SlashStyle::escaped) escape = '/';
-    if (escape == 0) continue;
-    text.append(value, copied, i - copied);
-    copied = i + 1;
-    text += '\\';
-    text += escape;
-    if (escape == 'u') {
-      text += "00";
-      text += hexDigits[byte >> 4];
-      text += hexDigits[byte & 15];
+  // What one turn of the loop writes at most, and the closing quote.
+  constexpr std::size_t room = sizeof(Word) + longestEscape + 1;
+  const std::size_t start = text.size();
+  text.resize(start + value.size() + value.size() / 8 + 1 + room);
+  char* out = text.data() + start;
+  const char* limit = text.data() + text.size() - room;
+  const char* in = value.data();
+  const char* const end = in + value.size();
+  *out++ = '"';
+  while (in != end) {
+    if (out > limit) {
+      const auto written = static_cast<std::size_t>(out - text.data());
+      text.resize(written + 2 * static_cast<std::size_t>(end - in) + room);
+      out = text.data() + written;
+      limit = text.data() + text.size() - room;
     }
+    if (static_cast<std::size_t>(end - in) >= sizeof(Word)) {
+      // Copies the word whole; what is not plain is written over.
+      std::memcpy(out, in, sizeof(Word));
+      const std::size_t plain = plainBytes(in, slashes);
+      in += plain;
+      out += plain;
+      if (plain == sizeof(Word)) continue;
+    }
+    out = writeByte(static_cast<unsigned char>(*in++), slashes, out);
   }
-  text.append(value, copied);
-  text += '"';
+  *out++ = '"';
+  text.resize(static_cast<std::size_t>(out - text.data()));
 }
 
 void JsonWriter::beginArray() {

@@ -3,11 +3,11 @@
 #include <array>
 #include <optional>
 #include <string_view>
-#include <tuple>
 #include <type_traits>
 #include <utility>
 
 #include "CorvaneCore/json/Codec.h"
+#include "CorvaneCore/json/FieldList.h"
 
 namespace corvane {
 
@@ -31,7 +31,7 @@ struct Field {
 
 /// Declares a field. A record lists its fields once, in declaration order:
 ///   static constexpr auto fields() {
-///     return std::tuple(field("name", &Record::name), field("total", &Record::total));
+///     return FieldList(field("name", &Record::name), field("total", &Record::total));
 ///   }
 /// Decoding, encoding and the paths in error texts all come from that list.
 template <class Record, class Member>
@@ -50,16 +50,15 @@ template <class T>
 struct IsOptional<std::optional<T>> : std::true_type {};
 
 template <class Record>
-inline constexpr std::size_t fieldCount = std::tuple_size_v<decltype(Record::fields())>;
+inline constexpr std::size_t fieldCount = decltype(Record::fields())::size;
 
 /// The positions of a record's fields in ascending key order, the order they are written in.
 template <class Record>
 [[nodiscard]] consteval auto sortedPositions() {
   constexpr std::size_t count = fieldCount<Record>;
   std::array<std::size_t, count> positions{};
-  const auto keys = std::apply(
-      [](const auto&... field) { return std::array<std::string_view, count>{field.key...}; },
-      Record::fields());
+  const auto keys = Record::fields().apply(
+      [](const auto&... field) { return std::array<std::string_view, count>{field.key...}; });
   for (std::size_t i = 0; i < count; ++i) {
     std::size_t at = i;
     for (; at > 0 && keys[positions[at - 1]] > keys[i]; --at) positions[at] = positions[at - 1];
@@ -104,8 +103,8 @@ void encodeField(const Field<Record, Member>& field, const Record& record, JsonS
 template <class Record>
 [[nodiscard]] Record decodeFields(AnyCodable::Object& object, const DecodePath& at) {
   Record record;
-  std::apply([&](const auto&... field) { (decodeField(field, object, record, at), ...); },
-             Record::fields());
+  Record::fields().apply(
+      [&](const auto&... field) { (decodeField(field, object, record, at), ...); });
   return record;
 }
 
@@ -115,14 +114,16 @@ void encodeFields(const Record& record, JsonSink& sink, BeforeField beforeField)
   [[maybe_unused]] static constexpr auto order = sortedPositions<Record>();
   [[maybe_unused]] static constexpr auto fields = Record::fields();
   [&]<std::size_t... I>(std::index_sequence<I...>) {
-    ((beforeField(std::get<order[I]>(fields).key),
-      encodeField(std::get<order[I]>(fields), record, sink)),
+    ((beforeField(fields.template at<order[I]>().key),
+      encodeField(fields.template at<order[I]>(), record, sink)),
      ...);
   }(std::make_index_sequence<fieldCount<Record>>());
 }
 
 }  // namespace record_detail
 
+/// Large records are declared `extern template struct Codec<...>` beside themselves and
+/// instantiated in one source, so that not every source that touches one compiles its codec.
 template <DeclaredRecord Record>
 struct Codec<Record> {
   static Record decode(AnyCodable&& value, const DecodePath& at) {

@@ -40,17 +40,17 @@ struct AgentExploreRequest {
 
   static constexpr auto fields() {
     using R = AgentExploreRequest;
-    return std::tuple(field("schemaVersion", &R::schemaVersion), field("requestId", &R::requestId),
-                      field("projectName", &R::projectName), field("goal", &R::goal),
-                      field("testName", &R::testName), field("targetPlatform", &R::targetPlatform),
-                      field("maxCreditSpend", &R::maxCreditSpend),
-                      field("clientName", &R::clientName),
-                      field("resumeFromTestId", &R::resumeFromTestId),
-                      field("resumeFromTestName", &R::resumeFromTestName),
-                      field("iosProjectPath", &R::iosProjectPath),
-                      field("bundleIdentifier", &R::bundleIdentifier),
-                      field("androidProjectPath", &R::androidProjectPath),
-                      field("applicationId", &R::applicationId), field("createdAt", &R::createdAt));
+    return FieldList(field("schemaVersion", &R::schemaVersion), field("requestId", &R::requestId),
+                     field("projectName", &R::projectName), field("goal", &R::goal),
+                     field("testName", &R::testName), field("targetPlatform", &R::targetPlatform),
+                     field("maxCreditSpend", &R::maxCreditSpend),
+                     field("clientName", &R::clientName),
+                     field("resumeFromTestId", &R::resumeFromTestId),
+                     field("resumeFromTestName", &R::resumeFromTestName),
+                     field("iosProjectPath", &R::iosProjectPath),
+                     field("bundleIdentifier", &R::bundleIdentifier),
+                     field("androidProjectPath", &R::androidProjectPath),
+                     field("applicationId", &R::applicationId), field("createdAt", &R::createdAt));
   }
 
   /// The place of the request file; the id is used exactly as given.
@@ -65,5 +65,7 @@ struct AgentExploreRequest {
     return readRecord<AgentExploreRequest>(from);
   }
 };
+
+extern template struct Codec<AgentExploreRequest>;
 
 }  // namespace corvane

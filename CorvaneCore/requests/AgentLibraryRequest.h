@@ -41,12 +41,12 @@ struct AgentLibraryRequest {
 
   static constexpr auto fields() {
     using R = AgentLibraryRequest;
-    return std::tuple(field("schemaVersion", &R::schemaVersion), field("requestId", &R::requestId),
-                      field("projectName", &R::projectName), field("action", &R::action),
-                      field("testName", &R::testName), field("testId", &R::testId),
-                      field("fromStep", &R::fromStep), field("toStep", &R::toStep),
-                      field("udiName", &R::udiName), field("overwrite", &R::overwrite),
-                      field("clientName", &R::clientName), field("createdAt", &R::createdAt));
+    return FieldList(field("schemaVersion", &R::schemaVersion), field("requestId", &R::requestId),
+                     field("projectName", &R::projectName), field("action", &R::action),
+                     field("testName", &R::testName), field("testId", &R::testId),
+                     field("fromStep", &R::fromStep), field("toStep", &R::toStep),
+                     field("udiName", &R::udiName), field("overwrite", &R::overwrite),
+                     field("clientName", &R::clientName), field("createdAt", &R::createdAt));
   }
 
   /// The place of the request file; the id is used exactly as given.
@@ -71,5 +71,7 @@ struct Vocabulary<AgentLibraryRequest::Action> {
       VocabularyRow<Action>{Action::resetWorldMap, "resetWorldMap"},
   };
 };
+
+extern template struct Codec<AgentLibraryRequest>;
 
 }  // namespace corvane

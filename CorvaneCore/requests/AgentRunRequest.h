@@ -29,7 +29,7 @@ struct AgentRunRequest {
       std::vector<std::string> testNames;
 
       static constexpr auto fields() {
-        return std::tuple(field("testNames", &TestsByName::testNames));
+        return FieldList(field("testNames", &TestsByName::testNames));
       }
       friend bool operator==(const TestsByName&, const TestsByName&) = default;
     };
@@ -38,13 +38,13 @@ struct AgentRunRequest {
       std::string suiteName;
 
       static constexpr auto fields() {
-        return std::tuple(field("suiteName", &SuiteByName::suiteName));
+        return FieldList(field("suiteName", &SuiteByName::suiteName));
       }
       friend bool operator==(const SuiteByName&, const SuiteByName&) = default;
     };
     /// Every test of the project.
     struct AllSuites {
-      static constexpr auto fields() { return std::tuple(); }
+      static constexpr auto fields() { return FieldList(); }
       friend bool operator==(const AllSuites&, const AllSuites&) = default;
     };
 
@@ -68,12 +68,12 @@ struct AgentRunRequest {
 
   static constexpr auto fields() {
     using R = AgentRunRequest;
-    return std::tuple(field("schemaVersion", &R::schemaVersion), field("requestId", &R::requestId),
-                      field("projectName", &R::projectName), field("target", &R::target),
-                      field("params", &R::params), field("buildFirst", &R::buildFirst),
-                      field("targetPlatform", &R::targetPlatform),
-                      field("clientName", &R::clientName), field("createdAt", &R::createdAt),
-                      field("simulatorUDID", &R::simulatorUDID));
+    return FieldList(field("schemaVersion", &R::schemaVersion), field("requestId", &R::requestId),
+                     field("projectName", &R::projectName), field("target", &R::target),
+                     field("params", &R::params), field("buildFirst", &R::buildFirst),
+                     field("targetPlatform", &R::targetPlatform),
+                     field("clientName", &R::clientName), field("createdAt", &R::createdAt),
+                     field("simulatorUDID", &R::simulatorUDID));
   }
 
   /// The place of the request file; the id is used exactly as given.
@@ -98,5 +98,7 @@ struct Vocabulary<AgentRunRequest::Target::Kind> {
       VocabularyRow<Kind>{Kind::allSuites, "allSuites"},
   };
 };
+
+extern template struct Codec<AgentRunRequest>;
 
 }  // namespace corvane

@@ -21,8 +21,8 @@ struct CancelMarker {
 
   static constexpr auto fields() {
     using R = CancelMarker;
-    return std::tuple(field("schemaVersion", &R::schemaVersion), field("requestId", &R::requestId),
-                      field("createdAt", &R::createdAt));
+    return FieldList(field("schemaVersion", &R::schemaVersion), field("requestId", &R::requestId),
+                     field("createdAt", &R::createdAt));
   }
 
   [[nodiscard]] static std::filesystem::path fileURL(std::string_view requestId,
@@ -32,5 +32,7 @@ struct CancelMarker {
   /// Throws EncodeError or FileError.
   void write(const AgentPaths& in) const { writeRecord(*this, fileURL(requestId, in)); }
 };
+
+extern template struct Codec<CancelMarker>;
 
 }  // namespace corvane

@@ -29,9 +29,9 @@ struct AgentRunResult {
 
     static constexpr auto fields() {
       using R = Progress;
-      return std::tuple(field("currentStep", &R::currentStep), field("totalSteps", &R::totalSteps),
-                        field("lastStepStatus", &R::lastStepStatus),
-                        field("lastStepTitle", &R::lastStepTitle));
+      return FieldList(field("currentStep", &R::currentStep), field("totalSteps", &R::totalSteps),
+                       field("lastStepStatus", &R::lastStepStatus),
+                       field("lastStepTitle", &R::lastStepTitle));
     }
   };
 
@@ -43,8 +43,8 @@ struct AgentRunResult {
 
     static constexpr auto fields() {
       using R = BlockedInfo;
-      return std::tuple(field("code", &R::code), field("message", &R::message),
-                        field("url", &R::url));
+      return FieldList(field("code", &R::code), field("message", &R::message),
+                       field("url", &R::url));
     }
   };
 
@@ -60,12 +60,12 @@ struct AgentRunResult {
 
     static constexpr auto fields() {
       using R = Step;
-      return std::tuple(field("index", &R::index), field("title", &R::title),
-                        field("description", &R::description), field("status", &R::status),
-                        // Older app versions wrote the reason under this other key.
-                        field("failureReason", &R::failureReason).orElse("errorMessage"),
-                        field("healedByAI", &R::healedByAI).withDefault(),
-                        field("durationSeconds", &R::durationSeconds));
+      return FieldList(field("index", &R::index), field("title", &R::title),
+                       field("description", &R::description), field("status", &R::status),
+                       // Older app versions wrote the reason under this other key.
+                       field("failureReason", &R::failureReason).orElse("errorMessage"),
+                       field("healedByAI", &R::healedByAI).withDefault(),
+                       field("durationSeconds", &R::durationSeconds));
     }
   };
 
@@ -78,9 +78,9 @@ struct AgentRunResult {
 
     static constexpr auto fields() {
       using R = TraceInfo;
-      return std::tuple(field("artifactsDir", &R::artifactsDir),
-                        field("failedStepIndex", &R::failedStepIndex),
-                        field("lastStepIndex", &R::lastStepIndex));
+      return FieldList(field("artifactsDir", &R::artifactsDir),
+                       field("failedStepIndex", &R::failedStepIndex),
+                       field("lastStepIndex", &R::lastStepIndex));
     }
   };
 
@@ -94,9 +94,9 @@ struct AgentRunResult {
 
     static constexpr auto fields() {
       using R = Test;
-      return std::tuple(field("testId", &R::testId), field("testName", &R::testName),
-                        field("status", &R::status), field("durationSeconds", &R::durationSeconds),
-                        field("steps", &R::steps), field("trace", &R::trace));
+      return FieldList(field("testId", &R::testId), field("testName", &R::testName),
+                       field("status", &R::status), field("durationSeconds", &R::durationSeconds),
+                       field("steps", &R::steps), field("trace", &R::trace));
     }
   };
 
@@ -107,8 +107,8 @@ struct AgentRunResult {
 
     static constexpr auto fields() {
       using R = Summary;
-      return std::tuple(field("tests", &R::tests), field("testsPassed", &R::testsPassed),
-                        field("durationSeconds", &R::durationSeconds));
+      return FieldList(field("tests", &R::tests), field("testsPassed", &R::testsPassed),
+                       field("durationSeconds", &R::durationSeconds));
     }
   };
 
@@ -119,8 +119,8 @@ struct AgentRunResult {
 
     static constexpr auto fields() {
       using R = AppIdentity;
-      return std::tuple(field("bundleId", &R::bundleId), field("version", &R::version),
-                        field("build", &R::build));
+      return FieldList(field("bundleId", &R::bundleId), field("version", &R::version),
+                       field("build", &R::build));
     }
   };
 
@@ -132,9 +132,9 @@ struct AgentRunResult {
 
     static constexpr auto fields() {
       using R = AuthoredTestInfo;
-      return std::tuple(field("testId", &R::testId), field("testName", &R::testName),
-                        field("stepCount", &R::stepCount),
-                        field("completionPercent", &R::completionPercent));
+      return FieldList(field("testId", &R::testId), field("testName", &R::testName),
+                       field("stepCount", &R::stepCount),
+                       field("completionPercent", &R::completionPercent));
     }
   };
 
@@ -146,9 +146,9 @@ struct AgentRunResult {
 
     static constexpr auto fields() {
       using R = UdiInfo;
-      return std::tuple(field("udiId", &R::udiId), field("name", &R::name),
-                        field("stepCount", &R::stepCount),
-                        field("parameterNames", &R::parameterNames));
+      return FieldList(field("udiId", &R::udiId), field("name", &R::name),
+                       field("stepCount", &R::stepCount),
+                       field("parameterNames", &R::parameterNames));
     }
   };
 
@@ -178,18 +178,18 @@ struct AgentRunResult {
 
   static constexpr auto fields() {
     using R = AgentRunResult;
-    return std::tuple(field("schemaVersion", &R::schemaVersion), field("requestId", &R::requestId),
-                      field("source", &R::source), field("status", &R::status),
-                      field("terminal", &R::terminal), field("updatedAt", &R::updatedAt),
-                      field("projectName", &R::projectName), field("platform", &R::platform),
-                      field("message", &R::message), field("progress", &R::progress),
-                      field("queuePosition", &R::queuePosition), field("blocked", &R::blocked),
-                      field("validationIssues", &R::validationIssues), field("tests", &R::tests),
-                      field("summary", &R::summary), field("appUnderTest", &R::appUnderTest),
-                      field("creditsSpent", &R::creditsSpent),
-                      field("creditBalance", &R::creditBalance), field("trace", &R::trace),
-                      field("authoredTest", &R::authoredTest),
-                      field("authoredTests", &R::authoredTests), field("udi", &R::udi));
+    return FieldList(field("schemaVersion", &R::schemaVersion), field("requestId", &R::requestId),
+                     field("source", &R::source), field("status", &R::status),
+                     field("terminal", &R::terminal), field("updatedAt", &R::updatedAt),
+                     field("projectName", &R::projectName), field("platform", &R::platform),
+                     field("message", &R::message), field("progress", &R::progress),
+                     field("queuePosition", &R::queuePosition), field("blocked", &R::blocked),
+                     field("validationIssues", &R::validationIssues), field("tests", &R::tests),
+                     field("summary", &R::summary), field("appUnderTest", &R::appUnderTest),
+                     field("creditsSpent", &R::creditsSpent),
+                     field("creditBalance", &R::creditBalance), field("trace", &R::trace),
+                     field("authoredTest", &R::authoredTest),
+                     field("authoredTests", &R::authoredTests), field("udi", &R::udi));
   }
 
   /// Sets the status together with the `terminal` flag that belongs to it.
@@ -209,5 +209,7 @@ struct AgentRunResult {
     return readRecord<AgentRunResult>(from);
   }
 };
+
+extern template struct Codec<AgentRunResult>;
 
 }  // namespace corvane

@@ -71,6 +71,12 @@ std::string toValidUtf8(std::string_view text) {
   return valid;
 }
 
+void appendUtf8(std::string& text, char32_t codePoint) {
+  std::array<utf8proc_uint8_t, 4> bytes;
+  const auto length = utf8proc_encode_char(static_cast<utf8proc_int32_t>(codePoint), bytes.data());
+  text.append(bytes.begin(), bytes.begin() + length);
+}
+
 std::string_view trimWhitespace(std::string_view text) {
   while (!text.empty()) {
     const Character first = firstCharacter(text);

@@ -13,6 +13,9 @@ namespace corvane {
 /// (file names, system messages) that goes into JSON or a log line.
 [[nodiscard]] std::string toValidUtf8(std::string_view text);
 
+/// Appends a Unicode scalar value to `text`.
+void appendUtf8(std::string& text, char32_t codePoint);
+
 /// `text` without the Unicode white space and newlines at its ends. `text` is valid UTF-8.
 [[nodiscard]] std::string_view trimWhitespace(std::string_view text);
 

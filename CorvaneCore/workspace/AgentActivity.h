@@ -24,8 +24,8 @@ struct AgentActivity {
 
     static constexpr auto fields() {
       using R = ActiveRequest;
-      return std::tuple(field("requestId", &R::requestId), field("kind", &R::kind),
-                        field("startedAt", &R::startedAt));
+      return FieldList(field("requestId", &R::requestId), field("kind", &R::kind),
+                       field("startedAt", &R::startedAt));
     }
   };
 
@@ -37,8 +37,8 @@ struct AgentActivity {
 
     static constexpr auto fields() {
       using R = QueuedRequest;
-      return std::tuple(field("requestId", &R::requestId), field("kind", &R::kind),
-                        field("position", &R::position));
+      return FieldList(field("requestId", &R::requestId), field("kind", &R::kind),
+                       field("position", &R::position));
     }
   };
 
@@ -50,8 +50,8 @@ struct AgentActivity {
 
     static constexpr auto fields() {
       using R = Device;
-      return std::tuple(field("platform", &R::platform), field("name", &R::name),
-                        field("connected", &R::connected));
+      return FieldList(field("platform", &R::platform), field("name", &R::name),
+                       field("connected", &R::connected));
     }
   };
 
@@ -69,10 +69,10 @@ struct AgentActivity {
 
   static constexpr auto fields() {
     using R = AgentActivity;
-    return std::tuple(field("schemaVersion", &R::schemaVersion), field("updatedAt", &R::updatedAt),
-                      field("active", &R::active), field("queued", &R::queued),
-                      field("schedulerBusy", &R::schedulerBusy),
-                      field("authoringActive", &R::authoringActive), field("device", &R::device));
+    return FieldList(field("schemaVersion", &R::schemaVersion), field("updatedAt", &R::updatedAt),
+                     field("active", &R::active), field("queued", &R::queued),
+                     field("schedulerBusy", &R::schedulerBusy),
+                     field("authoringActive", &R::authoringActive), field("device", &R::device));
   }
 
   /// Throws EncodeError or FileError.
@@ -88,5 +88,7 @@ struct AgentActivity {
     }
   }
 };
+
+extern template struct Codec<AgentActivity>;
 
 }  // namespace corvane

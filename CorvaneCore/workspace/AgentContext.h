@@ -22,7 +22,7 @@ struct AgentContext {
 
     static constexpr auto fields() {
       using R = SuiteContext;
-      return std::tuple(field("name", &R::name), field("testIds", &R::testIds));
+      return FieldList(field("name", &R::name), field("testIds", &R::testIds));
     }
   };
 
@@ -33,7 +33,7 @@ struct AgentContext {
 
     static constexpr auto fields() {
       using R = LastFailure;
-      return std::tuple(field("stepTitle", &R::stepTitle), field("errorMessage", &R::errorMessage));
+      return FieldList(field("stepTitle", &R::stepTitle), field("errorMessage", &R::errorMessage));
     }
   };
 
@@ -46,9 +46,9 @@ struct AgentContext {
 
     static constexpr auto fields() {
       using R = StepSummary;
-      return std::tuple(field("type", &R::type), field("description", &R::description),
-                        field("previousStepCondition", &R::previousStepCondition),
-                        field("children", &R::children));
+      return FieldList(field("type", &R::type), field("description", &R::description),
+                       field("previousStepCondition", &R::previousStepCondition),
+                       field("children", &R::children));
     }
   };
 
@@ -70,12 +70,12 @@ struct AgentContext {
 
     static constexpr auto fields() {
       using R = TestContext;
-      return std::tuple(field("id", &R::id), field("name", &R::name),
-                        field("description", &R::description),
-                        field("parameterNames", &R::parameterNames), field("steps", &R::steps),
-                        field("autoScaffold", &R::autoScaffold),
-                        field("flakinessScore", &R::flakinessScore), field("isFlaky", &R::isFlaky),
-                        field("lastFailure", &R::lastFailure), field("verified", &R::verified));
+      return FieldList(field("id", &R::id), field("name", &R::name),
+                       field("description", &R::description),
+                       field("parameterNames", &R::parameterNames), field("steps", &R::steps),
+                       field("autoScaffold", &R::autoScaffold),
+                       field("flakinessScore", &R::flakinessScore), field("isFlaky", &R::isFlaky),
+                       field("lastFailure", &R::lastFailure), field("verified", &R::verified));
     }
   };
 
@@ -94,14 +94,14 @@ struct AgentContext {
 
     static constexpr auto fields() {
       using R = ProjectContext;
-      return std::tuple(field("name", &R::name), field("platform", &R::platform),
-                        field("bundleIdentifier", &R::bundleIdentifier),
-                        field("applicationId", &R::applicationId),
-                        field("buildBeforeScheduledRuns", &R::buildBeforeScheduledRuns),
-                        field("iosBuildConfigured", &R::iosBuildConfigured),
-                        field("androidBuildConfigured", &R::androidBuildConfigured),
-                        field("suites", &R::suites), field("tests", &R::tests),
-                        field("worldMap", &R::worldMap));
+      return FieldList(field("name", &R::name), field("platform", &R::platform),
+                       field("bundleIdentifier", &R::bundleIdentifier),
+                       field("applicationId", &R::applicationId),
+                       field("buildBeforeScheduledRuns", &R::buildBeforeScheduledRuns),
+                       field("iosBuildConfigured", &R::iosBuildConfigured),
+                       field("androidBuildConfigured", &R::androidBuildConfigured),
+                       field("suites", &R::suites), field("tests", &R::tests),
+                       field("worldMap", &R::worldMap));
     }
   };
 
@@ -114,9 +114,9 @@ struct AgentContext {
 
     static constexpr auto fields() {
       using R = DeviceContext;
-      return std::tuple(field("platform", &R::platform), field("name", &R::name),
-                        field("udid", &R::udid), field("state", &R::state),
-                        field("connected", &R::connected));
+      return FieldList(field("platform", &R::platform), field("name", &R::name),
+                       field("udid", &R::udid), field("state", &R::state),
+                       field("connected", &R::connected));
     }
   };
 
@@ -130,9 +130,9 @@ struct AgentContext {
 
     static constexpr auto fields() {
       using R = UdiContext;
-      return std::tuple(field("id", &R::id), field("name", &R::name),
-                        field("parameterNames", &R::parameterNames), field("steps", &R::steps),
-                        field("sourceProjectName", &R::sourceProjectName));
+      return FieldList(field("id", &R::id), field("name", &R::name),
+                       field("parameterNames", &R::parameterNames), field("steps", &R::steps),
+                       field("sourceProjectName", &R::sourceProjectName));
     }
   };
 
@@ -146,11 +146,11 @@ struct AgentContext {
 
   static constexpr auto fields() {
     using R = AgentContext;
-    return std::tuple(field("schemaVersion", &R::schemaVersion), field("updatedAt", &R::updatedAt),
-                      field("appVersion", &R::appVersion),
-                      field("currentProjectName", &R::currentProjectName),
-                      field("projects", &R::projects), field("device", &R::device),
-                      field("userDefinedInteractions", &R::userDefinedInteractions));
+    return FieldList(field("schemaVersion", &R::schemaVersion), field("updatedAt", &R::updatedAt),
+                     field("appVersion", &R::appVersion),
+                     field("currentProjectName", &R::currentProjectName),
+                     field("projects", &R::projects), field("device", &R::device),
+                     field("userDefinedInteractions", &R::userDefinedInteractions));
   }
 
   /// Throws EncodeError or FileError.
@@ -160,5 +160,7 @@ struct AgentContext {
     return readRecord<AgentContext>(from);
   }
 };
+
+extern template struct Codec<AgentContext>;
 
 }  // namespace corvane

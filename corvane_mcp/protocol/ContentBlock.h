@@ -15,7 +15,7 @@ struct ContentBlock {
   struct Text {
     std::string text;
 
-    static constexpr auto fields() { return std::tuple(field("text", &Text::text)); }
+    static constexpr auto fields() { return FieldList(field("text", &Text::text)); }
   };
   struct Image {
     /// The image's bytes in standard base64.
@@ -23,7 +23,7 @@ struct ContentBlock {
     std::string mimeType;
 
     static constexpr auto fields() {
-      return std::tuple(field("data", &Image::data), field("mimeType", &Image::mimeType));
+      return FieldList(field("data", &Image::data), field("mimeType", &Image::mimeType));
     }
   };
 

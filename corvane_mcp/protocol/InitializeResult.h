@@ -13,7 +13,7 @@ struct ServerInfo {
 
   static constexpr auto fields() {
     using R = ServerInfo;
-    return std::tuple(field("name", &R::name), field("version", &R::version));
+    return FieldList(field("name", &R::name), field("version", &R::version));
   }
 };
 
@@ -23,7 +23,7 @@ struct ToolsCapability {
 
   static constexpr auto fields() {
     using R = ToolsCapability;
-    return std::tuple(field("listChanged", &R::listChanged));
+    return FieldList(field("listChanged", &R::listChanged));
   }
 };
 
@@ -32,7 +32,7 @@ struct ServerCapabilities {
 
   static constexpr auto fields() {
     using R = ServerCapabilities;
-    return std::tuple(field("tools", &R::tools));
+    return FieldList(field("tools", &R::tools));
   }
 };
 
@@ -44,8 +44,8 @@ struct InitializeResult {
 
   static constexpr auto fields() {
     using R = InitializeResult;
-    return std::tuple(field("protocolVersion", &R::protocolVersion),
-                      field("capabilities", &R::capabilities), field("serverInfo", &R::serverInfo));
+    return FieldList(field("protocolVersion", &R::protocolVersion),
+                     field("capabilities", &R::capabilities), field("serverInfo", &R::serverInfo));
   }
 };
 

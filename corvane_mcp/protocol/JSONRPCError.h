@@ -26,8 +26,8 @@ struct JSONRPCError : std::exception {
 
   static constexpr auto fields() {
     using R = JSONRPCError;
-    return std::tuple(field("code", &R::code), field("message", &R::message),
-                      field("data", &R::data));
+    return FieldList(field("code", &R::code), field("message", &R::message),
+                     field("data", &R::data));
   }
 };
 

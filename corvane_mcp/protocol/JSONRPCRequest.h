@@ -19,8 +19,8 @@ struct JSONRPCRequest {
 
   static constexpr auto fields() {
     using R = JSONRPCRequest;
-    return std::tuple(field("jsonrpc", &R::jsonrpc), field("id", &R::id),
-                      field("method", &R::method), field("params", &R::params));
+    return FieldList(field("jsonrpc", &R::jsonrpc), field("id", &R::id),
+                     field("method", &R::method), field("params", &R::params));
   }
 };
 

@@ -9,26 +9,30 @@
 
 namespace corvane {
 
-/// One reply. Exactly one of `result` and `error` is set in every reply the server writes.
-struct JSONRPCResponse {
+/// One reply. Exactly one of `result` and `error` is set in every reply the server writes. A Result
+/// that is a record of its own is written without a detour through AnyCodable.
+template <class Result>
+struct JSONRPCResponseWith {
   std::string jsonrpc = "2.0";
   /// The request's id, or null when it could not be known.
   JSONRPCID id;
-  std::optional<AnyCodable> result;
+  std::optional<Result> result;
   std::optional<JSONRPCError> error;
 
-  [[nodiscard]] static JSONRPCResponse success(JSONRPCID id, AnyCodable result) {
+  [[nodiscard]] static JSONRPCResponseWith success(JSONRPCID id, Result result) {
     return {.id = std::move(id), .result = std::move(result), .error = std::nullopt};
   }
-  [[nodiscard]] static JSONRPCResponse failure(JSONRPCID id, JSONRPCError error) {
+  [[nodiscard]] static JSONRPCResponseWith failure(JSONRPCID id, JSONRPCError error) {
     return {.id = std::move(id), .result = std::nullopt, .error = std::move(error)};
   }
 
   static constexpr auto fields() {
-    using R = JSONRPCResponse;
-    return std::tuple(field("jsonrpc", &R::jsonrpc), field("id", &R::id),
-                      field("result", &R::result), field("error", &R::error));
+    using R = JSONRPCResponseWith;
+    return FieldList(field("jsonrpc", &R::jsonrpc), field("id", &R::id),
+                     field("result", &R::result), field("error", &R::error));
   }
 };
+
+using JSONRPCResponse = JSONRPCResponseWith<AnyCodable>;
 
 }  // namespace corvane

@@ -15,7 +15,7 @@ struct ToolsCallParams {
 
   static constexpr auto fields() {
     using R = ToolsCallParams;
-    return std::tuple(field("name", &R::name), field("arguments", &R::arguments));
+    return FieldList(field("name", &R::name), field("arguments", &R::arguments));
   }
 };
 

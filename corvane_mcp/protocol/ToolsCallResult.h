@@ -25,7 +25,7 @@ struct ToolsCallResult {
 
   static constexpr auto fields() {
     using R = ToolsCallResult;
-    return std::tuple(field("content", &R::content), field("isError", &R::isError));
+    return FieldList(field("content", &R::content), field("isError", &R::isError));
   }
 
  private:

@@ -16,8 +16,8 @@ struct ToolDescriptor {
 
   static constexpr auto fields() {
     using R = ToolDescriptor;
-    return std::tuple(field("name", &R::name), field("description", &R::description),
-                      field("inputSchema", &R::inputSchema));
+    return FieldList(field("name", &R::name), field("description", &R::description),
+                     field("inputSchema", &R::inputSchema));
   }
 };
 
@@ -27,7 +27,7 @@ struct ToolsListResult {
 
   static constexpr auto fields() {
     using R = ToolsListResult;
-    return std::tuple(field("tools", &R::tools));
+    return FieldList(field("tools", &R::tools));
   }
 };
 

@@ -23,12 +23,9 @@ constexpr std::size_t mostQueuedBytes = std::size_t{4} << 20;
 /// Lines that come this close together share one opening of the file.
 constexpr std::chrono::milliseconds lingering{2};
 
-/// How long a reader of standard error may hold up the server, once.
-constexpr std::chrono::milliseconds readersPatience{1000};
-
 }  // namespace
 
-Logger::Logger(std::filesystem::path file)
+Logger::Logger(std::filesystem::path file, std::chrono::milliseconds readersPatience)
     : logFile(std::move(file)), errorStream(STDERR_FILENO, readersPatience) {
   ensureDirectoryExists(logFile.parent_path());
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <filesystem>
 #include <mutex>
@@ -19,8 +20,10 @@ class Logger {
  public:
   enum class Level { info, warn, error };
 
-  /// Creates the log file's folder, with parents.
-  explicit Logger(std::filesystem::path logFile);
+  /// Creates the log file's folder, with parents. Whoever reads standard error may pause for
+  /// `readersPatience` before lines are dropped there.
+  explicit Logger(std::filesystem::path logFile,
+                  std::chrono::milliseconds readersPatience = std::chrono::seconds(1));
   Logger(const Logger&) = delete;
   Logger& operator=(const Logger&) = delete;
   /// Returns when every line is in the file.

@@ -119,7 +119,7 @@ void MCPServer::startToolsCall(JSONRPCRequest request) {
 
 Task<void> MCPServer::respondToToolsCall(JSONRPCRequest request) {
   std::exception_ptr failure;
-  AnyCodable result;
+  ToolsCallResult result;
   try {
     result = co_await handleToolsCall(std::move(request.params));
   } catch (...) {
@@ -128,11 +128,12 @@ Task<void> MCPServer::respondToToolsCall(JSONRPCRequest request) {
   if (failure) {
     replyWithFailure(request.id, failure, toolsCallFailure(), Delivery::now);
   } else if (request.id) {
-    send(JSONRPCResponse::success(*request.id, std::move(result)), Delivery::now);
+    send(JSONRPCResponseWith<ToolsCallResult>::success(*request.id, std::move(result)),
+         Delivery::now);
   }
 }
 
-Task<AnyCodable> MCPServer::handleToolsCall(std::optional<AnyCodable> params) {
+Task<ToolsCallResult> MCPServer::handleToolsCall(std::optional<AnyCodable> params) {
   if (!params) throw JSONRPCError(JSONRPCError::invalidParams, "tools/call requires params");
   ToolCall call;
   if (auto token = progressToken(*params)) call.progress.emplace(parts.writer, std::move(*token));
@@ -146,7 +147,7 @@ Task<AnyCodable> MCPServer::handleToolsCall(std::optional<AnyCodable> params) {
   call.arguments = std::move(decoded.arguments);
   parts.logger.info("tools/call " + decoded.name + ": progressToken " +
                     (call.progress ? "present" : "ABSENT"));
-  co_return encodeValue(co_await parts.registry.call(std::move(decoded.name), std::move(call)));
+  co_return co_await parts.registry.call(std::move(decoded.name), std::move(call));
 }
 
 void MCPServer::replyToUnreadable(std::string_view description) {
@@ -172,11 +173,12 @@ void MCPServer::replyWithFailure(const std::optional<JSONRPCID>& id,
   if (id) send(JSONRPCResponse::failure(*id, std::move(error)), delivery);
 }
 
-void MCPServer::send(const JSONRPCResponse& response, Delivery delivery) {
+template <class Result>
+void MCPServer::send(const JSONRPCResponseWith<Result>& response, Delivery delivery) {
   try {
-    const std::string message = AgentWire::encode(response);
+    std::string message = AgentWire::encode(response);
     if (delivery == Delivery::now) {
-      parts.writer.send(message);
+      parts.writer.send(std::move(message));
     } else {
       parts.writer.queue(message);
     }

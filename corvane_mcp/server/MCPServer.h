@@ -45,7 +45,7 @@ class MCPServer {
   InitializeResult handleInitialize(const std::optional<AnyCodable>& params);
   void startToolsCall(JSONRPCRequest request);
   Task<void> respondToToolsCall(JSONRPCRequest request);
-  Task<AnyCodable> handleToolsCall(std::optional<AnyCodable> params);
+  Task<ToolsCallResult> handleToolsCall(std::optional<AnyCodable> params);
 
   /// How the log speaks of a request that failed.
   struct FailureTexts {
@@ -62,7 +62,8 @@ class MCPServer {
   void replyToUnreadable(std::string_view description);
   void replyWithFailure(const std::optional<JSONRPCID>& id, const std::exception_ptr& failure,
                         const FailureTexts& texts, Delivery delivery);
-  void send(const JSONRPCResponse& response, Delivery delivery);
+  template <class Result>
+  void send(const JSONRPCResponseWith<Result>& response, Delivery delivery);
 
   Parts parts;
   JsonReader reader;

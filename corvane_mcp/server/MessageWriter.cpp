@@ -30,26 +30,23 @@ void writeWhole(int descriptor, std::string_view text) {
 
 }  // namespace
 
-void MessageWriter::send(std::string_view message) {
+void MessageWriter::send(std::string message) {
+  message += '\n';
   const std::scoped_lock lock(mutex);
-  append(message);
-  writePending();
+  if (!pending.empty()) writePending();
+  writeWhole(output.get(), message);
 }
 
 void MessageWriter::queue(std::string_view message) {
   const std::scoped_lock lock(mutex);
-  append(message);
+  pending.append(message);
+  pending += '\n';
   if (pending.size() >= mostPending) writePending();
 }
 
 void MessageWriter::flush() {
   const std::scoped_lock lock(mutex);
   if (!pending.empty()) writePending();
-}
-
-void MessageWriter::append(std::string_view message) {
-  pending.append(message);
-  pending += '\n';
 }
 
 void MessageWriter::writePending() {

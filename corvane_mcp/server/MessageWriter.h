@@ -17,14 +17,13 @@ class MessageWriter {
   explicit MessageWriter(FileDescriptor output) : output(std::move(output)) {}
 
   /// Writes a message, and those queued before it, now.
-  void send(std::string_view message);
+  void send(std::string message);
   /// Keeps a message back to leave together with later ones; flush() must follow soon.
   void queue(std::string_view message);
   /// Writes what is queued.
   void flush();
 
  private:
-  void append(std::string_view message);
   void writePending();
 
   std::mutex mutex;

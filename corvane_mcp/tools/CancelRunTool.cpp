@@ -43,7 +43,7 @@ AnyCodable CancelRunTool::inputSchema() const {
 }
 
 Task<ToolsCallResult> CancelRunTool::call(ToolCall call) const {
-  const auto given = readArguments<Arguments>(call, name()).requestId;
+  const auto given = takeArguments<Arguments>(call, name()).requestId;
   const auto id = parseRequestId(given.value_or(""));
   if (!id) co_return ToolsCallResult::failure(RequestIdArgument::invalidText(given));
 

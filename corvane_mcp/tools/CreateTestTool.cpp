@@ -62,12 +62,12 @@ AnyCodable CreateTestTool::inputSchema() const {
 }
 
 Task<ToolsCallResult> CreateTestTool::call(ToolCall call) const {
-  const JsonObject& arguments = requireArguments(call, name());
+  JsonObject& arguments = requireArguments(call, name());
   if (auto reason = TestPayloadArguments::refusal(arguments)) {
     co_return ToolsCallResult::failure(std::move(*reason));
   }
   auto payload = Dispatch::newRequest<AgentTestSchema>(services);
-  TestPayloadArguments::copyInto(payload, arguments);
+  TestPayloadArguments::moveInto(payload, arguments);
 
   const ValidationResult validation = TestValidator::validate(payload);
   if (validation.hasErrors()) {

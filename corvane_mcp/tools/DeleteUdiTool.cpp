@@ -35,7 +35,7 @@ AnyCodable DeleteUdiTool::inputSchema() const {
 }
 
 Task<ToolsCallResult> DeleteUdiTool::call(ToolCall call) const {
-  const auto given = readArgumentsIfAny<Arguments>(call).udiName.value_or("");
+  const auto given = takeArgumentsIfAny<Arguments>(call).udiName.value_or("");
   const auto udiName = trimWhitespace(given);
   if (udiName.empty()) co_return invalidArguments("delete_udi requires udiName.");
 

@@ -34,7 +34,7 @@ ToolsCallResult contextUnavailable(const std::filesystem::path& file) {
 ToolsCallResult unknownProject(const std::string& name, const PublishedContext& context) {
   std::vector<std::string_view> known;
   for (const auto& project : context.projects()) {
-    if (const auto* text = project.name ? project.name->string() : nullptr) known.push_back(*text);
+    if (const auto* text = project.name.string()) known.push_back(*text);
   }
   std::sort(known.begin(), known.end());
   std::string names;
@@ -47,8 +47,8 @@ ToolsCallResult unknownProject(const std::string& name, const PublishedContext& 
 
 AnyCodable summary(const PublishedContext::Project& project) {
   JsonObject summary{{"testCount", project.testCount}};
-  if (project.name) summary.set("name", *project.name);
-  if (project.platform) summary.set("platform", *project.platform);
+  if (!project.name.isNull()) summary.set("name", project.name);
+  if (!project.platform.isNull()) summary.set("platform", project.platform);
   return summary;
 }
 
@@ -98,7 +98,7 @@ AnyCodable DescribeProjectTool::inputSchema() const {
 }
 
 Task<ToolsCallResult> DescribeProjectTool::call(ToolCall call) const {
-  const auto wanted = readArgumentsIfAny<Arguments>(call).projectName;
+  const auto wanted = takeArgumentsIfAny<Arguments>(call).projectName;
   const auto context = PublishedContext::read(services.paths.agentContextFile());
   if (!context) co_return contextUnavailable(services.paths.agentContextFile());
 

@@ -149,7 +149,7 @@ AnyCodable ExploreFlowTool::inputSchema() const {
 }
 
 Task<ToolsCallResult> ExploreFlowTool::call(ToolCall call) const {
-  auto arguments = readArguments<Arguments>(call, name());
+  auto arguments = takeArguments<Arguments>(call, name());
   if (auto refused = refusal(arguments)) co_return std::move(*refused);
 
   auto request = Dispatch::newRequest<AgentExploreRequest>(services);

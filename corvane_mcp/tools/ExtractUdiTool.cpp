@@ -64,7 +64,7 @@ AnyCodable ExtractUdiTool::inputSchema() const {
 }
 
 Task<ToolsCallResult> ExtractUdiTool::call(ToolCall call) const {
-  auto arguments = readArgumentsIfAny<Arguments>(call);
+  auto arguments = takeArgumentsIfAny<Arguments>(call);
   const std::string projectName = arguments.projectName.value_or("");
   const std::string testName = arguments.testName.value_or("");
   const std::string udiName(trimWhitespace(arguments.udiName.value_or("")));

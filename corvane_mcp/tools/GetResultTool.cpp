@@ -1,6 +1,7 @@
 #include "corvane_mcp/tools/GetResultTool.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "CorvaneCore/text/Uuid.h"
 #include "corvane_mcp/results/ResultTexts.h"
@@ -104,13 +105,13 @@ AnyCodable GetResultTool::inputSchema() const {
 }
 
 Task<ToolsCallResult> GetResultTool::call(ToolCall call) const {
-  const auto arguments = readArguments<Arguments>(call, name());
+  const auto arguments = takeArguments<Arguments>(call, name());
   const auto id = parseRequestId(arguments.requestId.value_or(""));
   if (!id) co_return ToolsCallResult::failure(RequestIdArgument::invalidText(arguments.requestId));
   const auto waitSeconds =
       std::clamp<std::int64_t>(arguments.waitSeconds.value_or(0), 0, longestWait);
 
-  const auto outcome = co_await store.poll(*id, waitSeconds, progressUpdates(call.progress));
+  auto outcome = co_await store.poll(*id, waitSeconds, progressUpdates(call.progress));
   if (std::holds_alternative<ResultFileStore::Pending>(outcome)) {
     co_return ToolsCallResult::success(pendingText(*id));
   }
@@ -120,15 +121,19 @@ Task<ToolsCallResult> GetResultTool::call(ToolCall call) const {
   if (const auto* unreadable = std::get_if<ResultFileStore::Unreadable>(&outcome)) {
     co_return ToolsCallResult::failure(unreadableText(unreadable->path));
   }
-  const auto& snapshot = std::get<ResultFileStore::Snapshot>(outcome);
-  auto result = ToolsCallResult::success(snapshotHeader(snapshot) + "\n\n" + snapshot.rawJSON);
+  auto& snapshot = std::get<ResultFileStore::Snapshot>(outcome);
+  const std::string header = snapshotHeader(snapshot) + "\n\n";
+  std::vector<ContentBlock> further;
   if (auto advice = ResultTexts::interruptAdvice(snapshot)) {
-    result.content.push_back(ContentBlock::text(std::move(*advice)));
+    further.push_back(ContentBlock::text(std::move(*advice)));
   }
   if (arguments.includeStepTrace.value_or(false)) {
     const StepTraceChoice choice{arguments.traceStepIndex, arguments.traceTestIndex};
-    for (auto& block : choice.blocks(snapshot.rawJSON)) result.content.push_back(std::move(block));
+    for (auto& block : choice.blocks(snapshot.rawJSON)) further.push_back(std::move(block));
   }
+  // Results can be large, so the one text there is becomes the answer.
+  auto result = ToolsCallResult::success(std::move(snapshot.rawJSON.insert(0, header)));
+  std::move(further.begin(), further.end(), std::back_inserter(result.content));
   co_return result;
 }
 

@@ -39,7 +39,7 @@ AnyCodable ListInteractionTypesTool::inputSchema() const {
 }
 
 Task<ToolsCallResult> ListInteractionTypesTool::call(ToolCall call) const {
-  const auto given = readArgumentsIfAny<Arguments>(call).type;
+  const auto given = takeArgumentsIfAny<Arguments>(call).type;
   if (!given) co_return ToolsCallResult::success(AuthoringContract::fullMarkdown());
   const auto type = fromRawValue<InteractionType>(*given);
   co_return ToolsCallResult::success(

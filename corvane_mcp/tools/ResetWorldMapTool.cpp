@@ -35,7 +35,7 @@ AnyCodable ResetWorldMapTool::inputSchema() const {
 }
 
 Task<ToolsCallResult> ResetWorldMapTool::call(ToolCall call) const {
-  const auto given = readArgumentsIfAny<Arguments>(call).projectName.value_or("");
+  const auto given = takeArgumentsIfAny<Arguments>(call).projectName.value_or("");
   const auto projectName = trimWhitespace(given);
   if (projectName.empty()) co_return invalidArguments("reset_world_map requires projectName.");
 

@@ -140,7 +140,7 @@ AnyCodable RunTestTool::inputSchema() const {
 }
 
 Task<ToolsCallResult> RunTestTool::call(ToolCall call) const {
-  auto arguments = readArguments<Arguments>(call, name());
+  auto arguments = takeArguments<Arguments>(call, name());
   if (arguments.projectName.value_or("").empty()) {
     co_return invalidArguments(
         "'projectName' is required and must be non-empty. Use the exact project name as it appears "

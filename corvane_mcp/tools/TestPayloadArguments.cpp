@@ -4,6 +4,7 @@
 #include <charconv>
 
 #include "CorvaneCore/authoring/AuthoringTerms.h"
+#include "CorvaneCore/json/RecordFields.h"
 #include "CorvaneCore/text/Utf8.h"
 #include "corvane_mcp/tools/ToolArguments.h"
 
@@ -11,59 +12,46 @@ namespace corvane {
 
 namespace {
 
-template <class Value>
-void copy(const JsonObject& from, std::string_view key, std::optional<Value>& into) {
-  into = readMember<Value>(from, key);
-}
-
-/// The array under `key` when all its elements are objects, else nullptr.
-const AnyCodable::Array* objectsAt(const JsonObject& object, std::string_view key) {
-  const auto* array = object.findAs<AnyCodable::Array>(key);
+/// Whether the value is an array of nothing but objects.
+bool holdsObjects(const AnyCodable* value) {
+  const auto* array = value ? value->array() : nullptr;
   const auto isObject = [](const AnyCodable& element) { return element.object() != nullptr; };
-  return array && std::all_of(array->begin(), array->end(), isObject) ? array : nullptr;
+  return array && std::all_of(array->begin(), array->end(), isObject);
 }
 
-/// A description as its command wants it; that of any other step stays as it was sent.
-std::string normalizedDescription(const AgentInteraction& interaction) {
+/// Makes a description what its command wants; that of any other step stays as it was sent.
+void normalizeDescription(AgentInteraction& interaction) {
   using Description = Vocabulary<BuiltInCommand>::Description;
   const auto command = interaction.command();
   const auto form = command ? vocabularyRow(*command).description : Description::asSent;
   switch (form) {
     case Description::alwaysEmpty:
-      return "";
+      interaction.description.clear();
+      break;
     case Description::trimmed:
-      return std::string(trimWhitespace(interaction.description));
+      interaction.description = std::string(trimWhitespace(interaction.description));
+      break;
     case Description::asSent:
       break;
   }
-  return interaction.description;
 }
 
 enum class Level { test, branch };
 
-/// The steps that an array of objects holds. Branches are one level deep; what lies deeper is
+/// Takes the steps out of an array of objects. Branches are one level deep; what lies deeper is
 /// dropped.
-std::vector<AgentInteraction> readInteractions(const AnyCodable::Array& steps, Level level) {
-  std::vector<AgentInteraction> interactions;
-  for (const AnyCodable& element : steps) {
-    const JsonObject& step = *element.object();
-    AgentInteraction& read = interactions.emplace_back();
-    read.type = readMember<std::string>(step, "type").value_or("");
-    copy(step, "parameters", read.parameters);
-    copy(step, "memoryEnabled", read.memoryEnabled);
-    copy(step, "aiSegmentationMode", read.aiSegmentationMode);
-    copy(step, "previousStepCondition", read.previousStepCondition);
-    copy(step, "referencedTestId", read.referencedTestId);
-    copy(step, "referencedTestName", read.referencedTestName);
-    copy(step, "arguments", read.arguments);
-    copy(step, "fromStep", read.fromStep);
-    copy(step, "toStep", read.toStep);
-    copy(step, "udiName", read.udiName);
-    copy(step, "visualCheckpoint", read.visualCheckpoint);
-    read.description = readMember<std::string>(step, "description").value_or("");
-    read.description = normalizedDescription(read);
-    const auto* children = level == Level::test ? objectsAt(step, "children") : nullptr;
-    if (children) read.children = readInteractions(*children, Level::branch);
+std::vector<AgentInteraction> takeInteractions(AnyCodable& steps, Level level) {
+  auto& elements = std::get<AnyCodable::Array>(steps.value());
+  std::vector<AgentInteraction> interactions(elements.size());
+  auto next = interactions.begin();
+  for (AnyCodable& element : elements) {
+    auto& step = std::get<JsonObject>(element.value());
+    AgentInteraction& taken = *next++;
+    takeFields(step, taken,
+               [](std::string_view key) { return key != "title" && key != "children"; });
+    normalizeDescription(taken);
+    AnyCodable* children = level == Level::test ? step.find("children") : nullptr;
+    if (holdsObjects(children)) taken.children = takeInteractions(*children, Level::branch);
   }
   return interactions;
 }
@@ -85,11 +73,10 @@ bool isDisplayName(const JsonObject& arguments, std::string_view key) {
 
 std::optional<std::string> TestPayloadArguments::refusal(const JsonObject& arguments) {
   for (const std::string key : {"projectName", "testName"}) {
-    if (readMember<std::string>(arguments, key).value_or("").empty()) {
-      return "'" + key + "' is required and must be non-empty.";
-    }
+    const auto* name = arguments.findAs<std::string>(key);
+    if (!name || name->empty()) return "'" + key + "' is required and must be non-empty.";
   }
-  if (!objectsAt(arguments, "interactions")) {
+  if (!holdsObjects(arguments.find("interactions"))) {
     return "'interactions' must be an array of interaction objects.";
   }
   for (const std::string key : {"bundleIdentifier", "applicationId"}) {
@@ -102,28 +89,30 @@ std::optional<std::string> TestPayloadArguments::refusal(const JsonObject& argum
   return std::nullopt;
 }
 
-void TestPayloadArguments::copyInto(AgentTestSchema& payload, const JsonObject& arguments) {
-  payload.version = leadingInteger(readMember<std::string>(arguments, "version").value_or(""),
+void TestPayloadArguments::moveInto(AgentTestSchema& payload, JsonObject& arguments) {
+  payload.version = leadingInteger(takeMember<std::string>(arguments, "version").value_or(""),
                                    AgentTestSchema::currentSchemaVersion);
-  payload.projectName = readMember<std::string>(arguments, "projectName").value_or("");
-  copy(arguments, "targetPlatform", payload.targetPlatform);
-  copy(arguments, "iosProjectPath", payload.iosProjectPath);
-  copy(arguments, "bundleIdentifier", payload.bundleIdentifier);
-  copy(arguments, "androidProjectPath", payload.androidProjectPath);
-  copy(arguments, "applicationId", payload.applicationId);
-  copy(arguments, "autoRun", payload.autoRun);
-  copy(arguments, "buildFirst", payload.buildFirst);
-  copy(arguments, "suiteName", payload.suiteName);
-  copy(arguments, "simulatorUDID", payload.simulatorUDID);
+  payload.projectName = takeMember<std::string>(arguments, "projectName").value_or("");
+  const auto take = [&arguments]<class Value>(std::string_view key, std::optional<Value>& into) {
+    into = takeMember<Value>(arguments, key);
+  };
+  take("targetPlatform", payload.targetPlatform);
+  take("iosProjectPath", payload.iosProjectPath);
+  take("bundleIdentifier", payload.bundleIdentifier);
+  take("androidProjectPath", payload.androidProjectPath);
+  take("applicationId", payload.applicationId);
+  take("autoRun", payload.autoRun);
+  take("buildFirst", payload.buildFirst);
+  take("suiteName", payload.suiteName);
+  take("simulatorUDID", payload.simulatorUDID);
 
   AgentTest& test = payload.tests.emplace_back();
-  test.name = readMember<std::string>(arguments, "testName").value_or("");
-  copy(arguments, "testDescription", test.description);
-  test.index = readMember<std::int64_t>(arguments, "testIndex").value_or(0);
-  copy(arguments, "selfHealingMode", test.selfHealingMode);
-  if (const auto* steps = objectsAt(arguments, "interactions")) {
-    test.interactions = readInteractions(*steps, Level::test);
-  }
+  test.name = takeMember<std::string>(arguments, "testName").value_or("");
+  take("testDescription", test.description);
+  test.index = takeMember<std::int64_t>(arguments, "testIndex").value_or(0);
+  take("selfHealingMode", test.selfHealingMode);
+  AnyCodable* steps = arguments.find("interactions");
+  if (holdsObjects(steps)) test.interactions = takeInteractions(*steps, Level::test);
 }
 
 }  // namespace corvane

@@ -4,8 +4,10 @@
 
 namespace corvane {
 
-const JsonObject& requireArguments(const ToolCall& call, std::string_view toolName) {
-  if (const auto* object = call.arguments ? call.arguments->object() : nullptr) return *object;
+JsonObject& requireArguments(ToolCall& call, std::string_view toolName) {
+  if (call.arguments) {
+    if (auto* object = std::get_if<JsonObject>(&call.arguments->value())) return *object;
+  }
   throw JSONRPCError(JSONRPCError::invalidParams,
                      std::string(toolName).append(" requires arguments"));
 }

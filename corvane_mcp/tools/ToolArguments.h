@@ -48,10 +48,17 @@ template <class Arguments, class Value>
 
 /// The arguments object of a call. Throws JSONRPCError "<tool> requires arguments" when the call
 /// carries none.
-[[nodiscard]] const JsonObject& requireArguments(const ToolCall& call, std::string_view toolName);
+[[nodiscard]] JsonObject& requireArguments(ToolCall& call, std::string_view toolName);
 
 /// The answer to arguments that a tool cannot use: "error:invalid_arguments" and the reason.
 [[nodiscard]] ToolsCallResult invalidArguments(std::string_view reason);
+
+/// Takes the member `key` out of `object`; a value of another type counts as absent.
+template <class Value>
+[[nodiscard]] std::optional<Value> takeMember(JsonObject& object, std::string_view key) {
+  AnyCodable* value = object.find(key);
+  return value ? decodeIfFits<Value>(std::move(*value)) : std::nullopt;
+}
 
 /// What the schema says of properties that are not listed.
 enum class OtherProperties { refused, notMentioned };
@@ -95,29 +102,18 @@ JsonObject propertySchema(const ToolArgument<Arguments, Value>& argument) {
   return schema;
 }
 
-/// A value of another type than the declared one counts as absent.
-template <class Value>
-std::optional<Value> readIfFits(const AnyCodable* value) {
-  if (!value || value->isNull()) return std::nullopt;
-  try {
-    return decodeValue<Value>(*value);
-  } catch (const DecodeError&) {
-    return std::nullopt;
-  }
-}
-
 template <class Arguments>
-Arguments readDeclared(const JsonObject& object) {
-  Arguments read;
+Arguments takeDeclared(JsonObject& object) {
+  Arguments taken;
   std::apply(
       [&](const auto&... argument) {
-        ((read.*argument.member = readIfFits<
-              typename std::remove_reference_t<decltype(read.*argument.member)>::value_type>(
-              object.find(argument.key))),
+        ((taken.*argument.member = takeMember<
+              typename std::remove_reference_t<decltype(taken.*argument.member)>::value_type>(
+              object, argument.key)),
          ...);
       },
       Arguments::arguments());
-  return read;
+  return taken;
 }
 
 }  // namespace tool_arguments_detail
@@ -139,25 +135,18 @@ template <class Arguments>
   return schema;
 }
 
-/// The member `key` of an object whose schema is not a tool's own table; a value of another type
-/// counts as absent.
-template <class Value>
-[[nodiscard]] std::optional<Value> readMember(const JsonObject& object, std::string_view key) {
-  return tool_arguments_detail::readIfFits<Value>(object.find(key));
-}
-
-/// Reads the declared arguments of a call. Throws JSONRPCError "<tool> requires arguments" when the
-/// call carries no arguments object; a single argument of the wrong type counts as absent.
+/// Takes the declared arguments out of a call. Throws JSONRPCError "<tool> requires arguments" when
+/// the call carries no arguments object; a single argument of the wrong type counts as absent.
 template <class Arguments>
-[[nodiscard]] Arguments readArguments(const ToolCall& call, std::string_view toolName) {
-  return tool_arguments_detail::readDeclared<Arguments>(requireArguments(call, toolName));
+[[nodiscard]] Arguments takeArguments(ToolCall& call, std::string_view toolName) {
+  return tool_arguments_detail::takeDeclared<Arguments>(requireArguments(call, toolName));
 }
 
 /// The same for a tool that can be called without an arguments object: all are absent then.
 template <class Arguments>
-[[nodiscard]] Arguments readArgumentsIfAny(const ToolCall& call) {
-  const auto* object = call.arguments ? call.arguments->object() : nullptr;
-  return object ? tool_arguments_detail::readDeclared<Arguments>(*object) : Arguments();
+[[nodiscard]] Arguments takeArgumentsIfAny(ToolCall& call) {
+  auto* object = call.arguments ? std::get_if<JsonObject>(&call.arguments->value()) : nullptr;
+  return object ? tool_arguments_detail::takeDeclared<Arguments>(*object) : Arguments();
 }
 
 }  // namespace corvane

@@ -21,21 +21,11 @@ struct FrameRecord {
 
   static constexpr auto fields() {
     using R = FrameRecord;
-    return std::tuple(field("stepIndex", &R::stepIndex), field("status", &R::status),
-                      field("imageFileName", &R::imageFileName).withDefault(),
-                      field("touches", &R::touches).withDefault());
+    return FieldList(field("stepIndex", &R::stepIndex), field("status", &R::status),
+                     field("imageFileName", &R::imageFileName).withDefault(),
+                     field("touches", &R::touches).withDefault());
   }
 };
-
-/// The value as a Record when it has that form.
-template <class Record>
-std::optional<Record> decodeIfFits(const AnyCodable& value) {
-  try {
-    return decodeValue<Record>(value);
-  } catch (const DecodeError&) {
-    return std::nullopt;
-  }
-}
 
 std::vector<Touch> usableTouches(const AnyCodable& value) {
   // More marks than this would hide the screen.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -7,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "CorvaneCore/json/Record.h"
+#include "CorvaneCore/json/AnyCodable.h"
 
 namespace corvane {
 
@@ -17,19 +18,13 @@ namespace corvane {
 class PublishedContext {
  public:
   struct Project {
-    std::optional<AnyCodable> name;
-    std::optional<AnyCodable> platform;
+    /// As they stand in the file; a name or platform that is null counts as absent.
+    AnyCodable name;
+    AnyCodable platform;
     std::int64_t testCount = 0;
     /// The project's text in the file: where it begins and where what follows it does.
-    std::int64_t begin = 0;
-    std::int64_t end = 0;
-
-    static constexpr auto fields() {
-      using R = Project;
-      return std::tuple(field("name", &R::name), field("platform", &R::platform),
-                        field("testCount", &R::testCount).withDefault(), field("begin", &R::begin),
-                        field("end", &R::end));
-    }
+    std::size_t begin = 0;
+    std::size_t end = 0;
   };
 
   /// Nothing when the file cannot be read or holds no JSON object.

@@ -39,10 +39,10 @@ struct TestOutcome {
 
   static constexpr auto fields() {
     using R = TestOutcome;
-    return std::tuple(field("outcome", &R::kind), field("failedStep", &R::failedStep),
-                      field("failureReason", &R::failureReason),
-                      field("blockedCode", &R::blockedCode),
-                      field("blockedMessage", &R::blockedMessage));
+    return FieldList(field("outcome", &R::kind), field("failedStep", &R::failedStep),
+                     field("failureReason", &R::failureReason),
+                     field("blockedCode", &R::blockedCode),
+                     field("blockedMessage", &R::blockedMessage));
   }
 };
 

@@ -8,9 +8,10 @@ import { Client } from '@modelcontextprotocol/sdk/client/index.js';
 import { StdioClientTransport } from '@modelcontextprotocol/sdk/client/stdio.js';
 
 const bin = resolve(process.env.CORVANE_BIN ?? 'build/release/bin');
+const app = join(resolve(process.env.CORVANE_APP_BIN ?? bin), 'Corvane.app');
 
 /** The stand-in's program. */
-export const standIn = join(bin, 'Corvane.app', 'Contents', 'MacOS', 'Corvane');
+export const standIn = join(app, 'Contents', 'MacOS', 'Corvane');
 
 /** Steps that take a hundredth of a second, so that a whole run is over in a moment. */
 const fast = { stepSeconds: 0.01, buildSeconds: 0.01, coldStartSeconds: 0, heartbeatSeconds: 1 };
@@ -30,7 +31,7 @@ export async function connect(
   writeFileSync(join(support, 'StandIn', 'settings.json'), JSON.stringify({ ...fast, captures, outcomes }));
   if (app) {
     mkdirSync(join(home, 'Applications'));
-    symlinkSync(join(bin, 'Corvane.app'), join(home, 'Applications', 'Corvane.app'));
+    symlinkSync(app, join(home, 'Applications', 'Corvane.app'));
   }
   const environment = { PATH: process.env.PATH, HOME: home, ...env };
   const transport = new StdioClientTransport({

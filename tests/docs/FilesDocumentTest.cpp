@@ -44,7 +44,7 @@ void expectFieldsNamed(const std::string& title) {
     EXPECT_NE(text.find("`" + std::string(key) + "`"), std::string::npos)
         << title << " does not mention " << key;
   };
-  std::apply([&](const auto&... field) { (expectNamed(field.key), ...); }, Record::fields());
+  Record::fields().apply([&](const auto&... field) { (expectNamed(field.key), ...); });
 }
 
 /// Checks the section about a record, which may contain these others.

@@ -32,7 +32,7 @@ class StreamsTest : public FaultTest {
   const std::string requests = ping(1) + "\r\n\n" + ping(2) + "\nnonsense\n" + ping(3) + "\n";
   const Lines replies{
       pong(1), pong(2),
-      R"({"error":{"code":-32700,"message":"not valid JSON: unexpected text at or after byte 0"},)"
+      R"({"error":{"code":-32700,"message":"not valid JSON: unexpected text at byte 0"},)"
       R"("id":null,"jsonrpc":"2.0"})",
       pong(3)};
 };

@@ -11,6 +11,7 @@ import { Conversation } from './Conversation.mjs';
 const seconds = Number(process.argv[2] ?? 600);
 const count = Number(process.argv[3] ?? 50);
 const bin = resolve(process.env.CORVANE_BIN ?? 'build/release/bin');
+const app = join(resolve(process.env.CORVANE_APP_BIN ?? bin), 'Corvane.app');
 const project = 'Corner Shop';
 
 /** Numbers from 0 to 1, the same in every run. */
@@ -37,7 +38,7 @@ writeFileSync(
   }),
 );
 mkdirSync(join(home, 'Applications'));
-symlinkSync(join(bin, 'Corvane.app'), join(home, 'Applications', 'Corvane.app'));
+symlinkSync(app, join(home, 'Applications', 'Corvane.app'));
 
 const statuses = new Map();
 const tally = (status) => statuses.set(status, (statuses.get(status) ?? 0) + 1);
@@ -186,7 +187,7 @@ try {
   const log = readFileSync(join(home, 'Library', 'Logs', 'Corvane', 'mcp.log'), 'utf8');
   faults.push(`${error.stack}\n${log.split('\n').slice(-20).join('\n')}`);
 } finally {
-  execFileSync(join(bin, 'Corvane.app', 'Contents', 'MacOS', 'Corvane'), ['--quit'], {
+  execFileSync(join(app, 'Contents', 'MacOS', 'Corvane'), ['--quit'], {
     env: environment,
   });
   rmSync(home, { recursive: true, force: true });

@@ -20,23 +20,6 @@ std::string readError(std::string_view text) {
   return errorText<DecodeError>([&] { (void)readJson(text); });
 }
 
-/// Notes every event, so that a test sees their order.
-class EventLog final : public JsonSink {
- public:
-  void null() override { log += "null "; }
-  void boolean(bool value) override { log += value ? "true " : "false "; }
-  void integer(std::int64_t value) override { log += "i" + std::to_string(value) + " "; }
-  void number(double value) override { log += "d" + std::to_string(value) + " "; }
-  void string(std::string_view value) override { log.append("'").append(value).append("' "); }
-  void beginArray() override { log += "[ "; }
-  void endArray() override { log += "] "; }
-  void beginObject() override { log += "{ "; }
-  void key(std::string_view key) override { log.append(key).append(": "); }
-  void endObject() override { log += "} "; }
-
-  std::string log;
-};
-
 TEST(JsonReaderTest, ReadsEveryKindAtTheTop) {
   EXPECT_EQ(readJson("null"), AnyCodable());
   EXPECT_EQ(readJson("true"), AnyCodable(true));
@@ -84,12 +67,6 @@ TEST(JsonReaderTest, NumbersBecomeTheKindTheirValueHas) {
 TEST(JsonReaderTest, LastOfDuplicateKeysWins) {
   EXPECT_EQ(rereading(R"({"a":1,"b":2,"a":{"c":[]},"a":3})"), R"({"a":3,"b":2})");
   EXPECT_EQ(rereading(R"({"a":1,"\u0061":2})"), R"({"a":2})");
-}
-
-TEST(JsonReaderTest, ReportsTheTextInItsOwnOrder) {
-  EventLog events;
-  JsonReader().read(R"({"b":[1,0.5,{}],"a":null,"b":[true,"x",[]]})", events);
-  EXPECT_EQ(events.log, "{ b: [ i1 d0.500000 { } ] a: null b: [ true 'x' [ ] ] } ");
 }
 
 void expectRefused(std::initializer_list<std::string_view> texts) {
@@ -141,9 +118,9 @@ TEST(JsonReaderTest, RefusesCommentsAndOtherWhiteSpace) {
 TEST(JsonReaderTest, SaysWhatIsWrongWithTheText) {
   EXPECT_EQ(readError(""), "not valid JSON: the text is empty");
   EXPECT_EQ(readError("\xEF\xBB\xBF{}"), "not valid JSON: the text begins with a byte order mark");
-  EXPECT_EQ(readError(std::string_view("{}\0", 3)), "not valid JSON: the text holds a NUL byte");
+  EXPECT_EQ(readError(std::string_view("{}\0", 3)), "not valid JSON: unexpected text at byte 2");
   EXPECT_EQ(readError(std::string_view("\"a\0b\"", 5)),
-            "not valid JSON: the text holds a NUL byte");
+            "not valid JSON: a string holds an unescaped control character");
   EXPECT_EQ(readError("\"\xFF\""), "not valid JSON: the text is not valid UTF-8");
   EXPECT_EQ(readError("\"a\nb\""), "not valid JSON: a string holds an unescaped control character");
   EXPECT_EQ(readError("[\"abc]"), "not valid JSON: a string is not closed");
@@ -152,8 +129,10 @@ TEST(JsonReaderTest, SaysWhatIsWrongWithTheText) {
             "not valid JSON: the number at byte 5 is malformed or beyond the range of a double");
   EXPECT_EQ(readError("[10, 01]"),
             "not valid JSON: the number at byte 5 is malformed or beyond the range of a double");
-  EXPECT_EQ(readError("[true, nope]"), "not valid JSON: unexpected text at or after byte 7");
-  EXPECT_EQ(readError("[true, \"x\" 1]"), "not valid JSON: unexpected text at or after byte 7");
+  EXPECT_EQ(readError(R"(["\q"])"), "not valid JSON: a string holds a malformed escape");
+  EXPECT_EQ(readError("[true, nope]"), "not valid JSON: unexpected text at byte 7");
+  EXPECT_EQ(readError("[true, \"x\" 1]"), "not valid JSON: unexpected text at byte 11");
+  EXPECT_EQ(readError("[true, "), "not valid JSON: the text ends too early");
 }
 
 TEST(JsonReaderTest, RefusesInvalidUtf8) {

@@ -14,7 +14,7 @@ struct Leaf {
   std::optional<std::string> note;
 
   static constexpr auto fields() {
-    return std::tuple(field("size", &Leaf::size), field("note", &Leaf::note));
+    return FieldList(field("size", &Leaf::size), field("note", &Leaf::note));
   }
 };
 
@@ -30,10 +30,10 @@ struct Tree {
   std::map<std::string, Leaf> byColor;
 
   static constexpr auto fields() {
-    return std::tuple(field("name", &Tree::name), field("leaves", &Tree::leaves),
-                      field("best", &Tree::best), field("green", &Tree::green).withDefault(),
-                      field("height", &Tree::height), field("owner", &Tree::owner).orElse("keeper"),
-                      field("extra", &Tree::extra), field("byColor", &Tree::byColor));
+    return FieldList(field("name", &Tree::name), field("leaves", &Tree::leaves),
+                     field("best", &Tree::best), field("green", &Tree::green).withDefault(),
+                     field("height", &Tree::height), field("owner", &Tree::owner).orElse("keeper"),
+                     field("extra", &Tree::extra), field("byColor", &Tree::byColor));
   }
 };
 
@@ -41,11 +41,11 @@ struct Tree {
 struct Branch {
   std::optional<std::vector<Branch>> branches;
 
-  static constexpr auto fields() { return std::tuple(field("branches", &Branch::branches)); }
+  static constexpr auto fields() { return FieldList(field("branches", &Branch::branches)); }
 };
 
 struct Nothing {
-  static constexpr auto fields() { return std::tuple(); }
+  static constexpr auto fields() { return FieldList(); }
 };
 
 constexpr const char* fullTree =

@@ -12,7 +12,7 @@ namespace {
 struct Circle {
   double radius = 0;
 
-  static constexpr auto fields() { return std::tuple(field("radius", &Circle::radius)); }
+  static constexpr auto fields() { return FieldList(field("radius", &Circle::radius)); }
 };
 
 /// Its keys stand on both sides of the tag's key.
@@ -22,13 +22,13 @@ struct Rectangle {
   std::optional<std::string> label;
 
   static constexpr auto fields() {
-    return std::tuple(field("width", &Rectangle::width), field("height", &Rectangle::height),
-                      field("label", &Rectangle::label));
+    return FieldList(field("width", &Rectangle::width), field("height", &Rectangle::height),
+                     field("label", &Rectangle::label));
   }
 };
 
 struct Nothing {
-  static constexpr auto fields() { return std::tuple(); }
+  static constexpr auto fields() { return FieldList(); }
 };
 
 struct Shape {
@@ -41,7 +41,7 @@ struct Shape {
 struct Drawing {
   std::vector<Shape> shapes;
 
-  static constexpr auto fields() { return std::tuple(field("shapes", &Drawing::shapes)); }
+  static constexpr auto fields() { return FieldList(field("shapes", &Drawing::shapes)); }
 };
 
 struct Order {

@@ -150,7 +150,7 @@ TEST_F(LoggerTest, GoesOnWhenNobodyHasEverReadStandardError) {
 // reader that never comes.
 TEST_F(LoggerTest, GoesOnWhenThreadsFillStandardErrorTogether) {
   constexpr int threadCount = 4;
-  Logger logger(file);
+  Logger logger(file, std::chrono::milliseconds(1));
   for (int round = 0; round < 200; ++round) {
     const Pipe unread;
     const StandardStreamReplacement errors(STDERR_FILENO, unread.writing.get());

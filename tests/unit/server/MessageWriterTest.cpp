@@ -108,7 +108,7 @@ TEST_F(MessageWriterTest, WaitsForASlowReaderOfANonBlockingDescriptor) {
     return length;
   });
   MessageWriter writer(std::move(pipe.writing));
-  writer.send(message);
+  writer.send(std::string(message));
   EXPECT_EQ(received.get(), message.size() + 1);
   EXPECT_EQ(::fcntl(same.get(), F_GETFL), mode);
 }
@@ -120,7 +120,7 @@ TEST_F(MessageWriterTest, SharesASocketWithTheInput) {
   MessageWriter writer(FileDescriptor(::dup(sockets.theirs.get())));
   writeAll(sockets.ours.get(), "one\ntwo\n");
   ASSERT_TRUE(reader.readMore());
-  while (const auto line = reader.nextBuffered()) writer.send(line->text);
+  while (const auto line = reader.nextBuffered()) writer.send(std::string(line->text));
   EXPECT_EQ(readyText(sockets.ours.get()), "one\ntwo\n");
 }
 
@@ -140,7 +140,7 @@ TEST_F(MessageWriterTest, KeepsMessagesOfSeveralThreadsWholeAndInOrder) {
           if (i % 3 == 0) {
             writer.queue(message);
           } else {
-            writer.send(message);
+            writer.send(std::string(message));
           }
         }
         writer.flush();

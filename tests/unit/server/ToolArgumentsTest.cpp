@@ -30,7 +30,8 @@ struct Nothing {
 };
 
 Sample read(std::string_view json) {
-  return readArguments<Sample>({readJson(json), std::nullopt}, "sample");
+  ToolCall call{readJson(json), std::nullopt};
+  return takeArguments<Sample>(call, "sample");
 }
 
 TEST(ToolArgumentsTest, PublishesASchema) {
@@ -96,8 +97,9 @@ TEST(ToolArgumentsTest, RefusesACallWithoutAnObject) {
       EXPECT_EQ(error.message, "sample requires arguments");
     }
   }
+  ToolCall call;
   try {
-    (void)readArguments<Sample>({}, "sample");
+    (void)takeArguments<Sample>(call, "sample");
     ADD_FAILURE();
   } catch (const JSONRPCError& error) {
     EXPECT_EQ(error.message, "sample requires arguments");

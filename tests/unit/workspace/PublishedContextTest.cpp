@@ -16,8 +16,8 @@ std::optional<PublishedContext> contextOf(std::string_view text) {
 }
 
 std::string describe(const PublishedContext::Project& project) {
-  return (project.name ? toJson(*project.name) : "-") + " " +
-         (project.platform ? toJson(*project.platform) : "-") + " " +
+  const auto given = [](const AnyCodable& value) { return value.isNull() ? "-" : toJson(value); };
+  return given(project.name) + " " + given(project.platform) + " " +
          std::to_string(project.testCount);
 }
 

@@ -1,0 +1,7 @@
+#include "CorvaneCore/capture/CaptureSession.h"
+
+namespace corvane {
+
+template struct Codec<CaptureSession>;
+
+}  // namespace corvane

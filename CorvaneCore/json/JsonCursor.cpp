@@ -1,0 +1,142 @@
+#include "CorvaneCore/json/JsonCursor.h"
+
+#include <type_traits>
+#include <variant>
+
+#include "CorvaneCore/json/JsonErrors.h"
+#include "CorvaneCore/json/JsonNumber.h"
+#include "CorvaneCore/json/JsonString.h"
+#include "CorvaneCore/json/JsonTree.h"
+
+namespace corvane {
+
+namespace {
+
+/// Takes events of which nothing is kept.
+struct Nothing {
+  void null() {}
+  void boolean(bool) {}
+  void integer(std::int64_t) {}
+  void number(double) {}
+  void string(std::string_view) {}
+  void beginArray() {}
+  void endArray() {}
+  void beginObject() {}
+  void key(std::string_view) {}
+  void endObject() {}
+};
+
+constexpr bool isJsonSpace(char byte) {
+  return byte == ' ' || byte == '\t' || byte == '\n' || byte == '\r';
+}
+
+}  // namespace
+
+void JsonCursor::failHere() const {
+  if (next == end) throw DecodeError("not valid JSON: the text ends too early");
+  throw DecodeError("not valid JSON: unexpected text at byte " + std::to_string(*next));
+}
+
+void JsonCursor::failScalar(std::string_view token, std::size_t begin) {
+  const std::string place = std::to_string(begin);
+  if (token.find_first_of("0123456789") <= 1) {
+    throw DecodeError("not valid JSON: the number at byte " + place +
+                      " is malformed or beyond the range of a double");
+  }
+  throw DecodeError("not valid JSON: unexpected text at byte " + place);
+}
+
+std::string_view JsonCursor::takeToken() noexcept {
+  const std::size_t begin = *next++;
+  std::size_t size = *next - begin;
+  while (isJsonSpace(text[begin + size - 1])) --size;
+  return text.substr(begin, size);
+}
+
+std::string_view JsonCursor::takeString() {
+  const std::string_view token = takeToken();
+  const std::string_view content = token.substr(1, token.size() - 2);
+  return escapes ? unescapeJson(content, unescaped) : content;
+}
+
+std::string_view JsonCursor::takeKey() {
+  if (byte() != '"') failHere();
+  const std::string_view key = takeString();
+  expect(':');
+  return key;
+}
+
+template <class Events>
+void JsonCursor::scalar(Events& events) {
+  const std::size_t begin = position();
+  const std::string_view token = takeToken();
+  if (token == "null") {
+    events.null();
+  } else if (token == "true" || token == "false") {
+    events.boolean(token == "true");
+  } else if constexpr (std::is_same_v<Events, Nothing>) {
+    if (!isJsonNumber(token)) failScalar(token, begin);
+  } else if (const auto number = parseJsonNumber(token)) {
+    if (const auto* integer = std::get_if<std::int64_t>(&*number)) {
+      events.integer(*integer);
+    } else {
+      events.number(std::get<double>(*number));
+    }
+  } else {
+    failScalar(token, begin);
+  }
+}
+
+template <class Events>
+void JsonCursor::walk(Events& events) {
+  // What closes the containers that are open, the innermost last.
+  std::string closers;
+  while (true) {
+    switch (byte()) {
+      case '{':
+        ++next;
+        events.beginObject();
+        closers.push_back('}');
+        if (byte() == '}') break;
+        events.key(takeKey());
+        continue;
+      case '[':
+        ++next;
+        events.beginArray();
+        closers.push_back(']');
+        if (byte() == ']') break;
+        continue;
+      case '"':
+        events.string(takeString());
+        break;
+      case '\0':
+      case '}':
+      case ']':
+      case ':':
+      case ',':
+        failHere();
+      default:
+        scalar(events);
+    }
+    while (!closers.empty() && accept(closers.back())) {
+      closers.back() == '}' ? events.endObject() : events.endArray();
+      closers.pop_back();
+    }
+    if (closers.empty()) return;
+    expect(',');
+    if (closers.back() == '}') events.key(takeKey());
+  }
+}
+
+AnyCodable JsonCursor::read() {
+  JsonTree tree;
+  walk(tree);
+  return tree.take();
+}
+
+void JsonCursor::skip() {
+  Nothing nothing;
+  walk(nothing);
+}
+
+}  // namespace corvane

@@ -1,0 +1,32 @@
+# What keeps building short where sanitizers and templates make it long.
+
+# Optimisation of the parts that work through much data, in configurations that otherwise have none.
+set(CORVANE_HARD_WORK_OPTIONS "" CACHE STRING "Compile options of the libraries that work hardest")
+
+function(corvane_works_hard target)
+  target_compile_options(${target} PRIVATE ${CORVANE_HARD_WORK_OPTIONS})
+endfunction()
+
+# For programs that wait more than they work: more optimisation gains nothing but a longer build.
+function(corvane_waits_mostly target)
+  target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O1>)
+endfunction()
+
+# UBSan looks at what is shipped, not at what tests it or stands in for the app: it takes a third of
+# the time that compiling takes.
+macro(corvane_directory_without_ubsan)
+  add_compile_options(-fno-sanitize=undefined)
+endmacro()
+
+# Reads the headers that nearly every source includes, and those given, once for a whole target.
+# Record.h is not among them: g++ 12 takes its codecs for undefined when they come precompiled.
+function(corvane_precompile target)
+  target_precompile_headers(${target} PRIVATE
+    <filesystem> <functional> <map> <optional> <string> <tuple> <variant> <vector>
+    ${CMAKE_SOURCE_DIR}/CorvaneCore/files/RecordFile.h
+    ${ARGN})
+  # ccache does not notice that the list has changed unless the command line does.
+  list(JOIN ARGN "" headers)
+  string(MD5 fingerprint "${headers}")
+  target_compile_definitions(${target} PRIVATE CORVANE_PRECOMPILED_${fingerprint})
+endfunction()
