@@ -8,10 +8,10 @@ import { Client } from '@modelcontextprotocol/sdk/client/index.js';
 import { StdioClientTransport } from '@modelcontextprotocol/sdk/client/stdio.js';
 
 const bin = resolve(process.env.CORVANE_BIN ?? 'build/release/bin');
-const app = join(resolve(process.env.CORVANE_APP_BIN ?? bin), 'Corvane.app');
+const appBundle = join(resolve(process.env.CORVANE_APP_BIN ?? bin), 'Corvane.app');
 
 /** The stand-in's program. */
-export const standIn = join(app, 'Contents', 'MacOS', 'Corvane');
+export const standIn = join(appBundle, 'Contents', 'MacOS', 'Corvane');
 
 /** Steps that take a hundredth of a second, so that a whole run is over in a moment. */
 const fast = { stepSeconds: 0.01, buildSeconds: 0.01, coldStartSeconds: 0, heartbeatSeconds: 1 };
@@ -31,7 +31,7 @@ export async function connect(
   writeFileSync(join(support, 'StandIn', 'settings.json'), JSON.stringify({ ...fast, captures, outcomes }));
   if (app) {
     mkdirSync(join(home, 'Applications'));
-    symlinkSync(app, join(home, 'Applications', 'Corvane.app'));
+    symlinkSync(appBundle, join(home, 'Applications', 'Corvane.app'));
   }
   const environment = { PATH: process.env.PATH, HOME: home, ...env };
   const transport = new StdioClientTransport({

@@ -11,7 +11,7 @@ import { Conversation } from './Conversation.mjs';
 const seconds = Number(process.argv[2] ?? 600);
 const count = Number(process.argv[3] ?? 50);
 const bin = resolve(process.env.CORVANE_BIN ?? 'build/release/bin');
-const app = join(resolve(process.env.CORVANE_APP_BIN ?? bin), 'Corvane.app');
+const appBundle = join(resolve(process.env.CORVANE_APP_BIN ?? bin), 'Corvane.app');
 const project = 'Corner Shop';
 
 /** Numbers from 0 to 1, the same in every run. */
@@ -38,7 +38,7 @@ writeFileSync(
   }),
 );
 mkdirSync(join(home, 'Applications'));
-symlinkSync(app, join(home, 'Applications', 'Corvane.app'));
+symlinkSync(appBundle, join(home, 'Applications', 'Corvane.app'));
 
 const statuses = new Map();
 const tally = (status) => statuses.set(status, (statuses.get(status) ?? 0) + 1);
@@ -187,7 +187,7 @@ try {
   const log = readFileSync(join(home, 'Library', 'Logs', 'Corvane', 'mcp.log'), 'utf8');
   faults.push(`${error.stack}\n${log.split('\n').slice(-20).join('\n')}`);
 } finally {
-  execFileSync(join(app, 'Contents', 'MacOS', 'Corvane'), ['--quit'], {
+  execFileSync(join(appBundle, 'Contents', 'MacOS', 'Corvane'), ['--quit'], {
     env: environment,
   });
   rmSync(home, { recursive: true, force: true });
