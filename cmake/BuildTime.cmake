@@ -19,11 +19,11 @@ macro(corvane_directory_without_ubsan)
 endmacro()
 
 # Reads the headers that nearly every source includes, and those given, once for a whole target.
-# Record.h is not among them: g++ 12 takes its codecs for undefined when they come precompiled.
 function(corvane_precompile target)
   target_precompile_headers(${target} PRIVATE
     <filesystem> <functional> <map> <optional> <string> <tuple> <variant> <vector>
     ${CMAKE_SOURCE_DIR}/CorvaneCore/files/RecordFile.h
+    ${CMAKE_SOURCE_DIR}/CorvaneCore/json/Record.h
     ${ARGN})
   # ccache does not notice that the list has changed unless the command line does.
   list(JOIN ARGN "" headers)

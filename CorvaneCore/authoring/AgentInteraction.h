@@ -77,6 +77,6 @@ struct AgentInteraction {
   [[nodiscard]] bool hasChildren() const { return children && !children->empty(); }
 };
 
-extern template struct Codec<AgentInteraction>;
+extern template struct RecordCodec<AgentInteraction>;
 
 }  // namespace corvane

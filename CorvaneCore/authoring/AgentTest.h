@@ -32,6 +32,6 @@ struct AgentTest {
   }
 };
 
-extern template struct Codec<AgentTest>;
+extern template struct RecordCodec<AgentTest>;
 
 }  // namespace corvane

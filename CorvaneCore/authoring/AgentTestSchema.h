@@ -67,6 +67,6 @@ struct AgentTestSchema {
   }
 };
 
-extern template struct Codec<AgentTestSchema>;
+extern template struct RecordCodec<AgentTestSchema>;
 
 }  // namespace corvane

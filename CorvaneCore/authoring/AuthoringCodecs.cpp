@@ -5,9 +5,9 @@
 
 namespace corvane {
 
-template struct Codec<AgentInteraction>;
-template struct Codec<AgentTest>;
-template struct Codec<AgentTestSchema>;
-template struct Codec<ValidationIssue>;
+template struct RecordCodec<AgentInteraction>;
+template struct RecordCodec<AgentTest>;
+template struct RecordCodec<AgentTestSchema>;
+template struct RecordCodec<ValidationIssue>;
 
 }  // namespace corvane

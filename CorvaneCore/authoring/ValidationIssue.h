@@ -85,6 +85,6 @@ struct Vocabulary<ValidationIssue::Code> {
   };
 };
 
-extern template struct Codec<ValidationIssue>;
+extern template struct RecordCodec<ValidationIssue>;
 
 }  // namespace corvane

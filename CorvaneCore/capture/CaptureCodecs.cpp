@@ -2,6 +2,6 @@
 
 namespace corvane {
 
-template struct Codec<CaptureSession>;
+template struct RecordCodec<CaptureSession>;
 
 }  // namespace corvane

@@ -49,6 +49,6 @@ struct CaptureSession {
   }
 };
 
-extern template struct Codec<CaptureSession>;
+extern template struct RecordCodec<CaptureSession>;
 
 }  // namespace corvane

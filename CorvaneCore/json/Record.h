@@ -122,10 +122,11 @@ void encodeFields(const Record& record, JsonSink& sink, BeforeField beforeField)
 
 }  // namespace record_detail
 
-/// Large records are declared `extern template struct Codec<...>` beside themselves and
-/// instantiated in one source, so that not every source that touches one compiles its codec.
-template <DeclaredRecord Record>
-struct Codec<Record> {
+/// The codec of a record. Large records are declared `extern template struct RecordCodec<...>`
+/// beside themselves and instantiated in one source, so that not every source that touches one
+/// compiles it.
+template <class Record>
+struct RecordCodec {
   static Record decode(AnyCodable&& value, const DecodePath& at) {
     auto object = takeAs<AnyCodable::Object>(std::move(value), at, "an object");
     return record_detail::decodeFields<Record>(object, at);
@@ -137,5 +138,9 @@ struct Codec<Record> {
     sink.endObject();
   }
 };
+
+// Not the codec itself: g++ 12 loses what is instantiated of a constrained specialisation.
+template <DeclaredRecord Record>
+struct Codec<Record> : RecordCodec<Record> {};
 
 }  // namespace corvane

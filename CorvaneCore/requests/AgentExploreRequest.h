@@ -66,6 +66,6 @@ struct AgentExploreRequest {
   }
 };
 
-extern template struct Codec<AgentExploreRequest>;
+extern template struct RecordCodec<AgentExploreRequest>;
 
 }  // namespace corvane

@@ -72,6 +72,6 @@ struct Vocabulary<AgentLibraryRequest::Action> {
   };
 };
 
-extern template struct Codec<AgentLibraryRequest>;
+extern template struct RecordCodec<AgentLibraryRequest>;
 
 }  // namespace corvane

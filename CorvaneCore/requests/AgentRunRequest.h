@@ -99,6 +99,6 @@ struct Vocabulary<AgentRunRequest::Target::Kind> {
   };
 };
 
-extern template struct Codec<AgentRunRequest>;
+extern template struct RecordCodec<AgentRunRequest>;
 
 }  // namespace corvane

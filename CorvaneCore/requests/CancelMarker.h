@@ -33,6 +33,6 @@ struct CancelMarker {
   void write(const AgentPaths& in) const { writeRecord(*this, fileURL(requestId, in)); }
 };
 
-extern template struct Codec<CancelMarker>;
+extern template struct RecordCodec<CancelMarker>;
 
 }  // namespace corvane

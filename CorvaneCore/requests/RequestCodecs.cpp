@@ -5,9 +5,9 @@
 
 namespace corvane {
 
-template struct Codec<AgentExploreRequest>;
-template struct Codec<AgentLibraryRequest>;
-template struct Codec<AgentRunRequest>;
-template struct Codec<CancelMarker>;
+template struct RecordCodec<AgentExploreRequest>;
+template struct RecordCodec<AgentLibraryRequest>;
+template struct RecordCodec<AgentRunRequest>;
+template struct RecordCodec<CancelMarker>;
 
 }  // namespace corvane

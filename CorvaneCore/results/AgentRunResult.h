@@ -210,6 +210,6 @@ struct AgentRunResult {
   }
 };
 
-extern template struct Codec<AgentRunResult>;
+extern template struct RecordCodec<AgentRunResult>;
 
 }  // namespace corvane

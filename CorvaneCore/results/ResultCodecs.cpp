@@ -2,6 +2,6 @@
 
 namespace corvane {
 
-template struct Codec<AgentRunResult>;
+template struct RecordCodec<AgentRunResult>;
 
 }  // namespace corvane

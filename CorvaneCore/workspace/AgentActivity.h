@@ -89,6 +89,6 @@ struct AgentActivity {
   }
 };
 
-extern template struct Codec<AgentActivity>;
+extern template struct RecordCodec<AgentActivity>;
 
 }  // namespace corvane

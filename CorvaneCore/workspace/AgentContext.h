@@ -161,6 +161,6 @@ struct AgentContext {
   }
 };
 
-extern template struct Codec<AgentContext>;
+extern template struct RecordCodec<AgentContext>;
 
 }  // namespace corvane

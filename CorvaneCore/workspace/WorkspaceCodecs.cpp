@@ -3,7 +3,7 @@
 
 namespace corvane {
 
-template struct Codec<AgentActivity>;
-template struct Codec<AgentContext>;
+template struct RecordCodec<AgentActivity>;
+template struct RecordCodec<AgentContext>;
 
 }  // namespace corvane
