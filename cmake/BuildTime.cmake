@@ -20,13 +20,15 @@ endmacro()
 
 # Reads the headers that nearly every source includes, and those given, once for a whole target.
 function(corvane_precompile target)
-  target_precompile_headers(${target} PRIVATE
+  set(headers
     <filesystem> <functional> <map> <optional> <string> <tuple> <variant> <vector>
     ${CMAKE_SOURCE_DIR}/CorvaneCore/files/RecordFile.h
     ${CMAKE_SOURCE_DIR}/CorvaneCore/json/Record.h
     ${ARGN})
+  target_precompile_headers(${target} PRIVATE ${headers})
   # ccache does not notice that the list has changed unless the command line does.
-  list(JOIN ARGN "" headers)
-  string(MD5 fingerprint "${headers}")
+  list(JOIN headers "" fingerprint)
+  string(REPLACE ${CMAKE_SOURCE_DIR} "" fingerprint "${fingerprint}")
+  string(MD5 fingerprint "${fingerprint}")
   target_compile_definitions(${target} PRIVATE CORVANE_PRECOMPILED_${fingerprint})
 endfunction()
