@@ -176,11 +176,12 @@ void MCPServer::replyWithFailure(const std::optional<JSONRPCID>& id,
 template <class Result>
 void MCPServer::send(const JSONRPCResponseWith<Result>& response, Delivery delivery) {
   try {
-    std::string message = AgentWire::encode(response);
     if (delivery == Delivery::now) {
-      parts.writer.send(std::move(message));
+      parts.writer.sendWhileEncoding([&response](JsonSink& sink) {
+        Codec<JSONRPCResponseWith<Result>>::encode(response, sink);
+      });
     } else {
-      parts.writer.queue(message);
+      parts.writer.queue(AgentWire::encode(response));
     }
   } catch (const std::exception& error) {
     parts.logger.error(std::string("Failed to encode response: ") + error.what());

@@ -5,6 +5,8 @@
 
 #include <cerrno>
 
+#include "CorvaneCore/json/JsonWriter.h"
+
 namespace corvane {
 
 namespace {
@@ -35,6 +37,23 @@ void MessageWriter::send(std::string message) {
   const std::scoped_lock lock(mutex);
   if (!pending.empty()) writePending();
   writeWhole(output.get(), message);
+}
+
+void MessageWriter::sendWhileEncoding(const std::function<void(JsonSink&)>& encode) {
+  const std::scoped_lock lock(mutex);
+  if (!pending.empty()) writePending();
+  bool begun = false;
+  JsonWriter writer([&](std::string_view piece) {
+    begun = true;
+    writeWhole(output.get(), piece);
+  });
+  try {
+    encode(writer);
+  } catch (...) {
+    if (begun) writeWhole(output.get(), "\n");
+    throw;
+  }
+  writeWhole(output.get(), writer.take() + '\n');
 }
 
 void MessageWriter::queue(std::string_view message) {

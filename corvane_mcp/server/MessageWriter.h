@@ -1,10 +1,12 @@
 #pragma once
 
+#include <functional>
 #include <mutex>
 #include <string>
 #include <string_view>
 
 #include "CorvaneCore/files/FileDescriptor.h"
+#include "CorvaneCore/json/JsonSink.h"
 
 namespace corvane {
 
@@ -18,6 +20,10 @@ class MessageWriter {
 
   /// Writes a message, and those queued before it, now.
   void send(std::string message);
+  /// The same for a message that may be too large to be kept twice: it leaves piece by piece while
+  /// `encode` writes it. Lets through what `encode` throws; a message that has begun by then is
+  /// broken off, and the next one stands on a line of its own.
+  void sendWhileEncoding(const std::function<void(JsonSink&)>& encode);
   /// Keeps a message back to leave together with later ones; flush() must follow soon.
   void queue(std::string_view message);
   /// Writes what is queued.

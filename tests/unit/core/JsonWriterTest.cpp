@@ -47,6 +47,42 @@ TEST(JsonWriterTest, EscapesEveryControlCharacterAndNothingElse) {
   }
 }
 
+TEST(JsonWriterTest, EscapesWhereverItStandsInALongText) {
+  const std::vector<std::pair<char, std::string>> escapes{{'"', R"(\")"},
+                                                          {'\\', R"(\\)"},
+                                                          {'\n', R"(\n)"},
+                                                          {'\x01', R"(\u0001)"},
+                                                          {'\x1F', R"(\u001f)"}};
+  for (const auto& [byte, escape] : escapes) {
+    for (std::size_t length = 1; length <= 26; ++length) {
+      for (std::size_t at = 0; at < length; ++at) {
+        // The neighbours are the bytes next to those that need an escape.
+        std::string before = std::string("\xC2\x80 !#[]~\x7F/.0'&()*+,-:;<=>?").substr(0, at);
+        if (before == "\xC2") before = "x";
+        const std::string after(length - at - 1, ' ');
+        EXPECT_EQ(toJson(AnyCodable(before + byte + after)), "\"" + before + escape + after + "\"");
+      }
+    }
+  }
+}
+
+TEST(JsonWriterTest, MakesRoomForTextsThatGrowManyTimes) {
+  for (const std::size_t length : {1U, 7U, 8U, 9U, 63U, 64U, 65U, 1000U}) {
+    std::string expected;
+    for (std::size_t i = 0; i < length; ++i) expected += R"(\u0002)";
+    EXPECT_EQ(toJson(AnyCodable(std::string(length, '\x02'))), "\"" + expected + "\"");
+    const std::string plain(length, 'x');
+    EXPECT_EQ(toJson(AnyCodable(plain + std::string(length, '\x02'))),
+              "\"" + plain + expected + "\"");
+  }
+}
+
+TEST(JsonWriterTest, EscapesSlashesInLongTextsWhenAsked) {
+  const AnyCodable path("/Users/someone/a/long/way/");
+  EXPECT_EQ(toJson(path), R"("/Users/someone/a/long/way/")");
+  EXPECT_EQ(toJson(path, SlashStyle::escaped), R"("\/Users\/someone\/a\/long\/way\/")");
+}
+
 TEST(JsonWriterTest, WritesOtherCharactersAsTheyAre) {
   const std::string text = "\x7F\xC2\x85\xC3\xA9\xE2\x80\xA8\xEE\x80\x80\xF0\x9F\x98\x80";
   EXPECT_EQ(toJson(AnyCodable(text)), "\"" + text + "\"");
@@ -57,6 +93,40 @@ TEST(JsonWriterTest, LeavesSlashesAloneUnlessAsked) {
   EXPECT_EQ(toJson(value), R"({"a/b":"/Users/x","c":["//"]})");
   EXPECT_EQ(toJson(value, SlashStyle::escaped), R"({"a\/b":"\/Users\/x","c":["\/\/"]})");
   EXPECT_EQ(readJson(toJson(value, SlashStyle::escaped)), value);
+}
+
+TEST(JsonWriterTest, HandsOverALongTextPieceByPiece) {
+  // Nothing divides the length: pieces end wherever they happen to.
+  std::string text;
+  std::string expected;
+  for (int i = 0; i < 99'991; ++i) {
+    text += i % 7 == 0 ? "\"\x01" : "\xC3\xBC";
+    expected += i % 7 == 0 ? R"(\"\u0001)" : "\xC3\xBC";
+  }
+  std::string written;
+  std::size_t pieces = 0;
+  std::size_t largest = 0;
+  JsonWriter writer([&](std::string_view piece) {
+    written += piece;
+    ++pieces;
+    largest = std::max(largest, piece.size());
+  });
+  writer.beginArray();
+  writer.string(text);
+  writer.integer(-7);
+  writer.string(text);
+  writer.endArray();
+  const std::string rest = writer.take();
+  EXPECT_TRUE(written + rest == "[\"" + expected + "\",-7,\"" + expected + "\"]");
+  EXPECT_GT(pieces, 2U);
+  EXPECT_LE(largest, 128U << 10);
+  EXPECT_LE(rest.size(), 128U << 10);
+}
+
+TEST(JsonWriterTest, KeepsAShortTextToBeTaken) {
+  JsonWriter writer([](std::string_view piece) { ADD_FAILURE() << piece; });
+  writer.string("short");
+  EXPECT_EQ(writer.take(), R"("short")");
 }
 
 TEST(JsonWriterTest, TakeLeavesAnEmptyWriter) {

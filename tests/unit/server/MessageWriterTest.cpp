@@ -3,14 +3,18 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 
+#include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <future>
+#include <limits>
 #include <map>
 #include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "CorvaneCore/json/JsonErrors.h"
 #include "corvane_mcp/server/LineReader.h"
 #include "tests/support/Pipe.h"
 
@@ -61,6 +65,65 @@ TEST_F(MessageWriterTest, SendsQueuedMessagesBeforeLaterOnes) {
   writer.queue("one");
   writer.send("two");
   EXPECT_EQ(readyText(pipe.reading.get()), "one\ntwo\n");
+}
+
+TEST_F(MessageWriterTest, SendsAMessageThatIsEncodedMeanwhile) {
+  MessageWriter writer(std::move(pipe.writing));
+  writer.queue("one");
+  writer.sendWhileEncoding([](JsonSink& sink) { sink.string("two"); });
+  writer.sendWhileEncoding([](JsonSink& sink) { sink.integer(3); });
+  EXPECT_EQ(readyText(pipe.reading.get()), "one\n\"two\"\n3\n");
+}
+
+TEST_F(MessageWriterTest, ALargeMessageLeavesWhileItIsEncoded) {
+  const std::string text(200'000, 'x');
+  std::promise<void> arrived;
+  std::future<std::string> everything = std::async(std::launch::async, [&] {
+    std::string first(1000, '\0');
+    first.resize(static_cast<std::size_t>(::read(pipe.reading.get(), first.data(), first.size())));
+    arrived.set_value();
+    return first + readToEnd(pipe.reading.get());
+  });
+  {
+    MessageWriter writer(std::move(pipe.writing));
+    writer.sendWhileEncoding([&](JsonSink& sink) {
+      sink.beginArray();
+      sink.string(text);
+      EXPECT_EQ(arrived.get_future().wait_for(std::chrono::seconds(30)), std::future_status::ready);
+      sink.endArray();
+    });
+  }
+  EXPECT_TRUE(everything.get() == "[\"" + text + "\"]\n");
+}
+
+TEST_F(MessageWriterTest, AMessageThatCannotBeEncodedLeavesNothing) {
+  MessageWriter writer(std::move(pipe.writing));
+  EXPECT_THROW(writer.sendWhileEncoding([](JsonSink& sink) {
+    sink.beginArray();
+    sink.number(std::numeric_limits<double>::infinity());
+  }),
+               EncodeError);
+  writer.send("next");
+  EXPECT_EQ(readyText(pipe.reading.get()), "next\n");
+}
+
+TEST_F(MessageWriterTest, AMessageBrokenOffDoesNotSpoilTheNext) {
+  std::future<std::string> everything =
+      std::async(std::launch::async, [this] { return readToEnd(pipe.reading.get()); });
+  {
+    MessageWriter writer(std::move(pipe.writing));
+    EXPECT_THROW(writer.sendWhileEncoding([](JsonSink& sink) {
+      sink.beginArray();
+      sink.string(std::string(200'000, 'x'));
+      sink.number(std::numeric_limits<double>::infinity());
+    }),
+                 EncodeError);
+    writer.send("next");
+  }
+  const std::string received = everything.get();
+  EXPECT_EQ(received.substr(0, 3), "[\"x");
+  EXPECT_EQ(std::count(received.begin(), received.end(), '\n'), 2);
+  EXPECT_TRUE(received.ends_with("\nnext\n"));
 }
 
 TEST_F(MessageWriterTest, DoesNotQueueWithoutBound) {
