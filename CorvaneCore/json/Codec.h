@@ -154,10 +154,10 @@ template <class T>
 
 /// `value` as a T when it has that form; null and everything else count as absent.
 template <class T>
-[[nodiscard]] std::optional<T> decodeIfFits(AnyCodable value) {
+[[nodiscard]] std::optional<T> decodeIfFits(AnyCodable&& value) {
   if (value.isNull()) return std::nullopt;
   try {
-    return decodeValue<T>(std::move(value));
+    return Codec<T>::decode(std::move(value), DecodePath());
   } catch (const DecodeError&) {
     return std::nullopt;
   }

@@ -1,6 +1,7 @@
 #include "CorvaneCore/json/JsonObject.h"
 
 #include <algorithm>
+#include <iterator>
 #include <numeric>
 
 #include "CorvaneCore/json/AnyCodable.h"
@@ -13,14 +14,51 @@ constexpr auto keyBefore = [](const JsonObject::Member& member, std::string_view
   return member.key < key;
 };
 
+/// Whether the keys ascend, as they do in files written by either side.
+bool areSorted(std::span<const JsonObject::Member> members) {
+  const auto outOfOrder = [](const auto& left, const auto& right) { return left.key >= right.key; };
+  return std::adjacent_find(members.begin(), members.end(), outOfOrder) == members.end();
+}
+
+/// Moves members of any order to the end of `sorted`. Sorts their positions first, so that each is
+/// moved once.
+void takeSorted(std::span<JsonObject::Member> members, std::vector<JsonObject::Member>& sorted) {
+  std::vector<std::size_t> order(members.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::sort(order.begin(), order.end(), [members](std::size_t left, std::size_t right) {
+    const int byKey = members[left].key.compare(members[right].key);
+    return byKey != 0 ? byKey < 0 : left < right;
+  });
+  sorted.reserve(members.size());
+  for (const std::size_t position : order) {
+    JsonObject::Member& member = members[position];
+    if (!sorted.empty() && sorted.back().key == member.key) {
+      sorted.back().value = std::move(member.value);
+    } else {
+      sorted.push_back(std::move(member));
+    }
+  }
+}
+
 }  // namespace
 
 JsonObject::JsonObject() noexcept = default;
-JsonObject::JsonObject(std::initializer_list<Member> given) : members(given) {
-  sortUnique();
+JsonObject::JsonObject(std::initializer_list<Member> given)
+    : JsonObject(std::vector<Member>(given)) {}
+JsonObject::JsonObject(std::vector<Member> given) {
+  if (areSorted(given)) {
+    members = std::move(given);
+  } else {
+    takeSorted(given, members);
+  }
 }
-JsonObject::JsonObject(std::vector<Member> given) : members(std::move(given)) {
-  sortUnique();
+JsonObject::JsonObject(std::span<Member> given) {
+  members.reserve(given.size());
+  if (areSorted(given)) {
+    std::move(given.begin(), given.end(), std::back_inserter(members));
+  } else {
+    takeSorted(given, members);
+  }
 }
 JsonObject::JsonObject(const JsonObject& other) = default;
 JsonObject::JsonObject(JsonObject&& other) noexcept = default;
@@ -44,31 +82,6 @@ void JsonObject::set(std::string_view key, AnyCodable value) {
   } else {
     members.insert(at, Member{std::string(key), std::move(value)});
   }
-}
-
-void JsonObject::sortUnique() {
-  const auto outOfOrder = [](const Member& left, const Member& right) {
-    return left.key >= right.key;
-  };
-  // Files written by either side come sorted already, so this look is the usual end of it.
-  if (std::adjacent_find(members.begin(), members.end(), outOfOrder) == members.end()) return;
-  std::vector<std::size_t> order(members.size());
-  std::iota(order.begin(), order.end(), std::size_t{0});
-  std::sort(order.begin(), order.end(), [this](std::size_t left, std::size_t right) {
-    const int byKey = members[left].key.compare(members[right].key);
-    return byKey != 0 ? byKey < 0 : left < right;
-  });
-  std::vector<Member> sorted;
-  sorted.reserve(members.size());
-  for (const std::size_t position : order) {
-    Member& member = members[position];
-    if (!sorted.empty() && sorted.back().key == member.key) {
-      sorted.back().value = std::move(member.value);
-    } else {
-      sorted.push_back(std::move(member));
-    }
-  }
-  members = std::move(sorted);
 }
 
 }  // namespace corvane

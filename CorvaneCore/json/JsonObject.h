@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <initializer_list>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,6 +23,8 @@ class JsonObject {
   JsonObject(std::initializer_list<Member> given);
   /// Takes members in any order; of several with one key the last one wins.
   explicit JsonObject(std::vector<Member> given);
+  /// The same; moves the members out of where they are.
+  explicit JsonObject(std::span<Member> given);
   JsonObject(const JsonObject& other);
   JsonObject(JsonObject&& other) noexcept;
   JsonObject& operator=(const JsonObject& other);
@@ -45,8 +48,6 @@ class JsonObject {
   [[nodiscard]] const_iterator end() const noexcept;
 
  private:
-  void sortUnique();
-
   std::vector<Member> members;
 };
 

@@ -1,28 +1,21 @@
 #include "CorvaneCore/json/JsonTree.h"
 
-#include <iterator>
+#include <span>
 
 namespace corvane {
 
 void JsonTree::endArray() {
-  const auto first = contents.begin() + static_cast<std::ptrdiff_t>(open.back().begin);
-  AnyCodable::Array elements;
-  elements.reserve(static_cast<std::size_t>(contents.end() - first));
-  for (auto next = first; next != contents.end(); ++next) {
-    elements.push_back(std::move(next->value));
-  }
-  contents.erase(first, contents.end());
+  AnyCodable::Array finished(std::move(open.back().elements));
   open.pop_back();
-  place() = AnyCodable(std::move(elements));
+  put(std::move(finished));
 }
 
 void JsonTree::endObject() {
-  const auto first = contents.begin() + static_cast<std::ptrdiff_t>(open.back().begin);
-  std::vector<JsonObject::Member> members(std::make_move_iterator(first),
-                                          std::make_move_iterator(contents.end()));
-  contents.erase(first, contents.end());
+  const auto own = std::span(members).subspan(open.back().begin);
+  JsonObject finished(own);
+  members.erase(members.end() - static_cast<std::ptrdiff_t>(own.size()), members.end());
   open.pop_back();
-  place() = AnyCodable(JsonObject(std::move(members)));
+  put(std::move(finished));
 }
 
 }  // namespace corvane

@@ -27,21 +27,21 @@ struct FrameRecord {
   }
 };
 
-std::vector<Touch> usableTouches(const AnyCodable& value) {
+std::vector<Touch> takeUsableTouches(AnyCodable& value) {
   // More marks than this would hide the screen.
   constexpr std::size_t mostTouches = 100;
   std::vector<Touch> touches;
-  const auto* array = value.array();
+  auto* array = std::get_if<AnyCodable::Array>(&value.value());
   if (!array) return touches;
   for (std::size_t i = 0; i < std::min(array->size(), mostTouches); ++i) {
-    if (const auto touch = decodeIfFits<Touch>((*array)[i])) touches.push_back(*touch);
+    if (const auto touch = decodeIfFits<Touch>(std::move((*array)[i]))) touches.push_back(*touch);
   }
   return touches;
 }
 
-CaptureFrame usable(const FrameRecord& record) {
+CaptureFrame takeUsable(FrameRecord& record) {
   const auto* name = record.imageFileName.string();
-  return {name ? *name : std::string(), usableTouches(record.touches)};
+  return {name ? *name : std::string(), takeUsableTouches(record.touches)};
 }
 
 bool isOfStep(const AnyCodable& frame, std::int64_t stepIndex) {
@@ -53,27 +53,28 @@ bool isOfStep(const AnyCodable& frame, std::int64_t stepIndex) {
 }  // namespace
 
 StepFrames readStepFrames(std::string_view manifest, std::int64_t stepIndex) {
-  const JsonObject members = readMembers(manifest, {"frames"});
-  const AnyCodable* frames = members.find("frames");
-  if (!frames || !frames->array()) throw DecodeError("frames: expected an array");
+  JsonObject members = readMembers(manifest, {"frames"});
+  AnyCodable* value = members.find("frames");
+  auto* frames = value ? std::get_if<AnyCodable::Array>(&value->value()) : nullptr;
+  if (!frames) throw DecodeError("frames: expected an array");
 
   std::array<std::optional<FrameRecord>, Vocabulary<FrameStatus>::rows.size()> latest;
   const auto latestOf = [&latest](FrameStatus status) -> std::optional<FrameRecord>& {
     return latest[static_cast<std::size_t>(status)];
   };
-  for (const AnyCodable& frame : *frames->array()) {
+  for (AnyCodable& frame : *frames) {
     if (!isOfStep(frame, stepIndex)) continue;
-    if (auto record = decodeIfFits<FrameRecord>(frame)) {
+    if (auto record = decodeIfFits<FrameRecord>(std::move(frame))) {
       latestOf(record->status) = std::move(record);
     }
   }
 
   StepFrames picked;
-  const auto& before = latestOf(FrameStatus::beforeStep);
-  const auto& failed = latestOf(FrameStatus::onFailure);
-  const auto& after = failed ? failed : latestOf(FrameStatus::afterStep);
-  if (before) picked.before = usable(*before);
-  if (after) picked.after = usable(*after);
+  auto& before = latestOf(FrameStatus::beforeStep);
+  auto& failed = latestOf(FrameStatus::onFailure);
+  auto& after = failed ? failed : latestOf(FrameStatus::afterStep);
+  if (before) picked.before = takeUsable(*before);
+  if (after) picked.after = takeUsable(*after);
   return picked;
 }
 
