@@ -26,6 +26,15 @@ std::optional<AnyCodable> read(corvane::JsonReader& reader, std::string_view tex
   }
 }
 
+bool canBeSkipped(corvane::JsonReader& reader, std::string_view text) {
+  try {
+    reader.read(text, [](corvane::JsonCursor& cursor) { cursor.skip(); });
+    return true;
+  } catch (const corvane::DecodeError&) {
+    return false;
+  }
+}
+
 /// The other library keeps integers up to 2^64 and knows whole numbers from doubles by their
 /// spelling; here a number is an integer when its exact value fits 64 bits, and else a double.
 bool sameNumber(const AnyCodable& ours, const Other& theirs) {
@@ -77,6 +86,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   static corvane::JsonReader reader;
   const std::string_view text(reinterpret_cast<const char*>(data), size);
   const auto value = read(reader, text);
+  require(canBeSkipped(reader, text) == value.has_value(), "what is skipped is judged alike");
   if (readsMoreThere(text)) {
     require(!value, "a byte order mark and a NUL are refused");
     return 0;

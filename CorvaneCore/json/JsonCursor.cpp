@@ -18,11 +18,9 @@ struct Nothing {
   void boolean(bool) {}
   void integer(std::int64_t) {}
   void number(double) {}
-  void string(std::string_view) {}
   void beginArray() {}
   void endArray() {}
   void beginObject() {}
-  void key(std::string_view) {}
   void endObject() {}
 };
 
@@ -67,6 +65,27 @@ std::string_view JsonCursor::takeKey() {
 }
 
 template <class Events>
+void JsonCursor::string(Events& events) {
+  if constexpr (std::is_same_v<Events, Nothing>) {
+    // Only an escape could be wrong in a string.
+    escapes ? void(takeString()) : void(++next);
+  } else {
+    events.string(takeString());
+  }
+}
+
+template <class Events>
+void JsonCursor::key(Events& events) {
+  if constexpr (std::is_same_v<Events, Nothing>) {
+    if (byte() != '"') failHere();
+    string(events);
+    expect(':');
+  } else {
+    events.key(takeKey());
+  }
+}
+
+template <class Events>
 void JsonCursor::scalar(Events& events) {
   const std::size_t begin = position();
   const std::string_view token = takeToken();
@@ -98,7 +117,7 @@ void JsonCursor::walk(Events& events) {
         events.beginObject();
         closers.push_back('}');
         if (byte() == '}') break;
-        events.key(takeKey());
+        key(events);
         continue;
       case '[':
         ++next;
@@ -107,7 +126,7 @@ void JsonCursor::walk(Events& events) {
         if (byte() == ']') break;
         continue;
       case '"':
-        events.string(takeString());
+        string(events);
         break;
       case '\0':
       case '}':
@@ -124,7 +143,7 @@ void JsonCursor::walk(Events& events) {
     }
     if (closers.empty()) return;
     expect(',');
-    if (closers.back() == '}') events.key(takeKey());
+    if (closers.back() == '}') key(events);
   }
 }
 

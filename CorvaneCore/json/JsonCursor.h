@@ -68,6 +68,10 @@ class JsonCursor {
   void walk(Events& events);
   template <class Events>
   void scalar(Events& events);
+  template <class Events>
+  void string(Events& events);
+  template <class Events>
+  void key(Events& events);
 
   [[nodiscard]] char byte() const noexcept { return next == end ? '\0' : text[*next]; }
   bool accept(char wanted) noexcept {
