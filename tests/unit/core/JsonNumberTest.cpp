@@ -104,8 +104,22 @@ TEST(JsonNumberTest, NumbersBeyondADoubleAreRefused) {
        {"1e309", "-1e309", "1.7976931348623159e308", "1e400", "1e999999999999999999999",
         "-1e99999999999999999999999999999999999", "0.1e999999999"}) {
     EXPECT_EQ(parseJsonNumber(literal), std::nullopt) << literal;
+    EXPECT_FALSE(isJsonNumber(literal)) << literal;
   }
-  EXPECT_EQ(parseJsonNumber("1" + std::string(309, '0')), std::nullopt);
+  const std::string tooLong = "1" + std::string(309, '0');
+  EXPECT_EQ(parseJsonNumber(tooLong), std::nullopt);
+  EXPECT_FALSE(isJsonNumber(tooLong));
+}
+
+TEST(JsonNumberTest, TellsNumbersWithoutReadingThem) {
+  for (const std::string literal :
+       {"0", "-0", "7", "-7.25", "1e308", "-1E+5", "0.0e999", "1e-999"}) {
+    EXPECT_TRUE(isJsonNumber(literal)) << literal;
+  }
+  for (const std::size_t zeros : {17U, 18U, 19U, 298U, 299U, 300U, 308U}) {
+    EXPECT_TRUE(isJsonNumber("1" + std::string(zeros, '0'))) << zeros;
+    EXPECT_TRUE(isJsonNumber("0." + std::string(zeros, '0') + "1")) << zeros;
+  }
 }
 
 TEST(JsonNumberTest, OtherTextsAreNoNumbers) {
@@ -116,6 +130,7 @@ TEST(JsonNumberTest, OtherTextsAreNoNumbers) {
         "inf",   "nan",   "-Infinity", " 1",           "1 ",  "1\n",   "1d",       "1f",
         "0b1",   "1e+-5", "1-1",       "\xEF\xBC\x91", "e5",  "1e 5",  "- 1",      "1e0x5"}) {
     EXPECT_EQ(parseJsonNumber(literal), std::nullopt) << literal;
+    EXPECT_FALSE(isJsonNumber(literal)) << literal;
   }
   EXPECT_EQ(parseJsonNumber(std::string_view("1\0", 2)), std::nullopt);
 }
