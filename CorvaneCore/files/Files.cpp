@@ -41,7 +41,7 @@ std::optional<FileStamp> readStamp(const fs::path& path) {
   return FileStamp{modificationTime(status), static_cast<std::uintmax_t>(status.st_size)};
 }
 
-std::string readFile(const fs::path& path, std::size_t limit) {
+std::string readFile(const fs::path& path, std::size_t limit, std::size_t spare) {
   // Without O_NONBLOCK opening a FIFO would wait for its writer.
   const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   struct stat status{};
@@ -56,9 +56,7 @@ std::string readFile(const fs::path& path, std::size_t limit) {
   const auto size = static_cast<std::size_t>(status.st_size);
   if (size > limit) fail(std::errc::file_too_large);
   std::string contents;
-  // Answers begin with a few words before what a file holds.
-  constexpr std::size_t roomForHeader = 1024;
-  contents.reserve(size + roomForHeader);
+  contents.reserve(size + 1 + spare);
   // The size is only a hint: the file may grow or shrink while it is read.
   std::size_t room = size + 1;
   std::size_t length = 0;

@@ -31,9 +31,10 @@ inline constexpr std::size_t largestFile = std::size_t{64} << 20;
 [[nodiscard]] std::optional<FileStamp> readStamp(const std::filesystem::path& path);
 
 /// The whole contents of a regular file. Never waits on a FIFO or device put in a file's place.
-/// Throws FileError, also for other kinds of file and for one larger than `limit` bytes.
+/// The text has room to grow by `spare` bytes. Throws FileError, also for other kinds of file and
+/// for one larger than `limit` bytes.
 [[nodiscard]] std::string readFile(const std::filesystem::path& path,
-                                   std::size_t limit = largestFile);
+                                   std::size_t limit = largestFile, std::size_t spare = 0);
 
 /// Writes the file whole or not at all: into a temporary file beside it, which is then moved into
 /// place. Missing folders are created first. On failure the file is as it was, nothing is left

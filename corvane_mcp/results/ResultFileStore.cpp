@@ -72,7 +72,9 @@ Task<ResultFileStore::Outcome> ResultFileStore::poll(std::string requestId,
 std::optional<ResultFileStore::Snapshot> ResultFileStore::parse(const std::filesystem::path& file) {
   Snapshot snapshot;
   try {
-    snapshot.rawJSON = readFile(file);
+    // Results can be large, and an answer puts a few words before them.
+    constexpr std::size_t roomForHeader = 1024;
+    snapshot.rawJSON = readFile(file, largestFile, roomForHeader);
     const auto members = readMembers(snapshot.rawJSON, {"status", "terminal"});
     const auto* status = members.findAs<std::string>("status");
     if (!status) return std::nullopt;
