@@ -22,7 +22,7 @@ class Clock {
   [[nodiscard]] Date date() const { return std::chrono::floor<std::chrono::seconds>(now()); }
   /// Grows evenly and never jumps: for deadlines.
   [[nodiscard]] virtual Elapsed elapsed() const = 0;
-  /// Suspends the calling task; no thread waits.
+  /// Suspends the calling task, up to 10 ms longer than asked; no thread waits.
   [[nodiscard]] virtual Task<void> sleepFor(std::chrono::milliseconds duration) const = 0;
 };
 
