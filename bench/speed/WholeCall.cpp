@@ -4,22 +4,31 @@
 
 namespace corvane {
 
-void WholeCall::addServerRound(const std::string& request, std::string_view expected) {
+void WholeCall::addServerRound() {
   Contender contender(setting.serverIn(home));
   contender.initialize();
-  for (int i = 0; i < uncounted + counted; ++i) {
-    const auto start = std::chrono::steady_clock::now();
-    contender.ask(request, expected);
-    if (i >= uncounted) server.add(millisecondsSince(start));
-  }
+  askRepeatedly(contender, server);
 }
 
 void WholeCall::addNodeRound(const std::string& program, std::vector<std::string> arguments) {
+  Contender contender(setting.nodeJob(program, std::move(arguments)));
+  askRepeatedly(contender, node);
+}
+
+void WholeCall::addNodeJob(const std::string& program, std::vector<std::string> arguments) {
   arguments.push_back(std::to_string(uncounted));
   arguments.push_back(std::to_string(counted));
   Contender contender(setting.nodeJob(program, std::move(arguments)));
   for (const double milliseconds : AgentWire::decode<std::vector<double>>(contender.readLine())) {
     node.add(milliseconds);
+  }
+}
+
+void WholeCall::askRepeatedly(Contender& contender, Samples& samples) const {
+  for (int i = 0; i < uncounted + counted; ++i) {
+    const auto start = std::chrono::steady_clock::now();
+    contender.ask(request, expected);
+    if (i >= uncounted) samples.add(millisecondsSince(start));
   }
 }
 

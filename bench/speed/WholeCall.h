@@ -11,31 +11,44 @@
 
 namespace corvane {
 
-/// A call of a tool, from the request written to the reply read, against a program for Node.js that
-/// does the work of the call alone, without a request or a pipe, and tells how long that took. Both
-/// are warm: of each process the first few times do not count.
+/// A call of a tool, from the request written to the reply read, against a program for Node.js.
+/// Both are warm: of each process the first few times do not count.
 class WholeCall {
  public:
-  WholeCall(const Setting& setting, std::filesystem::path home)
-      : setting(setting), home(std::move(home)) {}
+  /// Of each process so many times do not count, and so many do.
+  static constexpr int uncounted = 3;
+  static constexpr int counted = 5;
 
   /// `request` has id 1 and is answered with a line that holds `expected`.
-  void addServerRound(const std::string& request, std::string_view expected);
-  /// `program` is given `arguments` and how often to do its job, first uncounted, then counted. It
-  /// prints the milliseconds that each counted time took, as a JSON array.
+  WholeCall(const Setting& setting, std::filesystem::path home, std::string request,
+            std::string expected)
+      : setting(setting),
+        home(std::move(home)),
+        request(std::move(request)),
+        expected(std::move(expected)) {}
+
+  void addServerRound();
+  /// `program` is asked the same in the same way.
   void addNodeRound(const std::string& program, std::vector<std::string> arguments);
+  /// `program` does something else that is compared with the call. It is told as well how often to
+  /// do it, first uncounted, then counted, and prints the milliseconds that each counted time took,
+  /// as a JSON array.
+  void addNodeJob(const std::string& program, std::vector<std::string> arguments);
 
   /// How many times faster the call is.
   [[nodiscard]] double ratio() const { return node.median() / server.median(); }
+  /// Median milliseconds of what it is compared with.
+  [[nodiscard]] double nodeMilliseconds() const { return node.median(); }
   /// Fills in the figures.
   void describe(Finding& finding) const;
 
  private:
-  static constexpr int uncounted = 3;
-  static constexpr int counted = 5;
+  void askRepeatedly(Contender& contender, Samples& samples) const;
 
   const Setting& setting;
   std::filesystem::path home;
+  std::string request;
+  std::string expected;
   Samples server;
   Samples node;
 };

@@ -1,11 +1,11 @@
-// The work of describe_project without arguments: reads the context, selects the open project,
-// summarises the others, and words the reply with sorted keys. Unlike the tool it does not look
-// whether the app runs.
-//   node describe_project.mjs CONTEXT_FILE UNCOUNTED COUNTED
+// The same as describe_project without arguments: reads the context, selects the open project,
+// summarises the others, and answers with sorted keys. Unlike the tool it does not look whether the
+// app runs.
+//   node describe_project.mjs CONTEXT_FILE
 import {readFileSync} from "node:fs";
-import {time} from "./timing.mjs";
+import {serve} from "./answering.mjs";
 
-const [file, ...counts] = process.argv.slice(2);
+const file = process.argv[2];
 const collator = new Intl.Collator(undefined, {sensitivity: "accent"});
 
 /** JSON.stringify keeps the order in which members were set, so a copy is made in key order. */
@@ -17,7 +17,7 @@ function sorted(value) {
   return copy;
 }
 
-function describe() {
+serve(() => {
   const context = JSON.parse(readFileSync(file, "utf8"));
   const brief = {};
   for (const key of ["schemaVersion", "updatedAt", "appVersion", "device", "userDefinedInteractions"]) {
@@ -30,8 +30,5 @@ function describe() {
   brief.otherProjects = projects
     .filter((project) => project !== selected)
     .map(({name, platform, tests}) => ({name, platform, testCount: Array.isArray(tests) ? tests.length : 0}));
-  const text = `Corvane workspace context (updated ${context.updatedAt}).\n\n${JSON.stringify(sorted(brief))}`;
-  return JSON.stringify({id: 1, jsonrpc: "2.0", result: {content: [{text, type: "text"}], isError: false}});
-}
-
-time(describe, counts);
+  return `Corvane workspace context (updated ${context.updatedAt}).\n\n${JSON.stringify(sorted(brief))}`;
+});

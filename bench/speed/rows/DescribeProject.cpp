@@ -10,13 +10,14 @@ Rows::Findings Rows::describeProject(const Setting& setting) {
   const TemporaryHome home;
   Documents::writeContext(home.paths());
   const std::string file = home.paths().agentContextFile();
-  WholeCall call(setting, home.path());
+  WholeCall call(setting, home.path(), Messages::call(1, "describe_project", "{}"),
+                 "Corvane workspace context");
   for (int i = 0; i < setting.rounds; ++i) {
-    call.addServerRound(Messages::call(1, "describe_project", "{}"), "Corvane workspace context");
+    call.addServerRound();
     call.addNodeRound("describe_project.mjs", {file});
   }
   Finding finding = timesBetter("`describe_project` on a context of " + megabytes(file) +
-                                    ", whole call, against the job alone in Node",
+                                    ", whole call, against the same in Node",
                                 4, call.ratio());
   call.describe(finding);
   return {finding};
