@@ -5,7 +5,11 @@
 namespace corvane {
 
 void JsonTree::endArray() {
-  AnyCodable::Array finished(std::move(open.back().elements));
+  AnyCodable::Array finished;
+  if (open.back().begin != nothingYet) {
+    finished = std::move(arrays.back());
+    arrays.pop_back();
+  }
   open.pop_back();
   put(std::move(finished));
 }
