@@ -47,7 +47,8 @@ export async function connect(
     if (app) {
       execFileSync(standIn, ['--quit'], { env: environment });
     }
-    rmSync(home, { recursive: true, force: true });
+    // Two calls at once may have launched the app twice; the second one stops by itself.
+    rmSync(home, { recursive: true, force: true, maxRetries: 50, retryDelay: 20 });
   });
   const log = () => readFileSync(join(home, 'Library', 'Logs', 'Corvane', 'mcp.log'), 'utf8');
   return { client, environment, home, support, log };
