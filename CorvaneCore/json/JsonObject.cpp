@@ -20,15 +20,16 @@ bool areSorted(std::span<const JsonObject::Member> members) {
   return std::adjacent_find(members.begin(), members.end(), outOfOrder) == members.end();
 }
 
-/// Moves members of any order to the end of `sorted`. Sorts their positions first, so that each is
+/// Moves members of any order out of where they are. Sorts their positions first, so that each is
 /// moved once.
-void takeSorted(std::span<JsonObject::Member> members, std::vector<JsonObject::Member>& sorted) {
+std::vector<JsonObject::Member> takeSorted(std::span<JsonObject::Member> members) {
   std::vector<std::size_t> order(members.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
   std::sort(order.begin(), order.end(), [members](std::size_t left, std::size_t right) {
     const int byKey = members[left].key.compare(members[right].key);
     return byKey != 0 ? byKey < 0 : left < right;
   });
+  std::vector<JsonObject::Member> sorted;
   sorted.reserve(members.size());
   for (const std::size_t position : order) {
     JsonObject::Member& member = members[position];
@@ -38,6 +39,7 @@ void takeSorted(std::span<JsonObject::Member> members, std::vector<JsonObject::M
       sorted.push_back(std::move(member));
     }
   }
+  return sorted;
 }
 
 }  // namespace
@@ -45,19 +47,13 @@ void takeSorted(std::span<JsonObject::Member> members, std::vector<JsonObject::M
 JsonObject::JsonObject() noexcept = default;
 JsonObject::JsonObject(std::initializer_list<Member> given)
     : JsonObject(std::vector<Member>(given)) {}
-JsonObject::JsonObject(std::vector<Member> given) {
-  if (areSorted(given)) {
-    members = std::move(given);
-  } else {
-    takeSorted(given, members);
-  }
-}
+JsonObject::JsonObject(std::vector<Member> given)
+    : members(areSorted(given) ? std::move(given) : takeSorted(given)) {}
 JsonObject::JsonObject(std::span<Member> given) {
-  members.reserve(given.size());
   if (areSorted(given)) {
-    std::move(given.begin(), given.end(), std::back_inserter(members));
+    members.assign(std::make_move_iterator(given.begin()), std::make_move_iterator(given.end()));
   } else {
-    takeSorted(given, members);
+    members = takeSorted(given);
   }
 }
 JsonObject::JsonObject(const JsonObject& other) = default;
