@@ -33,11 +33,11 @@ function(corvane_precompile target)
   target_compile_definitions(${target} PRIVATE CORVANE_PRECOMPILED_${fingerprint})
 endfunction()
 
-option(CORVANE_COMPILE_TOGETHER "Compile tests and the stand-in several sources at a time" OFF)
+option(CORVANE_COMPILE_TOGETHER "Compile several sources at a time" OFF)
 
 # Has the sources of a target compiled several at a time where the option is set, for whole runs: most
-# of what a test compiles to are inline functions that all of them share. Sources that give a name of
-# their own to different things are listed as APART.
+# of what a source compiles to without optimisation are inline functions that all of them share. Sources
+# that use a name for something of their own which another uses as well are listed as APART.
 function(corvane_compile_together target)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "APART")
   set_target_properties(${target} PROPERTIES
