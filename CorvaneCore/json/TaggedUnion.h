@@ -6,6 +6,7 @@
 #include <variant>
 
 #include "CorvaneCore/json/Record.h"
+#include "CorvaneCore/text/Utf8.h"
 
 namespace corvane {
 
@@ -68,7 +69,7 @@ struct Codec<Union> {
     if constexpr (requires { Union::unknownTag; }) {
       const auto raw = takeAs<std::string>(std::move(tag), at, "a string");
       if (const auto known = fromRawValue<typename Union::Kind>(raw)) return *known;
-      at.fail(std::string(Union::unknownTag).append(raw));
+      at.fail(std::string(Union::unknownTag).append(escapeControls(raw)));
     } else {
       return Codec<typename Union::Kind>::decode(std::move(tag), at);
     }

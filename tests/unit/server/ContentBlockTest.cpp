@@ -30,6 +30,8 @@ TEST(ContentBlockTest, ReadsWhatItWrites) {
 TEST(ContentBlockTest, RefusesOtherTypes) {
   EXPECT_EQ(refusal(R"({"type":"audio","data":""})"),
             "type: Unsupported content block type: audio");
+  EXPECT_EQ(refusal(R"({"type":"of\ntwo lines","data":""})"),
+            R"(type: Unsupported content block type: of\ntwo lines)");
   EXPECT_EQ(refusal(R"({"text":"x"})"), "type: required");
   EXPECT_EQ(refusal(R"({"type":"text"})"), "text: required");
   EXPECT_EQ(refusal(R"({"type":"image","data":"x"})"), "mimeType: required");
