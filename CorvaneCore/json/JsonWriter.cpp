@@ -25,9 +25,11 @@ constexpr EscapeTable makeEscapes(SlashStyle slashes) {
   constexpr std::string_view hexDigits = "0123456789abcdef";
   EscapeTable table{};
   for (std::size_t byte = 0; byte < table.size(); ++byte) {
-    table[byte] = {{static_cast<char>(byte)}, 1};
-    if (byte < 0x20)
-      table[byte] = {{'\\', 'u', '0', '0', hexDigits[byte >> 4], hexDigits[byte & 15]}, 6};
+    Escape& escape = table[byte];
+    escape = {{static_cast<char>(byte)}, 1};
+    if (byte < 0x20) {
+      escape = {{'\\', 'u', '0', '0', hexDigits[byte >> 4], hexDigits[byte & 15]}, 6};
+    }
   }
   const auto abbreviate = [&table](char byte, char letter) {
     table[static_cast<unsigned char>(byte)] = {{'\\', letter}, 2};
