@@ -1,4 +1,5 @@
 #include "bench/speed/Messages.h"
+#include "bench/speed/OneCore.h"
 #include "bench/speed/RoundTrips.h"
 #include "bench/speed/rows/Rows.h"
 #include "tests/support/TemporaryHome.h"
@@ -15,31 +16,56 @@ void addRound(RoundTrips& trips, const Contender::Command& command) {
   trips.addRound(contender, pingsPerRound, Messages::ping, "\"result\":{}");
 }
 
-}  // namespace
-
-Rows::Findings Rows::ping(const Setting& setting) {
-  const TemporaryHome home;
+struct Pings {
   RoundTrips server;
   RoundTrips sdk;
   RoundTrips floor;
   RoundTrips loggingFloor;
-  for (int i = 0; i < setting.rounds; ++i) {
-    addRound(floor, setting.floorProgram());
-    addRound(loggingFloor, setting.loggingFloor());
-    addRound(server, setting.serverIn(home.path()));
-    addRound(sdk, setting.sdkServer());
+
+  void addRounds(const Setting& setting) {
+    const TemporaryHome home;
+    for (int i = 0; i < setting.rounds; ++i) {
+      addRound(floor, setting.floorProgram());
+      addRound(loggingFloor, setting.loggingFloor());
+      addRound(server, setting.serverIn(home.path()));
+      addRound(sdk, setting.sdkServer());
+    }
   }
-  Finding median = timesBetter("ping round trip, median, against the SDK server", 4,
-                               sdk.median() / server.median());
-  Finding percentile = timesBetter("ping round trip, p99, against the SDK server", 50,
-                                   sdk.percentile99() / server.percentile99());
-  const double logLine = loggingFloor.median() - floor.median();
-  Finding toFloor = timesAtMost("ping round trip, median less one log line, against the floor", 3,
-                                (server.median() - logLine) / floor.median());
-  median.ours = percentile.ours = toFloor.ours = server.text();
-  median.others = percentile.others = sdk.text();
-  toFloor.others = floor.text() + "; log line " + shortNumber(logLine) + " µs";
-  return {median, percentile, toFloor};
+
+  [[nodiscard]] Rows::Findings againstSdk(const std::string& what) const {
+    Finding median =
+        timesBetter(what + ", median, against the SDK server", 4, sdk.median() / server.median());
+    Finding percentile = timesBetter(what + ", p99, against the SDK server", 50,
+                                     sdk.percentile99() / server.percentile99());
+    median.ours = percentile.ours = server.text();
+    median.others = percentile.others = sdk.text();
+    return {median, percentile};
+  }
+
+  [[nodiscard]] Finding againstFloor(const std::string& what) const {
+    const double logLine = loggingFloor.median() - floor.median();
+    Finding finding = timesAtMost(what + ", median less one log line, against the floor", 3,
+                                  (server.median() - logLine) / floor.median());
+    finding.ours = server.text();
+    finding.others = floor.text() + "; log line " + shortNumber(logLine) + " µs";
+    return finding;
+  }
+};
+
+}  // namespace
+
+Rows::Findings Rows::ping(const Setting& setting) {
+  Pings anywhere;
+  anywhere.addRounds(setting);
+  Findings findings = anywhere.againstSdk("ping round trip");
+
+  const OneCore core;
+  Pings together;
+  together.addRounds(setting);
+  const std::string what = "ping round trip on one core";
+  for (auto& finding : together.againstSdk(what)) findings.push_back(std::move(finding));
+  findings.push_back(together.againstFloor(what));
+  return findings;
 }
 
 }  // namespace corvane
