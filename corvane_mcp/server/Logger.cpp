@@ -66,7 +66,11 @@ void Logger::queueForFile(std::string line) {
   changed.wait(lock, [this] { return queuedBytes < mostQueuedBytes; });
   queuedBytes += line.size();
   queued.push_back(std::move(line));
-  if (std::exchange(workerIdle, false)) changed.notify_all();
+  if (std::exchange(workerIdle, false)) {
+    // It would otherwise wake only to wait for the lock.
+    lock.unlock();
+    changed.notify_all();
+  }
 }
 
 void Logger::writeQueuedLines() {
