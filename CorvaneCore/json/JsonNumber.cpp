@@ -1,5 +1,6 @@
 #include "CorvaneCore/json/JsonNumber.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -72,7 +73,7 @@ std::optional<std::int64_t> shortInteger(std::string_view literal) {
   return negative ? -value : value;
 }
 
-/// An exponent far beyond any number's digits stands in for all larger ones.
+/// An exponent far beyond any number's digits stands in for all that are further from zero.
 constexpr std::int64_t hugeExponent = std::int64_t{1} << 40;
 
 std::int64_t exponentValue(std::string_view exponent) {
@@ -81,10 +82,8 @@ std::int64_t exponentValue(std::string_view exponent) {
   std::int64_t value = 0;
   const auto [end, error] =
       std::from_chars(exponent.data(), exponent.data() + exponent.size(), value);
-  if (error != std::errc{} || std::abs(value) > hugeExponent) {
-    return exponent.front() == '-' ? -hugeExponent : hugeExponent;
-  }
-  return value;
+  if (error != std::errc{}) return exponent.front() == '-' ? -hugeExponent : hugeExponent;
+  return std::clamp(value, -hugeExponent, hugeExponent);
 }
 
 /// Whether nothing shows at first sight that the literal's value is no whole number.

@@ -24,6 +24,10 @@ TEST(JsonNumberTest, WholeNumbersWithin64BitsAreIntegersHoweverSpelled) {
       {"0e5", 0},
       {"0e999999999999999999999", 0},
       {"0.000e-999999999999999999999", 0},
+      {"0e9223372036854775807", 0},
+      {"2e-9223372036854775807", 0},
+      {"2e-9223372036854775808", 0},
+      {"2e-9223372036854775809", 0},
       {"7", 7},
       {"7.0", 7},
       {"1e3", 1000},
@@ -101,7 +105,8 @@ TEST(JsonNumberTest, ANumberThatADoubleCanOnlyHoldAsAWholeOneIsAnInteger) {
 
 TEST(JsonNumberTest, NumbersBeyondADoubleAreRefused) {
   for (const char* literal :
-       {"1e309", "-1e309", "1.7976931348623159e308", "1e400", "1e999999999999999999999",
+       {"1e309", "-1e309", "1.7976931348623159e308", "1e400", "1e9223372036854775807",
+        "1e9223372036854775808", "1e999999999999999999999",
         "-1e99999999999999999999999999999999999", "0.1e999999999"}) {
     EXPECT_EQ(parseJsonNumber(literal), std::nullopt) << literal;
     EXPECT_FALSE(isJsonNumber(literal)) << literal;
