@@ -15,12 +15,14 @@ Clock::Elapsed SystemClock::elapsed() const {
 }
 
 Task<void> SystemClock::sleepFor(std::chrono::milliseconds duration) const {
-  // Sleeps that end at about the same time end together: a thousand calls that wait would otherwise
-  // wake a thread each for itself.
-  using Grid = std::chrono::duration<std::int64_t, std::centi>;
-  asio::steady_timer timer(co_await asio::this_coro::executor,
-                           std::chrono::ceil<Grid>(elapsed() + duration));
+  asio::steady_timer timer(co_await asio::this_coro::executor, endOfSleep(elapsed() + duration));
   co_await timer.async_wait(asio::use_awaitable);
+}
+
+Clock::Elapsed SystemClock::endOfSleep(Elapsed due) {
+  // A thousand calls that wait would otherwise wake a thread each for itself.
+  using Grid = std::chrono::duration<std::int64_t, std::centi>;
+  return std::chrono::ceil<Grid>(due);
 }
 
 }  // namespace corvane

@@ -32,6 +32,8 @@ class SystemClock final : public Clock {
   [[nodiscard]] FileTime now() const override;
   [[nodiscard]] Elapsed elapsed() const override;
   [[nodiscard]] Task<void> sleepFor(std::chrono::milliseconds duration) const override;
+  /// When a sleep that is due at `due` ends: then or up to 10 ms later, together with others.
+  [[nodiscard]] static Elapsed endOfSleep(Elapsed due);
 };
 
 /// Whole seconds from `then` to `now`, truncated toward zero.

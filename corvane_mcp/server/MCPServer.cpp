@@ -177,6 +177,7 @@ template <class Result>
 void MCPServer::send(const JSONRPCResponseWith<Result>& response, Delivery delivery) {
   try {
     if (delivery == Delivery::now) {
+      // Only texts are ever large, and a text can always be encoded: nothing is broken off.
       parts.writer.sendWhileEncoding([&response](JsonSink& sink) {
         Codec<JSONRPCResponseWith<Result>>::encode(response, sink);
       });

@@ -41,5 +41,13 @@ TEST(ClockTest, SleepsAtLeastAsLongAsAsked) {
   EXPECT_GE(clock.elapsed() - start, 20ms);
 }
 
+TEST(ClockTest, EndsSleepsTogetherThatAreDueAtAboutTheSameTime) {
+  const Clock::Elapsed due{1000s};
+  EXPECT_EQ(SystemClock::endOfSleep(due), due);
+  EXPECT_EQ(SystemClock::endOfSleep(due + 1ns), due + 10ms);
+  EXPECT_EQ(SystemClock::endOfSleep(due + 10ms), due + 10ms);
+  EXPECT_EQ(SystemClock::endOfSleep(due + 10ms + 1ns), due + 20ms);
+}
+
 }  // namespace
 }  // namespace corvane

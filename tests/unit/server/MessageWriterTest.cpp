@@ -226,5 +226,34 @@ TEST_F(MessageWriterTest, KeepsMessagesOfSeveralThreadsWholeAndInOrder) {
   for (int thread = 0; thread < threadCount; ++thread) EXPECT_EQ(next[thread], messageCount);
 }
 
+TEST_F(MessageWriterTest, NothingComesBetweenThePiecesOfALargeMessage) {
+  constexpr int count = 50;
+  std::future<std::string> everything =
+      std::async(std::launch::async, [this] { return readToEnd(pipe.reading.get()); });
+  const std::string text(300'000, 'x');
+  {
+    MessageWriter writer(std::move(pipe.writing));
+    const auto sendLarge = [&] {
+      for (int i = 0; i < count; ++i) {
+        writer.sendWhileEncoding([&](JsonSink& sink) { sink.string(text); });
+      }
+    };
+    std::thread one(sendLarge);
+    std::thread other(sendLarge);
+    for (int i = 0; i < count; ++i) {
+      writer.queue("queued");
+      writer.send("sent");
+    }
+    one.join();
+    other.join();
+  }
+  std::map<std::string, int> received;
+  std::istringstream lines(everything.get());
+  for (std::string line; std::getline(lines, line);) ++received[line];
+  EXPECT_TRUE(
+      (received == std::map<std::string, int>{
+                       {"\"" + text + "\"", 2 * count}, {"queued", count}, {"sent", count}}));
+}
+
 }  // namespace
 }  // namespace corvane
