@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <set>
 #include <sstream>
 #include <vector>
@@ -97,7 +98,8 @@ class FileFaultsTest : public FaultTest {
     Outcome outcome;
     // One at a time, so that the operations come in the same order in every life.
     for (const auto& request : conversation()) {
-      server.sendLine(request);
+      // The log's thread may have met its fault, and ended the server, since the last reply.
+      if (!server.offerLine(request)) break;
       const auto reply = server.nextLine();
       if (!reply) break;
       outcome.replies.push_back(*reply);
@@ -211,6 +213,17 @@ TEST_F(FileFaultsTest, ShortWritesAndReadsChangeNothing) {
     EXPECT_EQ(promised(outcome), dropped(other.paths()));
     fs::remove(home.path() / "faulty");
   }
+}
+
+// Fails when the conversation takes a server that has gone between two requests for an error.
+TEST_F(FileFaultsTest, AServerThatIsGoneBeforeItHasReadIsToldFromOneThatReads) {
+  ServerProcess server(setup());
+  EXPECT_TRUE(server.offerLine(ping(1)));
+  EXPECT_EQ(server.readLine(), pong(1));
+  ::kill(server.id(), SIGKILL);
+  EXPECT_EQ(server.readToEnd(), std::vector<std::string>{});
+  EXPECT_FALSE(server.offerLine(ping(2)));
+  EXPECT_EQ(server.wait(), "signal 9");
 }
 
 TEST_F(FileFaultsTest, AServerThatIsKilledLeavesWholeFilesOnly) {

@@ -121,6 +121,16 @@ void ServerProcess::sendLine(std::string_view line) {
   send(std::string(line) += '\n');
 }
 
+bool ServerProcess::offerLine(std::string_view line) {
+  try {
+    sendLine(line);
+    return true;
+  } catch (const std::system_error& error) {
+    if (error.code() != std::errc::broken_pipe) throw;
+    return false;
+  }
+}
+
 void ServerProcess::waitUntilTaken() {
   waitUntil("the server has read its input", [&] {
     int waiting = 0;

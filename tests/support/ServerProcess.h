@@ -44,10 +44,12 @@ class ServerProcess {
 
   [[nodiscard]] pid_t id() const { return process; }
 
-  /// Sends these bytes.
+  /// Sends these bytes. Throws std::system_error when the server has gone as a reader.
   void send(std::string_view bytes);
   /// Sends `line` and a line feed.
   void sendLine(std::string_view line);
+  /// The same for a server that may have ended meanwhile: false when nobody reads any more.
+  [[nodiscard]] bool offerLine(std::string_view line);
   /// Returns when the server has read everything that was sent.
   void waitUntilTaken();
   /// Ends the server's input.
