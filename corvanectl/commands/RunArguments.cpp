@@ -1,6 +1,6 @@
 #include "corvanectl/commands/RunArguments.h"
 
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/text/Unicode.h"
 #include "CorvaneCore/text/Uuid.h"
 
 namespace corvane {

@@ -1,6 +1,5 @@
 #include <algorithm>
 
-#include "CorvaneCore/json/IndentedJson.h"
 #include "CorvaneCore/json/JsonWriter.h"
 #include "corvanectl/commands/Commands.h"
 #include "corvanectl/protocol/ProtocolError.h"

@@ -11,7 +11,7 @@ namespace corvane {
 namespace {
 
 /// The text as part of a file name: what could lead elsewhere becomes a dash.
-std::string fileNamePart(std::string_view text) {
+std::string plainName(std::string_view text) {
   std::string part(text);
   std::replace_if(
       part.begin(), part.end(),
@@ -34,7 +34,7 @@ std::string_view suffixFor(std::string_view mimeType) {
 
 PictureOutput::PictureOutput(std::optional<std::filesystem::path> directory, std::string_view tool,
                              std::optional<InlinePictures> terminal)
-    : directory(std::move(directory)), tool(fileNamePart(tool)), terminal(terminal) {}
+    : directory(std::move(directory)), tool(plainName(tool)), terminal(terminal) {}
 
 std::string PictureOutput::take(const ToolResult::Image& image) {
   const std::string kind = oneLine(image.mimeType);

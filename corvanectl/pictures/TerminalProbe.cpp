@@ -11,7 +11,7 @@
 #include <string>
 #include <string_view>
 
-#include "CorvaneCore/files/FileDescriptor.h"
+#include "CorvaneCore/files/Files.h"
 #include "corvanectl/terminal/TextStream.h"
 
 namespace corvane {

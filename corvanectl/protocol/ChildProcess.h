@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "CorvaneCore/files/FileDescriptor.h"
+#include "CorvaneCore/files/Files.h"
 
 namespace corvane {
 

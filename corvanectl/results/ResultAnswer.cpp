@@ -1,6 +1,6 @@
 #include "corvanectl/results/ResultAnswer.h"
 
-#include "CorvaneCore/results/RunStatus.h"
+#include "CorvaneCore/results/AgentRunResult.h"
 #include "corvanectl/protocol/ProtocolError.h"
 
 namespace corvane {

@@ -6,7 +6,7 @@
 #include <array>
 #include <span>
 
-#include "CorvaneCore/files/FileDescriptor.h"
+#include "CorvaneCore/files/Files.h"
 #include "corvanectl/system/Deadline.h"
 
 namespace corvane {
