@@ -12,8 +12,8 @@
 #include "corvane_mcp/server/ClientIdentity.h"
 #include "corvane_mcp/server/LineReader.h"
 #include "corvane_mcp/server/Logger.h"
+#include "corvane_mcp/server/MCPTool.h"
 #include "corvane_mcp/server/MessageWriter.h"
-#include "corvane_mcp/server/ToolRegistry.h"
 #include "corvane_mcp/server/ToolTasks.h"
 
 namespace corvane {

@@ -1,22 +1,35 @@
-#include "corvane_mcp/tools/GetResultTool.h"
-
 #include <algorithm>
 #include <iterator>
 
 #include "CorvaneCore/text/Uuid.h"
+#include "corvane_mcp/results/ResultFileStore.h"
 #include "corvane_mcp/results/ResultTexts.h"
 #include "corvane_mcp/results/StepTraceChoice.h"
-#include "corvane_mcp/tools/RequestIdArgument.h"
 #include "corvane_mcp/tools/ToolArguments.h"
+#include "corvane_mcp/tools/Tools.h"
 
 namespace corvane {
 
 namespace {
 
-constexpr std::int64_t longestWait = 240;
+constexpr std::string_view name = "get_result";
 
-/// About four and a half missed heartbeats of some 20 seconds.
-constexpr std::int64_t staleAfterSeconds = 91;
+constexpr std::string_view description =
+    R"(Fetch the status and results of a Corvane run started by create_test or run_test. The requestIds of explore_flow and of the library tools work the same way.
+
+Results are progressive (received → queued → building → running → terminal). Terminal statuses: passed, failed, warning, blocked, cancelled, error (and imported, for create_test with autoRun=false).
+
+waitSeconds (0-240, default 0) long-polls inside this single call: it returns as soon as the status is terminal, or with the latest snapshot when the time is up — that timeout is NOT an error; just call get_result again. Recommended loop: get_result with waitSeconds 120, repeated until the status is terminal. If your client's per-call timeout is shorter than that, pass a smaller value (e.g. 45).
+
+Reading the answer:
+  • The result JSON is compact; failed steps carry an AI-written failureReason.
+  • status "blocked" means an action is needed from you or the user: read blocked.code and blocked.message.
+  • A step with status "healed" passed only after Corvane adapted to an unexpected screen; audit it with includeStepTrace before you trust the pass.
+  • Non-terminal snapshots carry liveness: appRunning and secondsSinceUpdate, and a plain warning when the run died with the app or looks wedged.
+
+includeStepTrace adds before/after screenshots of any executed step as image blocks — by default the failing step, or the last executed one; traceStepIndex picks another step, and traceTestIndex picks the test of a multi-test run. Costs image tokens — request only what you need.)";
+
+constexpr std::int64_t longestWait = 240;
 
 struct Arguments {
   std::optional<std::string> requestId;
@@ -55,9 +68,10 @@ struct Arguments {
 };
 
 /// Sends a numbered progress notification for every snapshot.
-ResultFileStore::OnUpdate progressUpdates(const std::optional<ProgressReporter>& reporter) {
+ResultFileStore::OnUpdate progressUpdates(std::optional<ProgressReporter> reporter) {
   if (!reporter) return nullptr;
-  return [reporter = *reporter, count = 0](const ResultFileStore::Snapshot& snapshot) mutable {
+  return [reporter = std::move(*reporter),
+          count = 0](const ResultFileStore::Snapshot& snapshot) mutable {
     reporter.emit(++count, std::nullopt, ResultTexts::progressLine(snapshot));
   };
 }
@@ -66,8 +80,8 @@ std::string pendingText(const std::string& id) {
   return "status: pending (Corvane has not picked up the request yet)\n\n{\"requestId\":\"" + id +
          "\",\"status\":\"pending\",\"terminal\":false}\n\nThe request file is still waiting in "
          "Corvane's drop folder. Is Corvane.app running and signed in? (create_test/run_test "
-         "launch "
-         "it, but a cold start takes a few seconds — call get_result again with waitSeconds.)";
+         "launch it, but a cold start takes a few seconds — call get_result again with "
+         "waitSeconds.)";
 }
 
 std::string unknownText(const std::string& id) {
@@ -82,62 +96,8 @@ std::string unreadableText(const std::filesystem::path& path) {
          displayPath(path);
 }
 
-}  // namespace
-
-std::string_view GetResultTool::description() const {
-  return R"(Fetch the status and results of a Corvane run started by create_test or run_test. The requestIds of explore_flow and of the library tools work the same way.
-
-Results are progressive (received → queued → building → running → terminal). Terminal statuses: passed, failed, warning, blocked, cancelled, error (and imported, for create_test with autoRun=false).
-
-waitSeconds (0-240, default 0) long-polls inside this single call: it returns as soon as the status is terminal, or with the latest snapshot when the time is up — that timeout is NOT an error; just call get_result again. Recommended loop: get_result with waitSeconds 120, repeated until the status is terminal. If your client's per-call timeout is shorter than that, pass a smaller value (e.g. 45).
-
-Reading the answer:
-  • The result JSON is compact; failed steps carry an AI-written failureReason.
-  • status "blocked" means an action is needed from you or the user: read blocked.code and blocked.message.
-  • A step with status "healed" passed only after Corvane adapted to an unexpected screen; audit it with includeStepTrace before you trust the pass.
-  • Non-terminal snapshots carry liveness: appRunning and secondsSinceUpdate, and a plain warning when the run died with the app or looks wedged.
-
-includeStepTrace adds before/after screenshots of any executed step as image blocks — by default the failing step, or the last executed one; traceStepIndex picks another step, and traceTestIndex picks the test of a multi-test run. Costs image tokens — request only what you need.)";
-}
-
-AnyCodable GetResultTool::inputSchema() const {
-  return schemaOf<Arguments>(OtherProperties::refused);
-}
-
-Task<ToolsCallResult> GetResultTool::call(ToolCall call) const {
-  const auto arguments = takeArguments<Arguments>(call, name());
-  const auto id = parseRequestId(arguments.requestId.value_or(""));
-  if (!id) co_return ToolsCallResult::failure(RequestIdArgument::invalidText(arguments.requestId));
-  const auto waitSeconds =
-      std::clamp<std::int64_t>(arguments.waitSeconds.value_or(0), 0, longestWait);
-
-  auto outcome = co_await store.poll(*id, waitSeconds, progressUpdates(call.progress));
-  if (std::holds_alternative<ResultFileStore::Pending>(outcome)) {
-    co_return ToolsCallResult::success(pendingText(*id));
-  }
-  if (std::holds_alternative<ResultFileStore::Unknown>(outcome)) {
-    co_return ToolsCallResult::failure(unknownText(*id));
-  }
-  if (const auto* unreadable = std::get_if<ResultFileStore::Unreadable>(&outcome)) {
-    co_return ToolsCallResult::failure(unreadableText(unreadable->path));
-  }
-  auto& snapshot = std::get<ResultFileStore::Snapshot>(outcome);
-  const std::string header = snapshotHeader(snapshot) + "\n\n";
-  std::vector<ContentBlock> further;
-  if (auto advice = ResultTexts::interruptAdvice(snapshot)) {
-    further.push_back(ContentBlock::text(std::move(*advice)));
-  }
-  if (arguments.includeStepTrace.value_or(false)) {
-    const StepTraceChoice choice{arguments.traceStepIndex, arguments.traceTestIndex};
-    for (auto& block : choice.blocks(snapshot.rawJSON)) further.push_back(std::move(block));
-  }
-  // Results can be large, so the one text there is becomes the answer.
-  auto result = ToolsCallResult::success(std::move(snapshot.rawJSON.insert(0, header)));
-  std::move(further.begin(), further.end(), std::back_inserter(result.content));
-  co_return result;
-}
-
-std::string GetResultTool::snapshotHeader(const ResultFileStore::Snapshot& snapshot) const {
+std::string snapshotHeader(const ResultFileStore::Snapshot& snapshot,
+                           const ToolServices& services) {
   std::string header = "status: " + snapshot.status;
   if (snapshot.terminal) return header + " (terminal)";
 
@@ -158,6 +118,49 @@ std::string GetResultTool::snapshotHeader(const ResultFileStore::Snapshot& snaps
   }
   return header +
          " (NOT terminal — run still in progress, call get_result again)\nappRunning: true" + age;
+}
+
+Task<ToolsCallResult> call(Arguments arguments, std::optional<ProgressReporter> progress,
+                           ToolServices services) {
+  const auto id = parseRequestId(arguments.requestId.value_or(""));
+  if (!id) co_return ToolsCallResult::failure(RequestIdArgument::invalidText(arguments.requestId));
+  const auto waitSeconds =
+      std::clamp<std::int64_t>(arguments.waitSeconds.value_or(0), 0, longestWait);
+
+  const ResultFileStore store(services.paths, services.clock);
+  auto outcome = co_await store.poll(*id, waitSeconds, progressUpdates(std::move(progress)));
+  if (std::holds_alternative<ResultFileStore::Pending>(outcome)) {
+    co_return ToolsCallResult::success(pendingText(*id));
+  }
+  if (std::holds_alternative<ResultFileStore::Unknown>(outcome)) {
+    co_return ToolsCallResult::failure(unknownText(*id));
+  }
+  if (const auto* unreadable = std::get_if<ResultFileStore::Unreadable>(&outcome)) {
+    co_return ToolsCallResult::failure(unreadableText(unreadable->path));
+  }
+  auto& snapshot = std::get<ResultFileStore::Snapshot>(outcome);
+  const std::string header = snapshotHeader(snapshot, services) + "\n\n";
+  std::vector<ContentBlock> further;
+  if (auto advice = ResultTexts::interruptAdvice(snapshot)) {
+    further.push_back(ContentBlock::text(std::move(*advice)));
+  }
+  if (arguments.includeStepTrace.value_or(false)) {
+    const StepTraceChoice choice{arguments.traceStepIndex, arguments.traceTestIndex};
+    for (auto& block : choice.blocks(snapshot.rawJSON)) further.push_back(std::move(block));
+  }
+  // Results can be large, so the one text there is becomes the answer.
+  auto result = ToolsCallResult::success(std::move(snapshot.rawJSON.insert(0, header)));
+  std::move(further.begin(), further.end(), std::back_inserter(result.content));
+  co_return result;
+}
+
+}  // namespace
+
+MCPTool makeGetResultTool(const ToolServices& services) {
+  return {name, description, [] { return schemaOf<Arguments>(OtherProperties::refused); },
+          [services](ToolCall sent) {
+            return call(takeArguments<Arguments>(sent, name), std::move(sent.progress), services);
+          }};
 }
 
 }  // namespace corvane

@@ -16,4 +16,10 @@ ToolsCallResult invalidArguments(std::string_view reason) {
   return ToolsCallResult::failure(std::string("error:invalid_arguments\n\n").append(reason));
 }
 
+std::string RequestIdArgument::invalidText(const std::optional<std::string>& given) {
+  return "error:invalid_request_id\n\nrequestId must be the UUID returned by create_test/run_test. "
+         "Got: '" +
+         given.value_or("<missing>") + "'";
+}
+
 }  // namespace corvane

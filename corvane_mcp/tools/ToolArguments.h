@@ -149,4 +149,21 @@ template <class Arguments>
   return object ? tool_arguments_detail::takeDeclared<Arguments>(*object) : Arguments();
 }
 
+/// The arguments of a tool that takes none.
+struct NoArguments {
+  static auto arguments() { return std::tuple(); }
+};
+
+/// The `requestId` argument that tools take about a dispatched request.
+namespace RequestIdArgument {
+
+/// The pattern that the schemas publish.
+inline constexpr const char* pattern =
+    "^[0-9a-fA-F]{8}-[0-9a-fA-F]{4}-[0-9a-fA-F]{4}-[0-9a-fA-F]{4}-[0-9a-fA-F]{12}$";
+
+/// The refusal of a value that is no UUID.
+[[nodiscard]] std::string invalidText(const std::optional<std::string>& given);
+
+}  // namespace RequestIdArgument
+
 }  // namespace corvane

@@ -1,4 +1,4 @@
-#include "corvane_mcp/tools/GetResultTool.h"
+#include "corvane_mcp/tools/Tools.h"
 
 #include <gtest/gtest.h>
 
@@ -26,7 +26,7 @@ class GetResultToolTest : public testing::Test {
   }
 
   ToolBench bench;
-  GetResultTool tool{bench.services};
+  const MCPTool tool = makeGetResultTool(bench.services);
   const std::filesystem::path file = bench.paths.agentResultsDirectory() / (id + ".json");
 };
 

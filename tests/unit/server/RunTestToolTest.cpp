@@ -1,4 +1,4 @@
-#include "corvane_mcp/tools/RunTestTool.h"
+#include "corvane_mcp/tools/Tools.h"
 
 #include <gtest/gtest.h>
 
@@ -63,7 +63,7 @@ class RunTestToolTest : public testing::Test {
   }
 
   ToolBench bench;
-  RunTestTool tool{bench.services};
+  const MCPTool tool = makeRunTestTool(bench.services);
 };
 
 constexpr const char* projectRefusal =

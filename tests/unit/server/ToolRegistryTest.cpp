@@ -1,4 +1,4 @@
-#include "corvane_mcp/server/ToolRegistry.h"
+#include "corvane_mcp/server/MCPTool.h"
 
 #include <gtest/gtest.h>
 
@@ -12,10 +12,8 @@
 namespace corvane {
 namespace {
 
-std::unique_ptr<MCPTool> answering(std::string name, std::string answer) {
-  return std::make_unique<FakeTool>(std::move(name), [answer](ToolCall) -> Task<ToolsCallResult> {
-    co_return ToolsCallResult::success(answer);
-  });
+MCPTool answering(std::string_view name, std::string answer) {
+  return fakeTool(name, [answer](const ToolCall&) { return ToolsCallResult::success(answer); });
 }
 
 TEST(ToolRegistryTest, ListsToolsSortedByName) {
@@ -32,7 +30,7 @@ TEST(ToolRegistryTest, PutsALaterToolInThePlaceOfAnEarlierOne) {
   registry.add(answering("x", "first"));
   registry.add(answering("x", "second"));
   EXPECT_EQ(registry.descriptors().tools.size(), 1U);
-  EXPECT_EQ(textOf(runTask(registry.call("x", {}))), "second");
+  EXPECT_EQ(textOf(runTask(registry.find("x").call({}))), "second");
 }
 
 TEST(ToolRegistryTest, FindsToolsByTheirExactName) {
@@ -40,7 +38,7 @@ TEST(ToolRegistryTest, FindsToolsByTheirExactName) {
   registry.add(answering("health", ""));
   for (const char* name : {"Health", "health ", "", "heal"}) {
     try {
-      runTask(registry.call(name, {}));
+      (void)registry.find(name);
       ADD_FAILURE() << name;
     } catch (const JSONRPCError& error) {
       EXPECT_EQ(error.code, JSONRPCError::invalidParams);
@@ -51,11 +49,16 @@ TEST(ToolRegistryTest, FindsToolsByTheirExactName) {
 
 TEST(ToolRegistryTest, LetsThroughWhatAToolThrows) {
   ToolRegistry registry;
-  registry.add(std::make_unique<FakeTool>("x", [](ToolCall) -> Task<ToolsCallResult> {
+  registry.add(fakeTool(
+      "plain", [](const ToolCall&) -> ToolsCallResult { throw std::runtime_error("broken"); }));
+  registry.add(fakeTool("waiting", [](ToolCall) -> Task<ToolsCallResult> {
     throw std::runtime_error("broken");
     co_return ToolsCallResult();
   }));
-  EXPECT_EQ(errorText<std::runtime_error>([&] { runTask(registry.call("x", {})); }), "broken");
+  for (const char* name : {"plain", "waiting"}) {
+    EXPECT_EQ(errorText<std::runtime_error>([&] { runTask(registry.find(name).call({})); }),
+              "broken");
+  }
 }
 
 TEST(ToolRegistryTest, HoldsToolsWhoseSchemasDescribeObjects) {

@@ -1,21 +1,49 @@
-#include "corvane_mcp/tools/GetStatusTool.h"
-
 #include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/json/JsonReader.h"
 #include "CorvaneCore/json/JsonWriter.h"
 #include "corvane_mcp/tools/ToolArguments.h"
+#include "corvane_mcp/tools/Tools.h"
 #include "corvane_mcp/workspace/RecentResults.h"
 
 namespace corvane {
 
 namespace {
 
-/// About four and a half missed heartbeats of some 20 seconds.
-constexpr std::int64_t wedgedAfterSeconds = 91;
+namespace health {
 
-struct Arguments {
-  static auto arguments() { return std::tuple(); }
-};
+constexpr std::string_view name = "health";
+
+constexpr std::string_view description =
+    "Confirms the corvane-mcp server is alive. Returns the path to the bundled Corvane.app and "
+    "the AgentImports drop folder.";
+
+ToolsCallResult call(const ToolServices& services) {
+  const AgentPaths& paths = services.paths;
+  std::string text = "corvane-mcp is healthy.";
+  text += "\n  Corvane.app:      " + Dispatch::describeApp(services.launcher.findCorvaneApp());
+  text += "\n  AgentImports:     " + displayPath(paths.agentImportsDirectory());
+  text += "\n  AgentRunRequests: " + displayPath(paths.agentRunRequestsDirectory());
+  text += "\n  AgentResults:     " + displayPath(paths.agentResultsDirectory());
+  text += "\n  MCP log file:     " + displayPath(paths.logFile());
+  return ToolsCallResult::success(std::move(text));
+}
+
+}  // namespace health
+
+namespace get_status {
+
+constexpr std::string_view name = "get_status";
+
+constexpr std::string_view description =
+    R"(Ask Corvane "what are you doing right now?" — no requestId needed. Returns:
+  • whether Corvane.app is running
+  • the agent request it is executing, and the FIFO queue behind it
+  • whether non-agent work holds the run gate (a user-initiated run or a scheduled trigger) — run_test queues behind it
+  • whether an authoring session is live in the app
+  • the bound simulator/emulator
+  • the most recent requestIds with their statuses — recover a lost requestId here
+
+Use it to REACT to anomalies instead of polling blind: before you dispatch work, when get_result looks stale or a request stays queued longer than expected, after you lost a requestId. For following a specific run, get_result remains the right tool — it long-polls and carries per-step detail.)";
 
 /// The published activity as plain JSON, so that whatever a newer app adds passes through; nothing
 /// when there is none or it makes no sense.
@@ -55,30 +83,12 @@ std::optional<std::string> livenessWarning(const AnyCodable& activity, std::int6
     return "warning: Corvane.app is not running — the 'active' work in this snapshot died with it "
            "and will not progress.";
   }
-  if (age < wedgedAfterSeconds) return std::nullopt;
+  if (age < staleAfterSeconds) return std::nullopt;
   return "warning: activity claims active work but has not been touched in " + std::to_string(age) +
          "s (heartbeat is ~20s) — Corvane may be wedged.";
 }
 
-}  // namespace
-
-std::string_view GetStatusTool::description() const {
-  return R"(Ask Corvane "what are you doing right now?" — no requestId needed. Returns:
-  • whether Corvane.app is running
-  • the agent request it is executing, and the FIFO queue behind it
-  • whether non-agent work holds the run gate (a user-initiated run or a scheduled trigger) — run_test queues behind it
-  • whether an authoring session is live in the app
-  • the bound simulator/emulator
-  • the most recent requestIds with their statuses — recover a lost requestId here
-
-Use it to REACT to anomalies instead of polling blind: before you dispatch work, when get_result looks stale or a request stays queued longer than expected, after you lost a requestId. For following a specific run, get_result remains the right tool — it long-polls and carries per-step detail.)";
-}
-
-AnyCodable GetStatusTool::inputSchema() const {
-  return schemaOf<Arguments>(OtherProperties::refused);
-}
-
-Task<ToolsCallResult> GetStatusTool::call(ToolCall) const {
+ToolsCallResult call(const ToolServices& services) {
   const bool appRunning = services.launcher.isRunning();
   const FileTime now = services.clock.now();
   JsonObject status{{"appRunning", appRunning}};
@@ -99,7 +109,23 @@ Task<ToolsCallResult> GetStatusTool::call(ToolCall) const {
   std::string text = appRunning ? "Corvane status (appRunning: true).\n\n"
                                 : "Corvane status (appRunning: false).\n\n";
   text += notes + toJson(std::move(status));
-  co_return ToolsCallResult::success(std::move(text));
+  return ToolsCallResult::success(std::move(text));
+}
+
+}  // namespace get_status
+
+}  // namespace
+
+MCPTool makeHealthTool(const ToolServices& services) {
+  using namespace health;
+  return {name, description, [] { return schemaOf<NoArguments>(OtherProperties::refused); },
+          [services](const ToolCall&) { return call(services); }};
+}
+
+MCPTool makeGetStatusTool(const ToolServices& services) {
+  using namespace get_status;
+  return {name, description, [] { return schemaOf<NoArguments>(OtherProperties::refused); },
+          [services](const ToolCall&) { return call(services); }};
 }
 
 }  // namespace corvane

@@ -1,4 +1,4 @@
-#include "corvane_mcp/tools/Dispatch.h"
+#include "corvane_mcp/tools/ToolServices.h"
 
 namespace corvane {
 
