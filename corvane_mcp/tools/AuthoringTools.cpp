@@ -1,8 +1,8 @@
 #include "CorvaneCore/authoring/AuthoringContract.h"
 #include "CorvaneCore/authoring/InputSchemaBuilder.h"
+#include "CorvaneCore/authoring/TestPayloadArguments.h"
 #include "CorvaneCore/authoring/TestValidator.h"
 #include "CorvaneCore/json/IndentedJson.h"
-#include "corvane_mcp/tools/TestPayloadArguments.h"
 #include "corvane_mcp/tools/ToolArguments.h"
 #include "corvane_mcp/tools/Tools.h"
 
@@ -21,12 +21,6 @@ constexpr std::string_view description =
     "top20' vs 'content', when to enable memoryEnabled, or to understand the "
     "openApplication/terminateApplication bookend convention).";
 
-AnyCodable::Array typeNames() {
-  AnyCodable::Array names;
-  for (const auto& row : Vocabulary<InteractionType>::rows) names.emplace_back(row.rawValue);
-  return names;
-}
-
 struct Arguments {
   std::optional<std::string> type;
 
@@ -34,7 +28,7 @@ struct Arguments {
     return std::tuple(argument("type", &Arguments::type,
                                "Optional. Return the guidance for this interaction type only. Omit "
                                "it for the whole contract.")
-                          .with("enum", typeNames()));
+                          .oneOf<InteractionType>());
   }
 };
 
@@ -116,12 +110,10 @@ std::string launchApp(const ToolServices& services) {
   return launch.describe();
 }
 
-ToolsCallResult call(JsonObject& arguments, const ToolServices& services) {
-  if (auto reason = TestPayloadArguments::refusal(arguments)) {
-    return ToolsCallResult::failure(std::move(*reason));
-  }
+ToolsCallResult call(TestPayloadArguments arguments, const ToolServices& services) {
+  if (auto reason = arguments.refusal()) return ToolsCallResult::failure(std::move(*reason));
   auto payload = Dispatch::newRequest<AgentTestSchema>(services);
-  TestPayloadArguments::moveInto(payload, arguments);
+  std::move(arguments).moveInto(payload);
 
   const ValidationResult validation = TestValidator::validate(payload);
   if (validation.hasErrors()) {
@@ -166,8 +158,9 @@ MCPTool makeListInteractionTypesTool() {
 
 MCPTool makeCreateTestTool(const ToolServices& services) {
   using namespace create_test;
-  return {name, description, inputSchema,
-          [services](ToolCall sent) { return call(requireArguments(sent, name), services); }};
+  return {name, description, inputSchema, [services](ToolCall sent) {
+            return call(takeArguments<TestPayloadArguments>(sent, name), services);
+          }};
 }
 
 }  // namespace corvane

@@ -1,6 +1,7 @@
 #include <array>
 #include <charconv>
 
+#include "CorvaneCore/authoring/vocabulary/AgentTargetPlatform.h"
 #include "CorvaneCore/json/JsonWriter.h"
 #include "CorvaneCore/requests/AgentExploreRequest.h"
 #include "CorvaneCore/text/Utf8.h"
@@ -76,7 +77,7 @@ struct Arguments {
                  "the goal."),
         argument("targetPlatform", &A::targetPlatform,
                  "Optional. Omit to use the project's currently selected platform.")
-            .with("enum", AnyCodable::Array{"iOS", "android"}),
+            .oneOf<AgentTargetPlatform>(),
         argument("maxCreditSpend", &A::maxCreditSpend,
                  "STRONGLY RECOMMENDED. Abort the session (keeping partial work) once credit spend "
                  "exceeds this. Expect ~10-20 credits per explored step (budget ~ steps x 15) — "

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <variant>
 
+#include "CorvaneCore/authoring/TestPayloadArguments.h"
 #include "CorvaneCore/requests/AgentRunRequest.h"
 #include "CorvaneCore/text/Utf8.h"
 #include "corvane_mcp/tools/ToolArguments.h"
@@ -71,10 +72,10 @@ struct Arguments {
                  "is in `xcrun simctl list devices booted`, or the -destination you built with). "
                  "Without it Corvane binds the simulator that actually has the app installed, and "
                  "reports blocked(appNotInstalled) when none does.")
-            .with("pattern", "^[A-Fa-f0-9]{8}(-[A-Fa-f0-9]{4}){3}-[A-Fa-f0-9]{12}$"),
+            .with("pattern", TestPayloadArguments::simulatorPattern),
         argument("targetPlatform", &A::targetPlatform,
                  "Optional. Omit to use the project's currently selected platform.")
-            .with("enum", AnyCodable::Array{"iOS", "android"}));
+            .oneOf<AgentTargetPlatform>());
   }
 };
 
