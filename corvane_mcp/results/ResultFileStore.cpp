@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "CorvaneCore/json/JsonMembers.h"
+#include "CorvaneCore/json/LenientReading.h"
 #include "CorvaneCore/requests/AgentRunRequest.h"
 #include "CorvaneCore/results/AgentRunResult.h"
 #include "CorvaneCore/text/Utf8.h"
@@ -73,13 +73,14 @@ std::optional<ResultFileStore::Snapshot> ResultFileStore::parse(const std::files
   Snapshot snapshot;
   try {
     // Results can be large, and an answer puts a few words before them.
-    constexpr std::size_t roomForHeader = 1024;
-    snapshot.rawJSON = readFile(file, largestFile, roomForHeader);
-    const auto members = readMembers(snapshot.rawJSON, {"status", "terminal"});
-    const auto* status = members.findAs<std::string>("status");
+    constexpr std::size_t headerCapacity = 1024;
+    snapshot.rawJSON = readFile(file, largestFile, headerCapacity);
+    const JsonObject result =
+        readMembers<&AgentRunResult::status, &AgentRunResult::terminal>(snapshot.rawJSON);
+    const auto* status = findField<&AgentRunResult::status>(result);
     if (!status) return std::nullopt;
     snapshot.status = *status;
-    const auto* stated = members.findAs<bool>("terminal");
+    const auto* stated = findField<&AgentRunResult::terminal>(result);
     snapshot.terminal = stated ? *stated : isTerminalStatus(snapshot.status);
   } catch (const FileError&) {
     return std::nullopt;

@@ -3,39 +3,42 @@
 #include <algorithm>
 #include <array>
 
-#include "CorvaneCore/json/JsonErrors.h"
-#include "CorvaneCore/json/JsonMembers.h"
+#include "CorvaneCore/json/LenientReading.h"
+#include "CorvaneCore/results/AgentRunResult.h"
 #include "CorvaneCore/text/Utf8.h"
 
 namespace corvane {
 
 namespace {
 
+using Progress = AgentRunResult::Progress;
+using Authored = AgentRunResult::AuthoredTestInfo;
+
 std::optional<std::string> queuedLine(const JsonObject& result) {
-  const auto* position = result.findAs<std::int64_t>("queuePosition");
+  const auto* position = findField<&AgentRunResult::queuePosition>(result);
   if (!position) return std::nullopt;
   return "queued — position " + std::to_string(*position);
 }
 
 std::optional<std::string> runningLine(const JsonObject& result) {
-  const auto* progress = result.findAs<JsonObject>("progress");
+  const auto* progress = findField<&AgentRunResult::progress>(result);
   if (!progress) return std::nullopt;
-  const auto* current = progress->findAs<std::int64_t>("currentStep");
-  const auto* total = progress->findAs<std::int64_t>("totalSteps");
+  const auto* current = findField<&Progress::currentStep>(*progress);
+  const auto* total = findField<&Progress::totalSteps>(*progress);
   if (!current || !total) return std::nullopt;
   std::string line = "running — step " + std::to_string(*current) + "/" + std::to_string(*total);
-  if (const auto* title = progress->findAs<std::string>("lastStepTitle")) line += ": " + *title;
-  if (const auto* status = progress->findAs<std::string>("lastStepStatus")) line += " " + *status;
+  if (const auto* title = findField<&Progress::lastStepTitle>(*progress)) line += ": " + *title;
+  if (const auto* status = findField<&Progress::lastStepStatus>(*progress)) line += " " + *status;
   return line;
 }
 
 std::optional<std::string> authoredLine(const JsonObject& result, const std::string& status) {
-  const auto* tests = result.findAs<AnyCodable::Array>("authoredTests");
+  const auto* tests = findField<&AgentRunResult::authoredTests>(result);
   if (!tests) return std::nullopt;
   std::string names;
   for (const auto& test : *tests) {
-    const auto* name = test.findAs<std::string>("testName");
-    const auto* steps = test.findAs<std::int64_t>("stepCount");
+    const auto* name = findField<&Authored::testName>(test);
+    const auto* steps = findField<&Authored::stepCount>(test);
     if (!name || !steps) continue;
     if (!names.empty()) names += ", ";
     names += "'" + *name + "' (" + std::to_string(*steps) + " steps)";
@@ -55,13 +58,14 @@ constexpr std::array<std::string_view, 10> interruptWords{
 std::string ResultTexts::progressLine(const ResultFileStore::Snapshot& snapshot) {
   const std::string& status = snapshot.status;
   const JsonObject result =
-      readMembers(snapshot.rawJSON, {"queuePosition", "progress", "authoredTests", "message"});
+      readMembers<&AgentRunResult::queuePosition, &AgentRunResult::progress,
+                  &AgentRunResult::authoredTests, &AgentRunResult::message>(snapshot.rawJSON);
   std::optional<std::string> line;
   if (status == "queued") line = queuedLine(result);
   if (status == "running") line = runningLine(result);
   if (status == "authored" || status == "warning") line = authoredLine(result, status);
   if (line) return *line;
-  const auto* message = result.findAs<std::string>("message");
+  const auto* message = findField<&AgentRunResult::message>(result);
   return message ? status + " — " + *message : status;
 }
 

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "CorvaneCore/json/JsonWriter.h"
+#include "CorvaneCore/json/LenientReading.h"
 #include "CorvaneCore/workspace/AgentContext.h"
 #include "corvane_mcp/tools/ToolArguments.h"
 #include "corvane_mcp/tools/Tools.h"
@@ -66,22 +67,25 @@ ToolsCallResult unknownProject(const std::string& name, const PublishedContext& 
 }
 
 AnyCodable summary(const PublishedContext::Project& project) {
+  using Project = AgentContext::ProjectContext;
   JsonObject summary{{"testCount", project.testCount}};
-  if (!project.name.isNull()) summary.set("name", project.name);
-  if (!project.platform.isNull()) summary.set("platform", project.platform);
+  if (!project.name.isNull()) summary.set(keyOf<&Project::name>(), project.name);
+  if (!project.platform.isNull()) summary.set(keyOf<&Project::platform>(), project.platform);
   return summary;
 }
 
 /// What the answer carries: the workspace's own members, `selected` whole, the others summarised.
 JsonObject brief(const PublishedContext& context, const PublishedContext::Project* selected) {
   JsonObject brief;
-  for (const char* key :
-       {"schemaVersion", "updatedAt", "appVersion", "device", "userDefinedInteractions"}) {
+  for (const std::string_view key :
+       {keyOf<&AgentContext::schemaVersion>(), keyOf<&AgentContext::updatedAt>(),
+        keyOf<&AgentContext::appVersion>(), keyOf<&AgentContext::device>(),
+        keyOf<&AgentContext::userDefinedInteractions>()}) {
     const AnyCodable* value = context.members().find(key);
     if (value && !value->isNull()) brief.set(key, *value);
   }
-  if (const auto* current = context.members().findAs<std::string>("currentProjectName")) {
-    brief.set("currentProjectName", *current);
+  if (const auto* current = findField<&AgentContext::currentProjectName>(context.members())) {
+    brief.set(keyOf<&AgentContext::currentProjectName>(), *current);
   }
   if (selected) brief.set("project", context.whole(*selected));
   AnyCodable::Array others;
@@ -94,7 +98,7 @@ JsonObject brief(const PublishedContext& context, const PublishedContext::Projec
 
 std::vector<std::string> warnings(const PublishedContext& context, const ToolServices& services) {
   std::vector<std::string> lines;
-  const auto* version = context.members().findAs<std::int64_t>("schemaVersion");
+  const auto* version = findField<&AgentContext::schemaVersion>(context.members());
   if (version && *version > AgentContext::currentSchemaVersion) {
     lines.push_back("warning: context written by a newer Corvane (schema " +
                     std::to_string(*version) + "); some fields may be unrecognized.");
@@ -105,7 +109,7 @@ std::vector<std::string> warnings(const PublishedContext& context, const ToolSer
         "run_test/create_test will launch it.");
     return lines;
   }
-  const auto* text = context.members().findAs<std::string>("updatedAt");
+  const auto* text = findField<&AgentContext::updatedAt>(context.members());
   const auto updatedAt = text ? parseDate(*text) : std::nullopt;
   if (updatedAt &&
       std::chrono::ceil<std::chrono::seconds>(services.clock.now()) - *updatedAt > staleAfter) {
@@ -127,14 +131,15 @@ ToolsCallResult call(const Arguments& arguments, const ToolServices& services) {
     if (!selected) return unknownProject(*arguments.projectName, *context);
   } else if (context->projects().empty()) {
     notes.emplace_back("note: no projects are published yet — create_test will create one.");
-  } else if (const auto* current = context->members().findAs<std::string>("currentProjectName")) {
+  } else if (const auto* current =
+                 findField<&AgentContext::currentProjectName>(context->members())) {
     selected = context->find(*current);
   } else {
     notes.emplace_back(
         "note: no project is currently open in Corvane; pass projectName for full detail.");
   }
 
-  const auto* updatedAt = context->members().findAs<std::string>("updatedAt");
+  const auto* updatedAt = findField<&AgentContext::updatedAt>(context->members());
   std::string text =
       "Corvane workspace context (updated " + (updatedAt ? *updatedAt : "<unknown>") + ").";
   for (const auto& note : notes) text += "\n" + note;

@@ -1,6 +1,8 @@
 #include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/json/JsonReader.h"
 #include "CorvaneCore/json/JsonWriter.h"
+#include "CorvaneCore/json/LenientReading.h"
+#include "CorvaneCore/workspace/AgentActivity.h"
 #include "corvane_mcp/tools/ToolArguments.h"
 #include "corvane_mcp/tools/Tools.h"
 #include "corvane_mcp/workspace/RecentResults.h"
@@ -68,7 +70,7 @@ std::string_view noteWithoutActivity(bool appRunning) {
 
 /// How long ago the app last touched its snapshot, when it says so.
 std::optional<std::int64_t> secondsSinceUpdate(const AnyCodable& activity, FileTime now) {
-  const auto* text = activity.findAs<std::string>("updatedAt");
+  const auto* text = findField<&AgentActivity::updatedAt>(activity);
   const auto updatedAt = text ? parseDate(*text) : std::nullopt;
   if (!updatedAt) return std::nullopt;
   return secondsBetween(*updatedAt, now);
@@ -77,7 +79,7 @@ std::optional<std::int64_t> secondsSinceUpdate(const AnyCodable& activity, FileT
 /// A warning about a snapshot that claims work which does not move.
 std::optional<std::string> livenessWarning(const AnyCodable& activity, std::int64_t age,
                                            bool appRunning) {
-  const AnyCodable* active = activity.find("active");
+  const AnyCodable* active = rawField<&AgentActivity::active>(activity);
   if (!active || active->isNull()) return std::nullopt;
   if (!appRunning) {
     return "warning: Corvane.app is not running — the 'active' work in this snapshot died with it "

@@ -6,12 +6,14 @@
 #include <vector>
 
 #include "CorvaneCore/files/Files.h"
-#include "CorvaneCore/json/JsonErrors.h"
-#include "CorvaneCore/json/JsonMembers.h"
+#include "CorvaneCore/json/LenientReading.h"
+#include "CorvaneCore/results/AgentRunResult.h"
 
 namespace corvane {
 
 namespace {
+
+using Result = AgentRunResult;
 
 constexpr std::size_t mostListed = 5;
 
@@ -39,8 +41,8 @@ std::vector<ResultFile> newestFiles(const std::filesystem::path& folder) {
 
 std::optional<JsonObject> readResult(const std::filesystem::path& path) {
   try {
-    return readMembers(readFile(path),
-                       {"requestId", "status", "terminal", "source", "projectName"});
+    return readMembers<&Result::requestId, &Result::status, &Result::terminal, &Result::source,
+                       &Result::projectName>(readFile(path));
   } catch (const FileError&) {
     return std::nullopt;
   } catch (const DecodeError&) {
@@ -48,9 +50,12 @@ std::optional<JsonObject> readResult(const std::filesystem::path& path) {
   }
 }
 
-template <class T>
-void copyIfFits(const JsonObject& from, std::string_view key, JsonObject& to) {
-  if (const T* value = from.findAs<T>(key)) to.set(key, *value);
+/// Copies a field when there is one of the right type.
+template <auto field>
+bool copyField(const JsonObject& from, JsonObject& to) {
+  const auto* value = findField<field>(from);
+  if (value) to.set(keyOf<field>(), *value);
+  return value != nullptr;
 }
 
 }  // namespace
@@ -60,15 +65,12 @@ AnyCodable::Array recentResults(const AgentPaths& paths, FileTime now) {
   for (const auto& file : newestFiles(paths.agentResultsDirectory())) {
     const auto result = readResult(file.path);
     if (!result) continue;
-    const auto* requestId = result->findAs<std::string>("requestId");
-    const auto* status = result->findAs<std::string>("status");
-    if (!requestId || !status) continue;
-    JsonObject summary{{"requestId", *requestId},
-                       {"status", *status},
-                       {"secondsSinceUpdate", secondsBetween(file.modifiedAt, now)}};
-    copyIfFits<bool>(*result, "terminal", summary);
-    copyIfFits<std::string>(*result, "source", summary);
-    copyIfFits<std::string>(*result, "projectName", summary);
+    JsonObject summary{{"secondsSinceUpdate", secondsBetween(file.modifiedAt, now)}};
+    if (!copyField<&Result::requestId>(*result, summary)) continue;
+    if (!copyField<&Result::status>(*result, summary)) continue;
+    copyField<&Result::terminal>(*result, summary);
+    copyField<&Result::source>(*result, summary);
+    copyField<&Result::projectName>(*result, summary);
     summaries.emplace_back(std::move(summary));
   }
   return summaries;
