@@ -10,9 +10,8 @@
 #include "CorvaneCore/json/JsonErrors.h"
 #include "CorvaneCore/text/Utf8.h"
 #include "corvane_mcp/trace/CaptureManifest.h"
-#include "corvane_mcp/trace/JpegDecoder.h"
-#include "corvane_mcp/trace/PictureError.h"
-#include "corvane_mcp/trace/PngDecoder.h"
+#include "corvane_mcp/trace/Picture.h"
+#include "corvane_mcp/trace/PictureFormats.h"
 #include "corvane_mcp/trace/TraceImageReader.h"
 #include "fuzz/Require.h"
 #include "tests/support/TemporaryHome.h"
@@ -23,7 +22,7 @@ namespace {
 using Block = corvane::ContentBlock;
 using corvane::PictureInput;
 using corvane::require;
-using corvane::TraceImageReader;
+namespace TraceImageReader = corvane::TraceImageReader;
 
 /// Whatever comes out is a JPEG that fits: it is read back with the same limits.
 void requireSmallJpeg(std::string_view jpeg) {

@@ -1,7 +1,7 @@
 #include "corvane_mcp/server/MCPServer.h"
 
 #include "CorvaneCore/json/AgentWire.h"
-#include "corvane_mcp/protocol/ToolsCallParams.h"
+#include "corvane_mcp/protocol/McpRecords.h"
 
 namespace corvane {
 

@@ -6,7 +6,7 @@
 #include "CorvaneCore/requests/CancelMarker.h"
 #include "CorvaneCore/results/AgentRunResult.h"
 #include "CorvaneCore/text/Uuid.h"
-#include "corvane_mcp/protocol/JSONRPCError.h"
+#include "corvane_mcp/protocol/JsonRpc.h"
 #include "corvane_mcp/tools/ToolArguments.h"
 #include "corvane_mcp/tools/Tools.h"
 

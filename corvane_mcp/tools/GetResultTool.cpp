@@ -4,7 +4,6 @@
 #include "CorvaneCore/text/Uuid.h"
 #include "corvane_mcp/results/ResultFileStore.h"
 #include "corvane_mcp/results/ResultTexts.h"
-#include "corvane_mcp/results/StepTraceChoice.h"
 #include "corvane_mcp/tools/ToolArguments.h"
 #include "corvane_mcp/tools/Tools.h"
 

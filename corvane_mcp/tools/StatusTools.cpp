@@ -3,9 +3,9 @@
 #include "CorvaneCore/json/JsonWriter.h"
 #include "CorvaneCore/json/LenientReading.h"
 #include "CorvaneCore/workspace/AgentActivity.h"
+#include "corvane_mcp/results/ResultFileStore.h"
 #include "corvane_mcp/tools/ToolArguments.h"
 #include "corvane_mcp/tools/Tools.h"
-#include "corvane_mcp/workspace/RecentResults.h"
 
 namespace corvane {
 

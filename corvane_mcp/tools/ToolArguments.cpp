@@ -1,6 +1,6 @@
 #include "corvane_mcp/tools/ToolArguments.h"
 
-#include "corvane_mcp/protocol/JSONRPCError.h"
+#include "corvane_mcp/protocol/JsonRpc.h"
 
 namespace corvane {
 

@@ -7,10 +7,10 @@
 #include "CorvaneCore/paths/AgentPaths.h"
 #include "CorvaneCore/text/Uuid.h"
 #include "corvane_mcp/app/CorvaneLauncher.h"
-#include "corvane_mcp/protocol/JSONRPCError.h"
-#include "corvane_mcp/server/ClientIdentity.h"
+#include "corvane_mcp/protocol/JsonRpc.h"
 #include "corvane_mcp/server/Clock.h"
 #include "corvane_mcp/server/Logger.h"
+#include "corvane_mcp/server/MCPTool.h"
 
 namespace corvane {
 

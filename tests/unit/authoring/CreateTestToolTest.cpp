@@ -4,7 +4,7 @@
 
 #include "CorvaneCore/authoring/InputSchemaBuilder.h"
 #include "CorvaneCore/text/Uuid.h"
-#include "corvane_mcp/protocol/JSONRPCError.h"
+#include "corvane_mcp/protocol/JsonRpc.h"
 #include "tests/support/PrintJson.h"
 #include "tests/support/ToolBench.h"
 

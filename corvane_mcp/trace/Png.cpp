@@ -1,5 +1,3 @@
-#include "corvane_mcp/trace/PngDecoder.h"
-
 #include <png.h>
 
 #include <algorithm>
@@ -9,7 +7,7 @@
 #include <string>
 
 #include "corvane_mcp/trace/AreaAverage.h"
-#include "corvane_mcp/trace/PictureError.h"
+#include "corvane_mcp/trace/PictureFormats.h"
 
 namespace corvane {
 

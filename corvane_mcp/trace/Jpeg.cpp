@@ -1,15 +1,99 @@
-#include "corvane_mcp/trace/JpegDecoder.h"
+#include <array>
+#include <csetjmp>
+#include <cstddef>
+#include <cstdio>
+
+// Needs what stands above it.
+#include <jpeglib.h>
+
+// Needs that in turn.
+#include <jerror.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
+#include <memory>
 #include <string_view>
 
 #include "corvane_mcp/trace/AreaAverage.h"
-#include "corvane_mcp/trace/JpegErrors.h"
+#include "corvane_mcp/trace/PictureFormats.h"
 
 namespace corvane {
 
 namespace {
+
+/// Receives the errors of the JPEG library. It reports them by longjmp, which no C++ object may be
+/// in the way of: every call into it goes through guarded(), whose argument makes only such calls.
+class JpegErrors {
+ public:
+  /// `intro` begins every error text; it must outlive this.
+  explicit JpegErrors(const char* intro);
+  JpegErrors(const JpegErrors&) = delete;
+  JpegErrors& operator=(const JpegErrors&) = delete;
+  ~JpegErrors() = default;
+
+  /// Makes `library`, a compressor or decompressor that is yet to be created, report to this.
+  template <class Library>
+  void attachTo(Library& library) {
+    library.err = &manager;
+    library.client_data = this;
+  }
+
+  /// Makes `call`; throws PictureError when the library reports an error meanwhile.
+  template <class Call>
+  void guarded(Call call) {
+    if (setjmp(comeBack) != 0) throw PictureError(std::string(intro) + text.data());
+    call();
+  }
+
+  /// Ends the call that `library` is in with an error of our own; for its callbacks.
+  template <class Library>
+  [[noreturn]] static void fail(Library* library, const char* reason) {
+    static_cast<JpegErrors*>(library->client_data)->comeBackWith(reason);
+  }
+
+ private:
+  [[noreturn]] static void onError(j_common_ptr library);
+  static void onMessage(j_common_ptr library, int level);
+  [[noreturn]] void comeBackWith(const char* reason);
+
+  const char* intro;
+  jpeg_error_mgr manager{};
+  std::jmp_buf comeBack{};
+  std::array<char, JMSG_LENGTH_MAX> text{};
+};
+
+/// Whether a warning leaves the pixels as they were meant.
+bool isHarmless(int warning) {
+  return warning == JWRN_EXTRANEOUS_DATA || warning == JWRN_ADOBE_XFORM ||
+         warning == JWRN_JFIF_MAJOR;
+}
+
+JpegErrors::JpegErrors(const char* intro) : intro(intro) {
+  jpeg_std_error(&manager);
+  manager.error_exit = onError;
+  manager.emit_message = onMessage;
+  manager.output_message = [](j_common_ptr) {};
+}
+
+void JpegErrors::onError(j_common_ptr library) {
+  if (library->err->msg_code == JERR_NO_BACKING_STORE) fail(library, "it needs too much memory");
+  std::array<char, JMSG_LENGTH_MAX> reason{};
+  library->err->format_message(library, reason.data());
+  fail(library, reason.data());
+}
+
+void JpegErrors::onMessage(j_common_ptr library, int level) {
+  constexpr int warningLevel = -1;
+  if (level == warningLevel && !isHarmless(library->err->msg_code)) onError(library);
+}
+
+void JpegErrors::comeBackWith(const char* reason) {
+  const std::size_t length = std::min(std::strlen(reason), text.size() - 1);
+  std::memcpy(text.data(), reason, length);
+  text[length] = '\0';
+  std::longjmp(comeBack, 1);
+}
 
 constexpr std::size_t channels = Picture::bytesPerPixel;
 
@@ -208,6 +292,74 @@ Picture JpegReader::readPixels(PictureSize fitted) {
   return average.take();
 }
 
+/// One JPEG being written, into a buffer that holds whatever the picture can become.
+class JpegWriter : private JpegErrors {
+ public:
+  explicit JpegWriter(std::size_t largestResult);
+  ~JpegWriter() { jpeg_destroy_compress(&library); }
+
+  void write(const Picture& picture, int quality, std::span<const std::uint8_t> colourProfile);
+  [[nodiscard]] std::string take() const {
+    return {reinterpret_cast<const char*>(buffer.get()), capacity - destination.free_in_buffer};
+  }
+
+ private:
+  static boolean onFull(j_compress_ptr library) { fail(library, "the result is too large"); }
+
+  jpeg_compress_struct library{};
+  jpeg_destination_mgr destination{};
+  std::size_t capacity;
+  std::unique_ptr<std::uint8_t[]> buffer;
+};
+
+JpegWriter::JpegWriter(std::size_t largestResult)
+    : JpegErrors("cannot write the JPEG: "),
+      capacity(largestResult),
+      // Left uninitialised, so that only the part in use takes memory.
+      buffer(std::make_unique_for_overwrite<std::uint8_t[]>(largestResult)) {
+  attachTo(library);
+  guarded([this] { jpeg_create_compress(&library); });
+  destination.next_output_byte = buffer.get();
+  destination.free_in_buffer = capacity;
+  destination.init_destination = [](j_compress_ptr) {};
+  destination.empty_output_buffer = onFull;
+  destination.term_destination = [](j_compress_ptr) {};
+  library.dest = &destination;
+}
+
+void JpegWriter::write(const Picture& picture, int quality,
+                       std::span<const std::uint8_t> colourProfile) {
+  library.image_width = static_cast<JDIMENSION>(picture.size.width);
+  library.image_height = static_cast<JDIMENSION>(picture.size.height);
+  library.input_components = static_cast<int>(Picture::bytesPerPixel);
+  library.in_color_space = JCS_EXT_RGBX;
+  guarded([&] {
+    jpeg_set_defaults(&library);
+    jpeg_set_quality(&library, quality, TRUE);
+    jpeg_start_compress(&library, TRUE);
+    if (!colourProfile.empty()) {
+      jpeg_write_icc_profile(&library, colourProfile.data(),
+                             static_cast<unsigned>(colourProfile.size()));
+    }
+    for (int y = 0; y < picture.size.height; ++y) {
+      // The library's signature lacks the const; it only reads the rows.
+      JSAMPROW row = const_cast<JSAMPROW>(picture.at(0, y));
+      jpeg_write_scanlines(&library, &row, 1);
+    }
+    jpeg_finish_compress(&library);
+  });
+}
+
+/// An upper bound: no coding is longer than three bytes a pixel of whole blocks, beside the header.
+std::size_t largestResult(PictureSize size, std::size_t profileSize) {
+  constexpr std::size_t block = 16;
+  constexpr std::size_t header = 4096;
+  const auto padded = [](int side) {
+    return (static_cast<std::size_t>(side) + block - 1) / block * block;
+  };
+  return padded(size.width) * padded(size.height) * 3 + header + profileSize;
+}
+
 }  // namespace
 
 bool isJpeg(std::span<const std::uint8_t> bytes) {
@@ -221,6 +373,13 @@ DecodedPicture decodeJpeg(PictureInput& input, int largestSide) {
   reader.readHeader();
   Picture picture = reader.readPixels(fitted(reader.fullSize(), largestSide));
   return {std::move(picture), reader.fullSize(), reader.orientation(), reader.colourProfile()};
+}
+
+std::string encodeJpeg(const Picture& picture, double quality,
+                       std::span<const std::uint8_t> colourProfile) {
+  JpegWriter writer(largestResult(picture.size, colourProfile.size()));
+  writer.write(picture, static_cast<int>(std::lround(quality * 100)), colourProfile);
+  return writer.take();
 }
 
 }  // namespace corvane
