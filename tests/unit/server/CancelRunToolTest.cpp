@@ -5,7 +5,7 @@
 #include <atomic>
 #include <thread>
 
-#include "corvane_mcp/protocol/JSONRPCError.h"
+#include "corvane_mcp/protocol/JsonRpc.h"
 #include "tests/support/ErrorText.h"
 #include "tests/support/ToolBench.h"
 

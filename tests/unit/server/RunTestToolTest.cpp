@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "corvane_mcp/protocol/JSONRPCError.h"
+#include "corvane_mcp/protocol/JsonRpc.h"
 #include "tests/support/ErrorText.h"
 #include "tests/support/ToolBench.h"
 

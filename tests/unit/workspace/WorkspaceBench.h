@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "corvane_mcp/protocol/JSONRPCError.h"
+#include "corvane_mcp/protocol/JsonRpc.h"
 #include "tests/support/ToolBench.h"
 
 namespace corvane {
