@@ -52,7 +52,8 @@ struct MCPTool {
   /// The same for a call that waits for something to happen: no thread waits with it.
   using Waiting = std::function<Task<ToolsCallResult>(ToolCall)>;
 
-  /// The wire name: unique, lower case with underscores. Outlives the tool, as does the next.
+  /// The wire name: unique, lower case with underscores. A literal, as is the description: neither
+  /// the tool nor its registry keeps a text of its own.
   std::string_view name;
   /// What the agent reads about the tool; sent verbatim.
   std::string_view description;

@@ -17,12 +17,11 @@ namespace {
 constexpr std::string_view name = "cancel_run";
 
 constexpr std::string_view description =
-    "Cancel a Corvane run request you no longer need (e.g. you re-edited the code and the "
-    "queued run is stale).\n\nPass the requestId returned by run_test or create_test. "
-    "Requests that Corvane has not started yet (pending or queued) are cancelled outright. A run "
-    "that "
-    "is already executing is aborted cooperatively at the next step boundary. Either way, "
-    "poll get_result — it reports status \"cancelled\" once the cancellation lands.";
+    "Cancel a Corvane run request you no longer need (e.g. you re-edited the code and the queued "
+    "run is stale).\n\nPass the requestId returned by run_test or create_test. Requests that "
+    "Corvane has not started yet (pending or queued) are cancelled outright. A run that is already "
+    "executing is aborted cooperatively at the next step boundary. Either way, poll get_result — "
+    "it reports status \"cancelled\" once the cancellation lands.";
 
 struct Arguments {
   std::optional<std::string> requestId;
