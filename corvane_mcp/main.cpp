@@ -26,7 +26,7 @@ int main(int argumentCount, char** arguments) {
   paths.ensureAgentRunRequestsDirectoryExists();
   registerTools(registry, {paths, launcher, client, clock, logger});
 
-  MCPServer server({registry, {"corvane-mcp", "0.2.0"}, client, logger, writer});
+  MCPServer server({registry, {"corvane-mcp", CORVANE_VERSION}, client, logger, writer});
   LineReader input(STDIN_FILENO);
   server.run(input);
   return 0;

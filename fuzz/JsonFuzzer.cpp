@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "CorvaneCore/json/JsonErrors.h"
+#include "CorvaneCore/json/AnyCodable.h"
 #include "CorvaneCore/json/JsonReader.h"
 #include "CorvaneCore/json/JsonWriter.h"
 #include "CorvaneCore/text/Unicode.h"

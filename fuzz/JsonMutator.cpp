@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "CorvaneCore/json/JsonErrors.h"
+#include "CorvaneCore/json/AnyCodable.h"
 #include "CorvaneCore/json/JsonReader.h"
 #include "CorvaneCore/json/JsonWriter.h"
 #include "CorvaneCore/text/Unicode.h"

@@ -13,12 +13,8 @@
 #include "CorvaneCore/text/Unicode.h"
 #include "CorvaneCore/workspace/AgentActivity.h"
 #include "CorvaneCore/workspace/AgentContext.h"
-#include "corvane_mcp/protocol/InitializeResult.h"
-#include "corvane_mcp/protocol/JSONRPCRequest.h"
-#include "corvane_mcp/protocol/JSONRPCResponse.h"
-#include "corvane_mcp/protocol/ToolsCallParams.h"
-#include "corvane_mcp/protocol/ToolsCallResult.h"
-#include "corvane_mcp/protocol/ToolsListResult.h"
+#include "corvane_mcp/protocol/JsonRpc.h"
+#include "corvane_mcp/protocol/McpRecords.h"
 #include "fuzz/Require.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include "CorvaneCore/json/AgentWire.h"
 #include "CorvaneCore/results/AgentRunResult.h"
 #include "CorvaneCore/text/Unicode.h"
-#include "corvane_mcp/tools/GetResultTool.h"
+#include "corvane_mcp/tools/Tools.h"
 #include "fuzz/Require.h"
 #include "tests/support/ToolBench.h"
 
@@ -58,7 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   TestFiles::write(AgentRunResult::fileURL(requestId, bench.paths), text);
   TestFiles::write(bench.home.path() / "session" / "session.json",
                    R"({"frames":[{"stepIndex":0,"status":"beforeStep","imageFileName":"a.png"}]})");
-  const GetResultTool tool(bench.services);
+  const MCPTool tool = makeGetResultTool(bench.services);
   for (const auto& call : calls) {
     const std::string arguments =
         std::string(R"({"requestId":")").append(requestId).append("\",").append(call) + "}";

@@ -7,12 +7,11 @@
 #include <variant>
 
 #include "CorvaneCore/capture/CaptureSession.h"
-#include "CorvaneCore/json/JsonErrors.h"
+#include "CorvaneCore/json/AnyCodable.h"
 #include "CorvaneCore/text/Unicode.h"
 #include "corvane_mcp/trace/CaptureManifest.h"
-#include "corvane_mcp/trace/JpegDecoder.h"
-#include "corvane_mcp/trace/PictureError.h"
-#include "corvane_mcp/trace/PngDecoder.h"
+#include "corvane_mcp/trace/Picture.h"
+#include "corvane_mcp/trace/PictureFormats.h"
 #include "corvane_mcp/trace/TraceImageReader.h"
 #include "fuzz/Require.h"
 #include "tests/support/TemporaryHome.h"
@@ -23,7 +22,7 @@ namespace {
 using Block = corvane::ContentBlock;
 using corvane::PictureInput;
 using corvane::require;
-using corvane::TraceImageReader;
+namespace TraceImageReader = corvane::TraceImageReader;
 
 /// Whatever comes out is a JPEG that fits: it is read back with the same limits.
 void requireSmallJpeg(std::string_view jpeg) {

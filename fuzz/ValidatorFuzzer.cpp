@@ -1,11 +1,12 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 
+#include "CorvaneCore/authoring/TestPayloadArguments.h"
 #include "CorvaneCore/authoring/TestValidator.h"
 #include "CorvaneCore/json/AgentWire.h"
 #include "CorvaneCore/json/JsonWriter.h"
-#include "corvane_mcp/tools/TestPayloadArguments.h"
 #include "fuzz/Require.h"
 
 namespace {
@@ -50,9 +51,10 @@ void checkFile(const AnyCodable& document) {
 }
 
 void checkArguments(JsonObject arguments) {
-  if (TestPayloadArguments::refusal(arguments)) return;
+  auto taken = takeDeclared<TestPayloadArguments>(arguments);
+  if (taken.refusal()) return;
   AgentTestSchema payload;
-  TestPayloadArguments::moveInto(payload, arguments);
+  std::move(taken).moveInto(payload);
   checkJudgement(payload);
 }
 

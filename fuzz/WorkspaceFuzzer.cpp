@@ -5,8 +5,7 @@
 
 #include "CorvaneCore/json/AgentWire.h"
 #include "CorvaneCore/text/Unicode.h"
-#include "corvane_mcp/tools/DescribeProjectTool.h"
-#include "corvane_mcp/tools/GetStatusTool.h"
+#include "corvane_mcp/tools/Tools.h"
 #include "corvane_mcp/workspace/PublishedContext.h"
 #include "fuzz/Require.h"
 #include "tests/support/ToolBench.h"
@@ -73,7 +72,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto document = readObject(text);
   require(context.has_value() == document.has_value(), "every object is a context");
   if (document) checkReduction(*context, *document);
-  checkAnswer(bench.call(DescribeProjectTool(bench.services), std::nullopt), !context);
-  checkAnswer(bench.call(GetStatusTool(bench.services), std::nullopt), false);
+  checkAnswer(bench.call(makeDescribeProjectTool(bench.services), std::nullopt), !context);
+  checkAnswer(bench.call(makeGetStatusTool(bench.services), std::nullopt), false);
   return 0;
 }

@@ -14,6 +14,11 @@
 
 namespace corvane {
 
+/// Whether a text that has to say something does not.
+[[nodiscard]] inline bool isMissing(const std::optional<std::string>& field) {
+  return !field || field->empty();
+}
+
 /// One step of a test. Strings that name a value of a vocabulary are kept as they came, so that an
 /// unknown one reaches the validator.
 struct AgentInteraction {

@@ -121,7 +121,7 @@ A step's `children` are its conditional branch. Each child sets `previousStepCon
 - 'previousSucceeded' children run only when the parent succeeds.
 - A step that fails with no previousFailed children still fails the test.
 - Branches are one level deep: a child has no `children` of its own. A child may be of any type but )" +
-         joinedRawValues<InteractionType>(" and ", std::not_fn(mayBeBranchChild)) +
+         joinedRawValues<InteractionType>(" and ", std::not_fn(takesPartInBranches)) +
          R"(, and no builtIn that terminates or opens the app; the bookends themselves cannot branch.
 - `previousStepCondition` is meaningless at the top level, where the steps run in order anyway. Leave it out there.
 

@@ -273,7 +273,8 @@ template <class Keep>
   return vocabularyRow(type).role == Vocabulary<InteractionType>::Role::wait;
 }
 
-[[nodiscard]] constexpr bool mayBeBranchChild(InteractionType type) {
+/// Whether steps of this type may be children of a conditional branch, and have one.
+[[nodiscard]] constexpr bool takesPartInBranches(InteractionType type) {
   return vocabularyRow(type).branching == Vocabulary<InteractionType>::Branching::yes;
 }
 

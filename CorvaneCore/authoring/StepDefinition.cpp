@@ -20,8 +20,8 @@ std::string branchText() {
          "taps 'Allow' on a permission dialog. A conditional step that fails with no "
          "previousFailed children still fails the test. One level only (children cannot have "
          "children); child types: " +
-         joinedRawValues<InteractionType>("/", mayBeBranchChild) + " (compose " +
-         joinedRawValues<InteractionType>("/", std::not_fn(mayBeBranchChild)) +
+         joinedRawValues<InteractionType>("/", takesPartInBranches) + " (compose " +
+         joinedRawValues<InteractionType>("/", std::not_fn(takesPartInBranches)) +
          " at the top level).";
 }
 
@@ -119,13 +119,13 @@ JsonObject branchChildSchema() {
   JsonObject properties;
   JsonObject parameters;
   for (const auto& row : Vocabulary<InteractionType>::rows) {
-    if (!mayBeBranchChild(row.value)) continue;
+    if (!takesPartInBranches(row.value)) continue;
     const JsonObject definition = definitionOf(row.value).schema();
     addProperties(definition, properties);
     const auto* own = definition.findAs<JsonObject>("properties")->findAs<JsonObject>("parameters");
     if (own) addProperties(*own, parameters);
   }
-  properties.set("type", wordOf<InteractionType>("The type of the child.", mayBeBranchChild));
+  properties.set("type", wordOf<InteractionType>("The type of the child.", takesPartInBranches));
   properties.set("description",
                  ofType("string",
                         "What the child works with. tap, visualAssert: a phrase that quotes the "

@@ -183,12 +183,12 @@ void checkParent(const CheckedStep& step) {
 
 void checkChildType(const CheckedStep& child) {
   const auto type = child.interaction.knownType();
-  if (type && mayBeBranchChild(*type)) return;
+  if (type && takesPartInBranches(*type)) return;
   child.error(Code::invalidConditionalStructure, ".type",
               "'" + child.interaction.type +
                   "' cannot be a branch child — branches allow primitive actions and runTest (" +
-                  joinedRawValues<InteractionType>(", ", mayBeBranchChild) + "). Compose " +
-                  joinedRawValues<InteractionType>("/", std::not_fn(mayBeBranchChild)) +
+                  joinedRawValues<InteractionType>(", ", takesPartInBranches) + "). Compose " +
+                  joinedRawValues<InteractionType>("/", std::not_fn(takesPartInBranches)) +
                   " at the top level instead.");
 }
 

@@ -40,11 +40,6 @@ struct CheckedStep {
   return std::nullopt;
 }
 
-/// Whether a text that has to say something does not.
-[[nodiscard]] inline bool isMissing(const std::optional<std::string>& field) {
-  return !field || field->empty();
-}
-
 }  // namespace corvane
 
 namespace corvane::TestValidator {

@@ -6,6 +6,7 @@
 #include <initializer_list>
 #include <map>
 #include <span>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -13,6 +14,19 @@
 #include <vector>
 
 namespace corvane {
+
+/// A text or value does not have the form its reader needs. The description is one line that names
+/// the place and what was expected there.
+class DecodeError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// A value cannot be written as JSON.
+class EncodeError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
 
 class AnyCodable;
 

@@ -11,7 +11,6 @@
 
 #include "CorvaneCore/json/AnyCodable.h"
 #include "CorvaneCore/json/Date.h"
-#include "CorvaneCore/json/JsonErrors.h"
 #include "CorvaneCore/json/JsonWriter.h"
 #include "CorvaneCore/json/Vocabulary.h"
 #include "CorvaneCore/text/Unicode.h"

@@ -4,7 +4,7 @@
 #include <type_traits>
 #include <variant>
 
-#include "CorvaneCore/json/JsonErrors.h"
+#include "CorvaneCore/json/AnyCodable.h"
 #include "CorvaneCore/json/JsonScalars.h"
 #include "CorvaneCore/json/JsonWriter.h"
 

@@ -7,7 +7,7 @@
 #include <limits>
 #include <string>
 
-#include "CorvaneCore/json/JsonErrors.h"
+#include "CorvaneCore/json/AnyCodable.h"
 #include "CorvaneCore/text/Unicode.h"
 
 namespace corvane {

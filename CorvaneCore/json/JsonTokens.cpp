@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "CorvaneCore/json/JsonErrors.h"
+#include "CorvaneCore/json/AnyCodable.h"
 
 namespace corvane {
 

@@ -9,7 +9,7 @@
 #include <variant>
 #include <vector>
 
-#include "CorvaneCore/json/JsonErrors.h"
+#include "CorvaneCore/json/AnyCodable.h"
 
 namespace corvane {
 

@@ -13,10 +13,6 @@ namespace corvane::AnswerTexts {
 /// The longest that one get_result call waits for a request, in seconds.
 inline constexpr std::int64_t longestWaitSeconds = 240;
 
-/// The age in seconds from which on the state of an active request counts as stale although the app
-/// runs: about four and a half missed heartbeats of some 20 seconds.
-inline constexpr std::int64_t staleAfterSeconds = 91;
-
 /// How a request stands, beside its status.
 enum class Standing { terminal, pending, inProgress, stale, appNotRunning };
 

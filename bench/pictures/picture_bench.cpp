@@ -18,8 +18,8 @@
 
 namespace {
 
-using corvane::TraceImageReader;
-using Touch = TraceImageReader::Touch;
+namespace TraceImageReader = corvane::TraceImageReader;
+using Touch = corvane::Touch;
 
 Touch parseTouch(std::string_view text) {
   std::vector<double> numbers;

@@ -1,8 +1,9 @@
 #include "corvane_mcp/results/ResultFileStore.h"
 
 #include <algorithm>
+#include <vector>
 
-#include "CorvaneCore/json/JsonReader.h"
+#include "CorvaneCore/json/LenientReading.h"
 #include "CorvaneCore/requests/Requests.h"
 #include "CorvaneCore/results/AgentRunResult.h"
 #include "CorvaneCore/text/Unicode.h"
@@ -10,6 +11,8 @@
 namespace corvane {
 
 namespace {
+
+using Result = AgentRunResult;
 
 constexpr std::chrono::milliseconds passInterval{500};
 
@@ -46,6 +49,49 @@ class WatchedFile {
   std::optional<FileStamp> lastStamp;
 };
 
+constexpr std::size_t mostListed = 5;
+
+struct ResultFile {
+  std::filesystem::path path;
+  FileTime modifiedAt;
+};
+
+/// Files of one time stand in the order of their names.
+bool isNewer(const ResultFile& left, const ResultFile& right) {
+  if (left.modifiedAt != right.modifiedAt) return left.modifiedAt > right.modifiedAt;
+  return left.path < right.path;
+}
+
+std::vector<ResultFile> newestFiles(const std::filesystem::path& folder) {
+  std::vector<ResultFile> files;
+  for (const auto& entry : listVisible(folder)) {
+    if (entry.extension() != ".json") continue;
+    if (const auto stamp = readStamp(entry)) files.push_back({entry, stamp->modifiedAt});
+  }
+  std::sort(files.begin(), files.end(), isNewer);
+  if (files.size() > mostListed) files.resize(mostListed);
+  return files;
+}
+
+std::optional<JsonObject> readResult(const std::filesystem::path& path) {
+  try {
+    return readMembers<&Result::requestId, &Result::status, &Result::terminal, &Result::source,
+                       &Result::projectName>(readFile(path));
+  } catch (const FileError&) {
+    return std::nullopt;
+  } catch (const DecodeError&) {
+    return std::nullopt;
+  }
+}
+
+/// Copies a field when there is one of the right type.
+template <auto field>
+bool copyField(const JsonObject& from, JsonObject& to) {
+  const auto* value = findField<field>(from);
+  if (value) to.set(keyOf<field>(), *value);
+  return value != nullptr;
+}
+
 }  // namespace
 
 Task<ResultFileStore::Outcome> ResultFileStore::poll(std::string requestId,
@@ -73,13 +119,13 @@ std::optional<ResultFileStore::Snapshot> ResultFileStore::parse(const std::files
   Snapshot snapshot;
   try {
     // Results can be large, and an answer puts a few words before them.
-    constexpr std::size_t roomForHeader = 1024;
-    snapshot.rawJSON = readFile(file, largestFile, roomForHeader);
-    const auto members = readMembers(snapshot.rawJSON, {"status", "terminal"});
-    const auto* status = members.findAs<std::string>("status");
+    constexpr std::size_t headerCapacity = 1024;
+    snapshot.rawJSON = readFile(file, largestFile, headerCapacity);
+    const JsonObject result = readMembers<&Result::status, &Result::terminal>(snapshot.rawJSON);
+    const auto* status = findField<&Result::status>(result);
     if (!status) return std::nullopt;
     snapshot.status = *status;
-    const auto* stated = members.findAs<bool>("terminal");
+    const auto* stated = findField<&Result::terminal>(result);
     snapshot.terminal = stated ? *stated : isTerminalStatus(snapshot.status);
   } catch (const FileError&) {
     return std::nullopt;
@@ -104,6 +150,22 @@ bool ResultFileStore::requestStillPending(std::string_view requestId) const {
     }
   }
   return false;
+}
+
+AnyCodable::Array recentResults(const AgentPaths& paths, FileTime now) {
+  AnyCodable::Array summaries;
+  for (const auto& file : newestFiles(paths.agentResultsDirectory())) {
+    const auto result = readResult(file.path);
+    if (!result) continue;
+    JsonObject summary{{"secondsSinceUpdate", secondsBetween(file.modifiedAt, now)}};
+    if (!copyField<&Result::requestId>(*result, summary)) continue;
+    if (!copyField<&Result::status>(*result, summary)) continue;
+    copyField<&Result::terminal>(*result, summary);
+    copyField<&Result::source>(*result, summary);
+    copyField<&Result::projectName>(*result, summary);
+    summaries.emplace_back(std::move(summary));
+  }
+  return summaries;
 }
 
 }  // namespace corvane

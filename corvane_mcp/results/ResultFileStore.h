@@ -6,6 +6,7 @@
 #include <string_view>
 #include <variant>
 
+#include "CorvaneCore/json/AnyCodable.h"
 #include "CorvaneCore/paths/AgentPaths.h"
 #include "corvane_mcp/server/Clock.h"
 
@@ -51,5 +52,10 @@ class ResultFileStore {
   const AgentPaths& paths;
   const Clock& clock;
 };
+
+/// A line each about the result files that changed last, newest first: what get_status shows so
+/// that a lost request id can be found again. At most five; files that change, vanish or make no
+/// sense meanwhile are left out.
+[[nodiscard]] AnyCodable::Array recentResults(const AgentPaths& paths, FileTime now);
 
 }  // namespace corvane

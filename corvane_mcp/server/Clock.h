@@ -1,12 +1,16 @@
 #pragma once
 
+#include <asio/awaitable.hpp>
 #include <chrono>
 
 #include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/json/Date.h"
-#include "corvane_mcp/server/Task.h"
 
 namespace corvane {
+
+/// A coroutine that runs on the server's pool. It does not start before it is awaited.
+template <class Result>
+using Task = asio::awaitable<Result>;
 
 /// Time, taken from outside by everything that waits or reads it, so that a test can let minutes
 /// pass at once. May be used from any thread.

@@ -54,7 +54,7 @@ void LineReader::dropTaken() {
   filled -= taken;
   searched -= taken;
   taken = 0;
-  // Room that one huge line needed is given back.
+  // A buffer that one huge line needed is given back.
   if (buffer.size() > 16 * chunkSize && filled < chunkSize) {
     buffer.resize(2 * chunkSize);
     buffer.shrink_to_fit();

@@ -33,7 +33,7 @@ class LineReader {
 
   int input;
   std::size_t limit;
-  /// Room for input; the first `filled` bytes hold some. Only grows by what a line needs, so that
+  /// The first `filled` bytes hold input. Only grows by what a line needs, so that
   /// reading costs no clearing of memory.
   std::string buffer;
   std::size_t filled = 0;

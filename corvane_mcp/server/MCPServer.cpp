@@ -1,7 +1,7 @@
 #include "corvane_mcp/server/MCPServer.h"
 
 #include "CorvaneCore/json/AgentWire.h"
-#include "corvane_mcp/protocol/ToolsCallParams.h"
+#include "corvane_mcp/protocol/McpRecords.h"
 
 namespace corvane {
 
@@ -147,7 +147,7 @@ Task<ToolsCallResult> MCPServer::handleToolsCall(std::optional<AnyCodable> param
   call.arguments = std::move(decoded.arguments);
   parts.logger.info("tools/call " + decoded.name + ": progressToken " +
                     (call.progress ? "present" : "ABSENT"));
-  co_return co_await parts.registry.call(std::move(decoded.name), std::move(call));
+  return parts.registry.find(decoded.name).call(std::move(call));
 }
 
 void MCPServer::replyToUnreadable(std::string_view description) {

@@ -6,14 +6,12 @@
 #include <string_view>
 
 #include "CorvaneCore/json/JsonReader.h"
-#include "corvane_mcp/protocol/InitializeResult.h"
-#include "corvane_mcp/protocol/JSONRPCRequest.h"
-#include "corvane_mcp/protocol/JSONRPCResponse.h"
-#include "corvane_mcp/server/ClientIdentity.h"
+#include "corvane_mcp/protocol/JsonRpc.h"
+#include "corvane_mcp/protocol/McpRecords.h"
 #include "corvane_mcp/server/LineReader.h"
 #include "corvane_mcp/server/Logger.h"
+#include "corvane_mcp/server/MCPTool.h"
 #include "corvane_mcp/server/MessageWriter.h"
-#include "corvane_mcp/server/ToolRegistry.h"
 #include "corvane_mcp/server/ToolTasks.h"
 
 namespace corvane {
@@ -66,7 +64,9 @@ class MCPServer {
   void send(const JSONRPCResponseWith<Result>& response, Delivery delivery);
 
   Parts parts;
+  /// Used by the reading thread only.
   JsonReader reader;
+  /// Last, so that it is destroyed first: that waits for the calls in flight, which use the rest.
   ToolTasks tasks;
 };
 

@@ -1,11 +1,8 @@
 #include "corvane_mcp/server/MessageWriter.h"
 
-#include <poll.h>
-#include <unistd.h>
-
-#include <cerrno>
-
+#include "CorvaneCore/json/AnyCodable.h"
 #include "CorvaneCore/json/JsonWriter.h"
+#include "corvane_mcp/server/StandardStreams.h"
 
 namespace corvane {
 
@@ -14,20 +11,10 @@ namespace {
 /// Queued messages leave at the latest when there are this many bytes of them.
 constexpr std::size_t mostPending = std::size_t{64} << 10;
 
-/// Writes everything, or gives up when the reader is gone.
-void writeWhole(int descriptor, std::string_view text) {
-  while (!text.empty()) {
-    const ssize_t count = ::write(descriptor, text.data(), text.size());
-    if (count >= 0) {
-      text.remove_prefix(static_cast<std::size_t>(count));
-    } else if (errno == EAGAIN || errno == EWOULDBLOCK) {
-      // Whoever started this process may have made the description non-blocking.
-      pollfd ready{descriptor, POLLOUT, 0};
-      ::poll(&ready, 1, -1);
-    } else if (errno != EINTR) {
-      return;
-    }
-  }
+/// Whoever started this process may have made the output non-blocking; a slow reader is waited for
+/// all the same.
+void writeOut(const FileDescriptor& output, std::string_view text) {
+  writeWhole(output.get(), text, WhenFull::wait);
 }
 
 }  // namespace
@@ -36,7 +23,7 @@ void MessageWriter::send(std::string message) {
   message += '\n';
   const std::scoped_lock lock(mutex);
   if (!pending.empty()) writePending();
-  writeWhole(output.get(), message);
+  writeOut(output, message);
 }
 
 void MessageWriter::sendWhileEncoding(const std::function<void(JsonSink&)>& encode) {
@@ -45,15 +32,15 @@ void MessageWriter::sendWhileEncoding(const std::function<void(JsonSink&)>& enco
   bool begun = false;
   JsonWriter writer([&](std::string_view piece) {
     begun = true;
-    writeWhole(output.get(), piece);
+    writeOut(output, piece);
   });
   try {
     encode(writer);
   } catch (...) {
-    if (begun) writeWhole(output.get(), "\n");
+    if (begun) writeOut(output, "\n");
     throw;
   }
-  writeWhole(output.get(), writer.take() + '\n');
+  writeOut(output, writer.take() + '\n');
 }
 
 void MessageWriter::queue(std::string_view message) {
@@ -69,9 +56,23 @@ void MessageWriter::flush() {
 }
 
 void MessageWriter::writePending() {
-  writeWhole(output.get(), pending);
+  writeOut(output, pending);
   if (pending.capacity() > 4 * mostPending) pending.shrink_to_fit();
   pending.clear();
+}
+
+void ProgressReporter::emit(double progress, std::optional<double> total,
+                            std::string_view message) const {
+  AnyCodable::Object params{{"progressToken", token}, {"progress", progress}, {"message", message}};
+  if (total) params.set("total", *total);
+  const AnyCodable notification(AnyCodable::Object{
+      {"jsonrpc", "2.0"}, {"method", "notifications/progress"}, {"params", std::move(params)}});
+  try {
+    // Unlike replies, these have always gone out with escaped slashes.
+    writer->send(toJson(notification, SlashStyle::escaped));
+  } catch (const EncodeError&) {
+    // Progress that has no JSON form is dropped; the call goes on.
+  }
 }
 
 }  // namespace corvane

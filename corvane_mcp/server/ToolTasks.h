@@ -6,7 +6,7 @@
 #include <mutex>
 #include <optional>
 
-#include "corvane_mcp/server/Task.h"
+#include "corvane_mcp/server/Clock.h"
 
 namespace corvane {
 
@@ -35,6 +35,7 @@ class ToolTasks {
   mutable std::mutex mutex;
   std::condition_variable idle;
   std::size_t running = 0;
+  /// After what its threads use when a task ends.
   std::optional<asio::thread_pool> pool;
 };
 

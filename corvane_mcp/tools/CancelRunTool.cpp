@@ -1,5 +1,3 @@
-#include "corvane_mcp/tools/CancelRunTool.h"
-
 #include <unistd.h>
 
 #include <cerrno>
@@ -7,13 +5,22 @@
 #include "CorvaneCore/requests/Requests.h"
 #include "CorvaneCore/results/AgentRunResult.h"
 #include "CorvaneCore/text/Uuid.h"
-#include "corvane_mcp/protocol/JSONRPCError.h"
-#include "corvane_mcp/tools/RequestIdArgument.h"
+#include "corvane_mcp/protocol/JsonRpc.h"
 #include "corvane_mcp/tools/ToolArguments.h"
+#include "corvane_mcp/tools/Tools.h"
 
 namespace corvane {
 
 namespace {
+
+constexpr std::string_view name = "cancel_run";
+
+constexpr std::string_view description =
+    "Cancel a Corvane run request you no longer need (e.g. you re-edited the code and the queued "
+    "run is stale).\n\nPass the requestId returned by run_test or create_test. Requests that "
+    "Corvane has not started yet (pending or queued) are cancelled outright. A run that is already "
+    "executing is aborted cooperatively at the next step boundary. Either way, poll get_result — "
+    "it reports status \"cancelled\" once the cancellation lands.";
 
 struct Arguments {
   std::optional<std::string> requestId;
@@ -26,44 +33,9 @@ struct Arguments {
   }
 };
 
-}  // namespace
-
-std::string_view CancelRunTool::description() const {
-  return "Cancel a Corvane run request you no longer need (e.g. you re-edited the code and the "
-         "queued run is stale).\n\nPass the requestId returned by run_test or create_test. "
-         "Requests "
-         "that Corvane has not started yet (pending or queued) are cancelled outright. A run that "
-         "is already executing is aborted cooperatively at the next step boundary. Either way, "
-         "poll get_result — it reports status \"cancelled\" once the cancellation lands.";
-}
-
-AnyCodable CancelRunTool::inputSchema() const {
-  return schemaOf<Arguments>(OtherProperties::notMentioned);
-}
-
-Task<ToolsCallResult> CancelRunTool::call(ToolCall call) const {
-  const auto given = takeArguments<Arguments>(call, name()).requestId;
-  const auto id = parseRequestId(given.value_or(""));
-  if (!id) co_return ToolsCallResult::failure(RequestIdArgument::invalidText(given));
-
-  if (removeWaitingRequest(*id)) {
-    writeCancelledResult(*id);
-    services.logger.info("cancel_run: removed unconsumed request " + *id);
-    co_return ToolsCallResult::success("Run request " + *id +
-                                       " cancelled (Corvane had not picked it up yet). get_result "
-                                       "now reports status \"cancelled\".");
-  }
-  dropCancelMarker(*id);
-  services.logger.info("cancel_run: dropped cancel marker for " + *id);
-  co_return ToolsCallResult::success(
-      "Cancellation requested for " + *id +
-      ". A queued run is cancelled immediately; an executing run is aborted at the next step "
-      "boundary. Poll get_result until it reports status \"cancelled\" (or a terminal result, if "
-      "the run finished before the cancellation landed).");
-}
-
-bool CancelRunTool::removeWaitingRequest(const std::string& requestId) const {
-  const auto file = AgentRunRequest::fileURL(requestId, services.paths);
+/// False when the app has the request already, or there never was one.
+bool removeWaitingRequest(const std::string& requestId, const AgentPaths& paths) {
+  const auto file = AgentRunRequest::fileURL(requestId, paths);
   // The app may take the file at any moment, so removing it is the only way to know who has it.
   if (::unlink(file.c_str()) == 0) return true;
   if (errno == ENOENT || errno == ENOTDIR) return false;
@@ -72,7 +44,7 @@ bool CancelRunTool::removeWaitingRequest(const std::string& requestId) const {
                      std::string("Failed to remove run request: ") + error.what());
 }
 
-void CancelRunTool::writeCancelledResult(const std::string& requestId) const {
+void writeCancelledResult(const std::string& requestId, const ToolServices& services) {
   AgentRunResult result;
   result.requestId = requestId;
   result.source = "run_test";
@@ -90,7 +62,7 @@ void CancelRunTool::writeCancelledResult(const std::string& requestId) const {
   }
 }
 
-void CancelRunTool::dropCancelMarker(const std::string& requestId) const {
+void dropCancelMarker(const std::string& requestId, const ToolServices& services) {
   services.paths.ensureAgentRunRequestsDirectoryExists();
   CancelMarker marker;
   marker.requestId = requestId;
@@ -101,6 +73,34 @@ void CancelRunTool::dropCancelMarker(const std::string& requestId) const {
     throw JSONRPCError(JSONRPCError::internalError,
                        std::string("Failed to write cancel marker: ") + error.what());
   }
+}
+
+ToolsCallResult call(const Arguments& arguments, const ToolServices& services) {
+  const auto id = parseRequestId(arguments.requestId.value_or(""));
+  if (!id) return ToolsCallResult::failure(RequestIdArgument::invalidText(arguments.requestId));
+
+  if (removeWaitingRequest(*id, services.paths)) {
+    writeCancelledResult(*id, services);
+    services.logger.info("cancel_run: removed unconsumed request " + *id);
+    return ToolsCallResult::success("Run request " + *id +
+                                    " cancelled (Corvane had not picked it up yet). get_result "
+                                    "now reports status \"cancelled\".");
+  }
+  dropCancelMarker(*id, services);
+  services.logger.info("cancel_run: dropped cancel marker for " + *id);
+  return ToolsCallResult::success(
+      "Cancellation requested for " + *id +
+      ". A queued run is cancelled immediately; an executing run is aborted at the next step "
+      "boundary. Poll get_result until it reports status \"cancelled\" (or a terminal result, if "
+      "the run finished before the cancellation landed).");
+}
+
+}  // namespace
+
+MCPTool makeCancelRunTool(const ToolServices& services) {
+  return {
+      name, description, [] { return schemaOf<Arguments>(OtherProperties::notMentioned); },
+      [services](ToolCall sent) { return call(takeArguments<Arguments>(sent, name), services); }};
 }
 
 }  // namespace corvane

@@ -1,17 +1,46 @@
-#include "corvane_mcp/tools/ExploreFlowTool.h"
-
 #include <array>
 #include <charconv>
 
+#include "CorvaneCore/authoring/Vocabularies.h"
 #include "CorvaneCore/json/JsonWriter.h"
 #include "CorvaneCore/requests/Requests.h"
+#include "CorvaneCore/results/AnswerTexts.h"
 #include "CorvaneCore/text/Unicode.h"
-#include "corvane_mcp/tools/Dispatch.h"
 #include "corvane_mcp/tools/ToolArguments.h"
+#include "corvane_mcp/tools/Tools.h"
 
 namespace corvane {
 
 namespace {
+
+constexpr std::string_view name = "explore_flow";
+
+constexpr std::string_view description =
+    R"(Have CORVANE explore the live app toward natural-language goals and AUTHOR deterministic tests from what it discovers. This is how ALL concrete steps get authored: Corvane has eyes on the device and grounds every tap on the real screen — you don't. create_test only COMPOSES existing pieces; it cannot author taps, inputs or scrolls.
+
+HAND A STRUCTURED GOAL MAP — MULTIPLE GOALS IN ONE CALL. You supply the structure (which flows, where the state forks, where to reuse); Corvane's planner supplies the steps. `goal` is a terse, labelled list of bounded goals, not a tap script. The canonical example, a startup suite:
+  1. Ensure signed in: log in if a login screen shows, else pass through (reuse an existing login test or UDI). Assert the home screen.
+  2. Tabs: visit each tab and assert that it loaded.
+  3. Chat: open the in-app chat from its button and assert that it opens.
+Corvane authors ONE TEST PER GOAL in one session and reuses earlier goals via runTest. Exact labels you know from source may be named as anchors. Do NOT ask for a separate login or launch probe test.
+
+COST WARNING: every explored step costs roughly 10-20 credits. Budget maxCreditSpend at about expected steps x 15 (a 5-step flow: about 75-100; a 10-step flow: about 150-250). ALWAYS set it — a wandering session aborts gracefully and keeps partial work.
+
+PROJECT BOOTSTRAP (first call to a NEW project): pass the build identity (iOS: iosProjectPath + bundleIdentifier; Android: androidProjectPath + applicationId) and explore_flow creates the project, builds, installs and explores in this one call. For an existing project omit the identity. Corvane builds first when the project's "Build before scheduled runs" setting is on; bootstrap turns it on.
+
+What happens:
+  1. The request is dispatched, Corvane.app is launched if it is not already running, and this tool returns IMMEDIATELY with a requestId.
+  2. Poll get_result with waitSeconds 120: status "authoring" carries live activity, then terminal "authored" carries authoredTests[], one {testId, testName, stepCount} per goal.
+  3. Inspect the authored tests with describe_project, then run them with run_test.
+
+Terminal outcomes:
+  • "authored" — success.
+  • "warning" — partial: the tests authored so far are kept.
+  • "blocked" — budgetExceeded, or missing identity or credits; see blocked.code.
+  • "cancelled" — by cancel_run.
+Sessions queue FIFO with runs and other explorations.
+
+Partial outcomes: read the kept partial test via describe_project FIRST. Finishing it with create_test (reuseSteps plus the few missing steps) is cheaper than re-exploring. To continue into uncharted UI, re-issue explore_flow with resumeFromTestId set to the partial.)";
 
 /// In characters. Shorter goals say too little to explore toward.
 constexpr std::size_t shortestGoal = 10;
@@ -49,7 +78,7 @@ struct Arguments {
                  "the goal."),
         argument("targetPlatform", &A::targetPlatform,
                  "Optional. Omit to use the project's currently selected platform.")
-            .with("enum", AnyCodable::Array{"iOS", "android"}),
+            .oneOf<AgentTargetPlatform>(),
         argument("maxCreditSpend", &A::maxCreditSpend,
                  "STRONGLY RECOMMENDED. Abort the session (keeping partial work) once credit spend "
                  "exceeds this. Expect ~10-20 credits per explored step (budget ~ steps x 15) — "
@@ -114,43 +143,8 @@ std::string describeBudget(const std::optional<double>& credits) {
   return std::string(digits.data(), result.ptr) + " credits";
 }
 
-}  // namespace
-
-std::string_view ExploreFlowTool::description() const {
-  return R"(Have CORVANE explore the live app toward natural-language goals and AUTHOR deterministic tests from what it discovers. This is how ALL concrete steps get authored: Corvane has eyes on the device and grounds every tap on the real screen — you don't. create_test only COMPOSES existing pieces; it cannot author taps, inputs or scrolls.
-
-HAND A STRUCTURED GOAL MAP — MULTIPLE GOALS IN ONE CALL. You supply the structure (which flows, where the state forks, where to reuse); Corvane's planner supplies the steps. `goal` is a terse, labelled list of bounded goals, not a tap script. The canonical example, a startup suite:
-  1. Ensure signed in: log in if a login screen shows, else pass through (reuse an existing login test or UDI). Assert the home screen.
-  2. Tabs: visit each tab and assert that it loaded.
-  3. Chat: open the in-app chat from its button and assert that it opens.
-Corvane authors ONE TEST PER GOAL in one session and reuses earlier goals via runTest. Exact labels you know from source may be named as anchors. Do NOT ask for a separate login or launch probe test.
-
-COST WARNING: every explored step costs roughly 10-20 credits. Budget maxCreditSpend at about expected steps x 15 (a 5-step flow: about 75-100; a 10-step flow: about 150-250). ALWAYS set it — a wandering session aborts gracefully and keeps partial work.
-
-PROJECT BOOTSTRAP (first call to a NEW project): pass the build identity (iOS: iosProjectPath + bundleIdentifier; Android: androidProjectPath + applicationId) and explore_flow creates the project, builds, installs and explores in this one call. For an existing project omit the identity. Corvane builds first when the project's "Build before scheduled runs" setting is on; bootstrap turns it on.
-
-What happens:
-  1. The request is dispatched, Corvane.app is launched if it is not already running, and this tool returns IMMEDIATELY with a requestId.
-  2. Poll get_result with waitSeconds 120: status "authoring" carries live activity, then terminal "authored" carries authoredTests[], one {testId, testName, stepCount} per goal.
-  3. Inspect the authored tests with describe_project, then run them with run_test.
-
-Terminal outcomes:
-  • "authored" — success.
-  • "warning" — partial: the tests authored so far are kept.
-  • "blocked" — budgetExceeded, or missing identity or credits; see blocked.code.
-  • "cancelled" — by cancel_run.
-Sessions queue FIFO with runs and other explorations.
-
-Partial outcomes: read the kept partial test via describe_project FIRST. Finishing it with create_test (reuseSteps plus the few missing steps) is cheaper than re-exploring. To continue into uncharted UI, re-issue explore_flow with resumeFromTestId set to the partial.)";
-}
-
-AnyCodable ExploreFlowTool::inputSchema() const {
-  return schemaOf<Arguments>(OtherProperties::refused);
-}
-
-Task<ToolsCallResult> ExploreFlowTool::call(ToolCall call) const {
-  auto arguments = takeArguments<Arguments>(call, name());
-  if (auto refused = refusal(arguments)) co_return std::move(*refused);
+ToolsCallResult call(Arguments arguments, const ToolServices& services) {
+  if (auto refused = refusal(arguments)) return std::move(*refused);
 
   auto request = Dispatch::newRequest<AgentExploreRequest>(services);
   request.projectName = std::move(*arguments.projectName);
@@ -169,7 +163,7 @@ Task<ToolsCallResult> ExploreFlowTool::call(ToolCall call) const {
   const auto launch = Dispatch::launchApp(services);
 
   std::string text = "Exploration dispatched to Corvane.\n";
-  text += "\n  requestId:   " + request.requestId;
+  text += "\n  " + AnswerTexts::requestIdLine(request.requestId, 13);
   text += "\n  Project:     " + request.projectName;
   text += "\n  Goal:        " + request.goal;
   text += "\n  Budget:      " + describeBudget(request.maxCreditSpend);
@@ -181,7 +175,15 @@ Task<ToolsCallResult> ExploreFlowTool::call(ToolCall call) const {
           "deterministic regression guard. For the next flow, decide charted vs uncharted: study "
           "the exhaust (describe_project: world map + authored steps) and author charted neighbors "
           "yourself via create_test + reuseSteps; keep exploring where the map is blank.";
-  co_return ToolsCallResult::success(std::move(text));
+  return ToolsCallResult::success(std::move(text));
+}
+
+}  // namespace
+
+MCPTool makeExploreFlowTool(const ToolServices& services) {
+  return {
+      name, description, [] { return schemaOf<Arguments>(OtherProperties::refused); },
+      [services](ToolCall sent) { return call(takeArguments<Arguments>(sent, name), services); }};
 }
 
 }  // namespace corvane

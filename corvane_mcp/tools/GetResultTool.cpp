@@ -1,22 +1,37 @@
-#include "corvane_mcp/tools/GetResultTool.h"
-
 #include <algorithm>
 #include <iterator>
 
+#include "CorvaneCore/json/LenientReading.h"
+#include "CorvaneCore/results/AgentRunResult.h"
+#include "CorvaneCore/results/AnswerTexts.h"
 #include "CorvaneCore/text/Uuid.h"
+#include "corvane_mcp/results/ResultFileStore.h"
 #include "corvane_mcp/results/ResultTexts.h"
-#include "corvane_mcp/results/StepTraceChoice.h"
-#include "corvane_mcp/tools/RequestIdArgument.h"
 #include "corvane_mcp/tools/ToolArguments.h"
+#include "corvane_mcp/tools/Tools.h"
 
 namespace corvane {
 
 namespace {
 
-constexpr std::int64_t longestWait = 240;
+constexpr std::string_view name = "get_result";
 
-/// About four and a half missed heartbeats of some 20 seconds.
-constexpr std::int64_t staleAfterSeconds = 91;
+constexpr std::string_view description =
+    R"(Fetch the status and results of a Corvane run started by create_test or run_test. The requestIds of explore_flow and of the library tools work the same way.
+
+Results are progressive (received → queued → building → running → terminal). Terminal statuses: passed, failed, warning, blocked, cancelled, error (and imported, for create_test with autoRun=false).
+
+waitSeconds (0-240, default 0) long-polls inside this single call: it returns as soon as the status is terminal, or with the latest snapshot when the time is up — that timeout is NOT an error; just call get_result again. Recommended loop: get_result with waitSeconds 120, repeated until the status is terminal. If your client's per-call timeout is shorter than that, pass a smaller value (e.g. 45).
+
+Reading the answer:
+  • The result JSON is compact; failed steps carry an AI-written failureReason.
+  • status "blocked" means an action is needed from you or the user: read blocked.code and blocked.message.
+  • A step with status "healed" passed only after Corvane adapted to an unexpected screen; audit it with includeStepTrace before you trust the pass.
+  • Non-terminal snapshots carry liveness: appRunning and secondsSinceUpdate, and a plain warning when the run died with the app or looks wedged.
+
+includeStepTrace adds before/after screenshots of any executed step as image blocks — by default the failing step, or the last executed one; traceStepIndex picks another step, and traceTestIndex picks the test of a multi-test run. Costs image tokens — request only what you need.)";
+
+using AnswerTexts::Standing;
 
 struct Arguments {
   std::optional<std::string> requestId;
@@ -35,7 +50,7 @@ struct Arguments {
                  "Long-poll up to this many seconds for a terminal status. 0 = return the current "
                  "snapshot immediately.")
             .with("minimum", 0)
-            .with("maximum", longestWait)
+            .with("maximum", AnswerTexts::longestWaitSeconds)
             .with("default", 0),
         argument("includeStepTrace", &A::includeStepTrace,
                  "Also return before/after screenshots of a step as image blocks. Screenshots "
@@ -55,19 +70,25 @@ struct Arguments {
 };
 
 /// Sends a numbered progress notification for every snapshot.
-ResultFileStore::OnUpdate progressUpdates(const std::optional<ProgressReporter>& reporter) {
+ResultFileStore::OnUpdate progressUpdates(std::optional<ProgressReporter> reporter) {
   if (!reporter) return nullptr;
-  return [reporter = *reporter, count = 0](const ResultFileStore::Snapshot& snapshot) mutable {
+  return [reporter = std::move(*reporter),
+          count = 0](const ResultFileStore::Snapshot& snapshot) mutable {
     reporter.emit(++count, std::nullopt, ResultTexts::progressLine(snapshot));
   };
 }
 
+/// No result has it: the status of a request that nobody has taken.
+constexpr std::string_view pendingStatus = "pending";
+
 std::string pendingText(const std::string& id) {
-  return "status: pending (Corvane has not picked up the request yet)\n\n{\"requestId\":\"" + id +
-         "\",\"status\":\"pending\",\"terminal\":false}\n\nThe request file is still waiting in "
-         "Corvane's drop folder. Is Corvane.app running and signed in? (create_test/run_test "
-         "launch "
-         "it, but a cold start takes a few seconds — call get_result again with waitSeconds.)";
+  const JsonObject result{{std::string(keyOf<&AgentRunResult::requestId>()), id},
+                          {std::string(keyOf<&AgentRunResult::status>()), pendingStatus},
+                          {std::string(keyOf<&AgentRunResult::terminal>()), false}};
+  return AnswerTexts::statusLine(pendingStatus, Standing::pending) + "\n\n" + toJson(result) +
+         "\n\nThe request file is still waiting in Corvane's drop folder. Is Corvane.app running "
+         "and signed in? (create_test/run_test launch it, but a cold start takes a few seconds — "
+         "call get_result again with waitSeconds.)";
 }
 
 std::string unknownText(const std::string& id) {
@@ -82,36 +103,39 @@ std::string unreadableText(const std::filesystem::path& path) {
          displayPath(path);
 }
 
-}  // namespace
+/// What stands before the result file's text.
+std::string snapshotHeader(const ResultFileStore::Snapshot& snapshot,
+                           const ToolServices& services) {
+  const auto line = [&snapshot](Standing standing, std::int64_t seconds = 0) {
+    return AnswerTexts::statusLine(snapshot.status, standing, seconds);
+  };
+  if (snapshot.terminal) return line(Standing::terminal);
 
-std::string_view GetResultTool::description() const {
-  return R"(Fetch the status and results of a Corvane run started by create_test or run_test. The requestIds of explore_flow and of the library tools work the same way.
+  std::optional<std::int64_t> seconds;
+  if (snapshot.modifiedAt) seconds = secondsBetween(*snapshot.modifiedAt, services.clock.now());
+  const std::string age =
+      seconds ? "\nsecondsSinceUpdate: " + std::to_string(*seconds) : std::string();
 
-Results are progressive (received → queued → building → running → terminal). Terminal statuses: passed, failed, warning, blocked, cancelled, error (and imported, for create_test with autoRun=false).
-
-waitSeconds (0-240, default 0) long-polls inside this single call: it returns as soon as the status is terminal, or with the latest snapshot when the time is up — that timeout is NOT an error; just call get_result again. Recommended loop: get_result with waitSeconds 120, repeated until the status is terminal. If your client's per-call timeout is shorter than that, pass a smaller value (e.g. 45).
-
-Reading the answer:
-  • The result JSON is compact; failed steps carry an AI-written failureReason.
-  • status "blocked" means an action is needed from you or the user: read blocked.code and blocked.message.
-  • A step with status "healed" passed only after Corvane adapted to an unexpected screen; audit it with includeStepTrace before you trust the pass.
-  • Non-terminal snapshots carry liveness: appRunning and secondsSinceUpdate, and a plain warning when the run died with the app or looks wedged.
-
-includeStepTrace adds before/after screenshots of any executed step as image blocks — by default the failing step, or the last executed one; traceStepIndex picks another step, and traceTestIndex picks the test of a multi-test run. Costs image tokens — request only what you need.)";
+  if (!services.launcher.isRunning()) {
+    return line(Standing::appNotRunning) + "\nappRunning: false" + age +
+           "\n\nThis run died with the app; it will not progress. run_test/create_test relaunch "
+           "Corvane (which settles orphaned runs as 'error' at startup).";
+  }
+  if (seconds && *seconds >= staleAfterSeconds) {
+    return line(Standing::stale, *seconds) + "\nappRunning: true";
+  }
+  return line(Standing::inProgress) + "\nappRunning: true" + age;
 }
 
-AnyCodable GetResultTool::inputSchema() const {
-  return schemaOf<Arguments>(OtherProperties::refused);
-}
-
-Task<ToolsCallResult> GetResultTool::call(ToolCall call) const {
-  const auto arguments = takeArguments<Arguments>(call, name());
+Task<ToolsCallResult> call(Arguments arguments, std::optional<ProgressReporter> progress,
+                           ToolServices services) {
   const auto id = parseRequestId(arguments.requestId.value_or(""));
   if (!id) co_return ToolsCallResult::failure(RequestIdArgument::invalidText(arguments.requestId));
-  const auto waitSeconds =
-      std::clamp<std::int64_t>(arguments.waitSeconds.value_or(0), 0, longestWait);
+  const auto waitSeconds = std::clamp<std::int64_t>(arguments.waitSeconds.value_or(0), 0,
+                                                    AnswerTexts::longestWaitSeconds);
 
-  auto outcome = co_await store.poll(*id, waitSeconds, progressUpdates(call.progress));
+  const ResultFileStore store(services.paths, services.clock);
+  auto outcome = co_await store.poll(*id, waitSeconds, progressUpdates(std::move(progress)));
   if (std::holds_alternative<ResultFileStore::Pending>(outcome)) {
     co_return ToolsCallResult::success(pendingText(*id));
   }
@@ -122,7 +146,7 @@ Task<ToolsCallResult> GetResultTool::call(ToolCall call) const {
     co_return ToolsCallResult::failure(unreadableText(unreadable->path));
   }
   auto& snapshot = std::get<ResultFileStore::Snapshot>(outcome);
-  const std::string header = snapshotHeader(snapshot) + "\n\n";
+  const std::string header = snapshotHeader(snapshot, services).append(AnswerTexts::beforeResult);
   std::vector<ContentBlock> further;
   if (auto advice = ResultTexts::interruptAdvice(snapshot)) {
     further.push_back(ContentBlock::text(std::move(*advice)));
@@ -137,27 +161,13 @@ Task<ToolsCallResult> GetResultTool::call(ToolCall call) const {
   co_return result;
 }
 
-std::string GetResultTool::snapshotHeader(const ResultFileStore::Snapshot& snapshot) const {
-  std::string header = "status: " + snapshot.status;
-  if (snapshot.terminal) return header + " (terminal)";
+}  // namespace
 
-  std::optional<std::int64_t> seconds;
-  if (snapshot.modifiedAt) seconds = secondsBetween(*snapshot.modifiedAt, services.clock.now());
-  const std::string age =
-      seconds ? "\nsecondsSinceUpdate: " + std::to_string(*seconds) : std::string();
-
-  if (!services.launcher.isRunning()) {
-    return header + " (NOT terminal — but Corvane.app is NOT running)\nappRunning: false" + age +
-           "\n\nThis run died with the app; it will not progress. run_test/create_test relaunch "
-           "Corvane (which settles orphaned runs as 'error' at startup).";
-  }
-  if (seconds && *seconds >= staleAfterSeconds) {
-    return header + " (NOT terminal — STALE: no update in " + std::to_string(*seconds) +
-           "s despite Corvane running; active envelopes heartbeat every ~20s. The run may be "
-           "wedged — consider cancel_run, or get_status for the live picture.)\nappRunning: true";
-  }
-  return header +
-         " (NOT terminal — run still in progress, call get_result again)\nappRunning: true" + age;
+MCPTool makeGetResultTool(const ToolServices& services) {
+  return {name, description, [] { return schemaOf<Arguments>(OtherProperties::refused); },
+          [services](ToolCall sent) {
+            return call(takeArguments<Arguments>(sent, name), std::move(sent.progress), services);
+          }};
 }
 
 }  // namespace corvane

@@ -1,16 +1,33 @@
-#include "corvane_mcp/tools/RunTestTool.h"
-
 #include <algorithm>
 #include <variant>
 
+#include "CorvaneCore/authoring/TestPayloadArguments.h"
 #include "CorvaneCore/requests/Requests.h"
+#include "CorvaneCore/results/AnswerTexts.h"
 #include "CorvaneCore/text/Unicode.h"
-#include "corvane_mcp/tools/Dispatch.h"
 #include "corvane_mcp/tools/ToolArguments.h"
+#include "corvane_mcp/tools/Tools.h"
 
 namespace corvane {
 
 namespace {
+
+constexpr std::string_view name = "run_test";
+
+constexpr std::string_view description =
+    R"(Run EXISTING Corvane test(s) and get a requestId to track the run. To author a NEW test, use create_test instead. If you are not certain of the project, test or suite name, call describe_project first — do not guess.
+
+Target exactly ONE of:
+  • testNames: ["Login", "Checkout"] — specific tests, by exact case-sensitive name
+  • suiteName: "Smoke" — every test in that suite
+  • runAll: true — the full regression: every test in the project (slow)
+
+What happens:
+  1. The request file is written to Corvane's AgentRunRequests folder, and Corvane.app is launched if it is not already running.
+  2. Corvane builds, installs and runs end to end when the project is build-configured — do NOT run xcodebuild/gradle yourself first, just dispatch. buildFirst omitted = the project's "Build before scheduled runs" setting decides; true = force a rebuild; false = run the binary already on the device.
+  3. This tool returns IMMEDIATELY with a requestId. Follow it with get_result (waitSeconds: 120) and repeat until the status is terminal. Concurrent requests queue FIFO; cancel stale queued requests with cancel_run. get_status shows whether Corvane is idle or which request it is running.
+
+params substitutes runtime values into the $placeholders that parameterized tests declare, e.g. {"username": "qa@example.com"} fills $username.)";
 
 using Target = AgentRunRequest::Target;
 
@@ -56,10 +73,10 @@ struct Arguments {
                  "is in `xcrun simctl list devices booted`, or the -destination you built with). "
                  "Without it Corvane binds the simulator that actually has the app installed, and "
                  "reports blocked(appNotInstalled) when none does.")
-            .with("pattern", "^[A-Fa-f0-9]{8}(-[A-Fa-f0-9]{4}){3}-[A-Fa-f0-9]{12}$"),
+            .with("pattern", TestPayloadArguments::simulatorPattern),
         argument("targetPlatform", &A::targetPlatform,
                  "Optional. Omit to use the project's currently selected platform.")
-            .with("enum", AnyCodable::Array{"iOS", "android"}));
+            .oneOf<AgentTargetPlatform>());
   }
 };
 
@@ -117,37 +134,14 @@ std::string_view describe(std::optional<bool> buildFirst) {
   return *buildFirst ? "true" : "false (runs the binary already on the device)";
 }
 
-}  // namespace
-
-std::string_view RunTestTool::description() const {
-  return R"(Run EXISTING Corvane test(s) and get a requestId to track the run. To author a NEW test, use create_test instead. If you are not certain of the project, test or suite name, call describe_project first — do not guess.
-
-Target exactly ONE of:
-  • testNames: ["Login", "Checkout"] — specific tests, by exact case-sensitive name
-  • suiteName: "Smoke" — every test in that suite
-  • runAll: true — the full regression: every test in the project (slow)
-
-What happens:
-  1. The request file is written to Corvane's AgentRunRequests folder, and Corvane.app is launched if it is not already running.
-  2. Corvane builds, installs and runs end to end when the project is build-configured — do NOT run xcodebuild/gradle yourself first, just dispatch. buildFirst omitted = the project's "Build before scheduled runs" setting decides; true = force a rebuild; false = run the binary already on the device.
-  3. This tool returns IMMEDIATELY with a requestId. Follow it with get_result (waitSeconds: 120) and repeat until the status is terminal. Concurrent requests queue FIFO; cancel stale queued requests with cancel_run. get_status shows whether Corvane is idle or which request it is running.
-
-params substitutes runtime values into the $placeholders that parameterized tests declare, e.g. {"username": "qa@example.com"} fills $username.)";
-}
-
-AnyCodable RunTestTool::inputSchema() const {
-  return schemaOf<Arguments>(OtherProperties::refused);
-}
-
-Task<ToolsCallResult> RunTestTool::call(ToolCall call) const {
-  auto arguments = takeArguments<Arguments>(call, name());
+ToolsCallResult call(Arguments arguments, const ToolServices& services) {
   if (arguments.projectName.value_or("").empty()) {
-    co_return invalidArguments(
+    return invalidArguments(
         "'projectName' is required and must be non-empty. Use the exact project name as it appears "
         "in Corvane's project list.");
   }
   auto target = readTarget(arguments);
-  if (auto* refusal = std::get_if<ToolsCallResult>(&target)) co_return std::move(*refusal);
+  if (auto* refusal = std::get_if<ToolsCallResult>(&target)) return std::move(*refusal);
 
   auto request = Dispatch::newRequest<AgentRunRequest>(services);
   request.projectName = std::move(*arguments.projectName);
@@ -161,7 +155,7 @@ Task<ToolsCallResult> RunTestTool::call(ToolCall call) const {
   const auto launch = Dispatch::launchApp(services);
 
   std::string text = "Run request dispatched to Corvane.\n";
-  text += "\n  requestId:   " + request.requestId;
+  text += "\n  " + AnswerTexts::requestIdLine(request.requestId, 13);
   text += "\n  Project:     " + request.projectName;
   text += "\n  Target:      " + describe(request.target);
   text.append("\n  buildFirst:  ").append(describe(request.buildFirst));
@@ -169,7 +163,15 @@ Task<ToolsCallResult> RunTestTool::call(ToolCall call) const {
   text += "\n  Corvane.app: " + launch.describe();
   text += "\n\nNext: call " + Dispatch::getResultCall(request.requestId, 120) +
           " and repeat until the status is terminal.";
-  co_return ToolsCallResult::success(std::move(text));
+  return ToolsCallResult::success(std::move(text));
+}
+
+}  // namespace
+
+MCPTool makeRunTestTool(const ToolServices& services) {
+  return {
+      name, description, [] { return schemaOf<Arguments>(OtherProperties::refused); },
+      [services](ToolCall sent) { return call(takeArguments<Arguments>(sent, name), services); }};
 }
 
 }  // namespace corvane

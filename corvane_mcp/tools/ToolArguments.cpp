@@ -1,6 +1,6 @@
 #include "corvane_mcp/tools/ToolArguments.h"
 
-#include "corvane_mcp/protocol/JSONRPCError.h"
+#include "corvane_mcp/protocol/JsonRpc.h"
 
 namespace corvane {
 
@@ -14,6 +14,12 @@ JsonObject& requireArguments(ToolCall& call, std::string_view toolName) {
 
 ToolsCallResult invalidArguments(std::string_view reason) {
   return ToolsCallResult::failure(std::string("error:invalid_arguments\n\n").append(reason));
+}
+
+std::string RequestIdArgument::invalidText(const std::optional<std::string>& given) {
+  return "error:invalid_request_id\n\nrequestId must be the UUID returned by create_test/run_test. "
+         "Got: '" +
+         given.value_or("<missing>") + "'";
 }
 
 }  // namespace corvane

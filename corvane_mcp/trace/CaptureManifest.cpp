@@ -2,79 +2,62 @@
 
 #include <algorithm>
 #include <array>
-#include <utility>
 
 #include "CorvaneCore/capture/CaptureSession.h"
-#include "CorvaneCore/json/JsonErrors.h"
-#include "CorvaneCore/json/JsonReader.h"
+#include "CorvaneCore/json/LenientReading.h"
 
 namespace corvane {
 
 namespace {
 
-/// A frame as far as it must make sense; what may be unusable is kept as it stands.
-struct FrameRecord {
-  std::int64_t stepIndex = 0;
-  FrameStatus status = FrameStatus::beforeStep;
-  AnyCodable imageFileName;
-  AnyCodable touches;
+using Frame = CaptureSession::Frame;
 
-  static constexpr auto fields() {
-    using R = FrameRecord;
-    return FieldList(field("stepIndex", &R::stepIndex), field("status", &R::status),
-                     field("imageFileName", &R::imageFileName).withDefault(),
-                     field("touches", &R::touches).withDefault());
-  }
-};
+/// The status of a frame of this step that makes sense.
+std::optional<FrameStatus> statusInStep(const AnyCodable& frame, std::int64_t stepIndex) {
+  const auto* index = findField<&Frame::stepIndex>(frame);
+  const auto* status = findField<&Frame::status>(frame);
+  if (!index || *index != stepIndex || !status) return std::nullopt;
+  return fromRawValue<FrameStatus>(*status);
+}
 
-std::vector<Touch> takeUsableTouches(AnyCodable& value) {
+std::vector<Touch> usableTouches(const AnyCodable& frame) {
   // More marks than this would hide the screen.
   constexpr std::size_t mostTouches = 100;
   std::vector<Touch> touches;
-  auto* array = std::get_if<AnyCodable::Array>(&value.value());
-  if (!array) return touches;
-  for (std::size_t i = 0; i < std::min(array->size(), mostTouches); ++i) {
-    if (const auto touch = decodeIfFits<Touch>(std::move((*array)[i]))) touches.push_back(*touch);
+  const auto* given = findField<&Frame::touches>(frame);
+  if (!given) return touches;
+  for (std::size_t i = 0; i < std::min(given->size(), mostTouches); ++i) {
+    if (const auto touch = decodeIfFits<Touch>(AnyCodable((*given)[i]))) touches.push_back(*touch);
   }
   return touches;
 }
 
-CaptureFrame takeUsable(FrameRecord& record) {
-  const auto* name = record.imageFileName.string();
-  return {name ? *name : std::string(), takeUsableTouches(record.touches)};
-}
-
-bool isOfStep(const AnyCodable& frame, std::int64_t stepIndex) {
-  const auto* member = frame.find("stepIndex");
-  const auto* index = member ? member->integer() : nullptr;
-  return index && *index == stepIndex;
+CaptureFrame usable(const AnyCodable& frame) {
+  const auto* name = findField<&Frame::imageFileName>(frame);
+  return {name ? *name : std::string(), usableTouches(frame)};
 }
 
 }  // namespace
 
 StepFrames readStepFrames(std::string_view manifest, std::int64_t stepIndex) {
-  JsonObject members = readMembers(manifest, {"frames"});
-  AnyCodable* value = members.find("frames");
-  auto* frames = value ? std::get_if<AnyCodable::Array>(&value->value()) : nullptr;
+  const JsonObject session = readMembers<&CaptureSession::frames>(manifest);
+  const auto* frames = findField<&CaptureSession::frames>(session);
   if (!frames) throw DecodeError("frames: expected an array");
 
-  std::array<std::optional<FrameRecord>, Vocabulary<FrameStatus>::rows.size()> latest;
-  const auto latestOf = [&latest](FrameStatus status) -> std::optional<FrameRecord>& {
+  std::array<const AnyCodable*, Vocabulary<FrameStatus>::rows.size()> latest{};
+  const auto latestOf = [&latest](FrameStatus status) -> const AnyCodable*& {
     return latest[static_cast<std::size_t>(status)];
   };
-  for (AnyCodable& frame : *frames) {
-    if (!isOfStep(frame, stepIndex)) continue;
-    if (auto record = decodeIfFits<FrameRecord>(std::move(frame))) {
-      latestOf(record->status) = std::move(record);
-    }
+  for (const AnyCodable& frame : *frames) {
+    if (const auto status = statusInStep(frame, stepIndex)) latestOf(*status) = &frame;
   }
 
   StepFrames picked;
-  auto& before = latestOf(FrameStatus::beforeStep);
-  auto& failed = latestOf(FrameStatus::onFailure);
-  auto& after = failed ? failed : latestOf(FrameStatus::afterStep);
-  if (before) picked.before = takeUsable(*before);
-  if (after) picked.after = takeUsable(*after);
+  const auto* before = latestOf(FrameStatus::beforeStep);
+  const auto* failed = latestOf(FrameStatus::onFailure);
+  const auto* after = failed ? failed : latestOf(FrameStatus::afterStep);
+  if (before) picked.before = usable(*before);
+  if (after) picked.after = usable(*after);
   return picked;
 }
 

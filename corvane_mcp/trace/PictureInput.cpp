@@ -9,7 +9,7 @@
 #include <string>
 #include <system_error>
 
-#include "corvane_mcp/trace/PictureError.h"
+#include "corvane_mcp/trace/Picture.h"
 
 namespace corvane {
 

@@ -8,14 +8,12 @@
 
 #include "CorvaneCore/capture/CaptureSession.h"
 #include "CorvaneCore/files/Files.h"
-#include "CorvaneCore/json/JsonErrors.h"
+#include "CorvaneCore/json/AnyCodable.h"
 #include "CorvaneCore/text/Base64.h"
 #include "CorvaneCore/text/Unicode.h"
 #include "corvane_mcp/trace/CaptureManifest.h"
-#include "corvane_mcp/trace/JpegDecoder.h"
-#include "corvane_mcp/trace/JpegEncoder.h"
-#include "corvane_mcp/trace/PictureError.h"
-#include "corvane_mcp/trace/PngDecoder.h"
+#include "corvane_mcp/trace/Picture.h"
+#include "corvane_mcp/trace/PictureFormats.h"
 #include "corvane_mcp/trace/TouchMarks.h"
 
 namespace corvane {
@@ -25,7 +23,7 @@ namespace {
 /// Every image costs the agent tokens, so they are small.
 constexpr int largestSide = 800;
 constexpr double quality = 0.7;
-/// Room for tens of thousands of frames.
+/// Tens of thousands of frames fit into it.
 constexpr std::size_t largestManifest = std::size_t{4} << 20;
 
 /// What became of one frame: an image, or the reason why there is none.
@@ -93,7 +91,9 @@ std::vector<FrameResult> loadAll(const std::filesystem::path& sessionDir,
   std::vector<FrameResult> results;
   std::future<FrameResult> after;
   const auto loadAfter = [&] { return load(sessionDir, "after", *frames.after); };
-  // Side by side when there are both; on this thread when the system has no other to give.
+  // Side by side when there are both, as pictures take long. On a thread of its own, not the
+  // pool's: this runs on one of those, and were all of them here, each would wait for another to be
+  // free. On this thread when the system has no other to give.
   if (frames.before && frames.after) after = std::async(loadAfter);
   if (frames.before) results.push_back(load(sessionDir, "before", *frames.before));
   if (frames.after) results.push_back(after.valid() ? after.get() : loadAfter());

@@ -5,15 +5,21 @@
 
 #include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/json/JsonReader.h"
+#include "CorvaneCore/json/LenientReading.h"
 #include "CorvaneCore/text/Unicode.h"
+#include "CorvaneCore/workspace/AgentContext.h"
 
 namespace corvane {
 
 namespace {
 
-constexpr std::array<std::string_view, 6> keptMembers{"appVersion", "currentProjectName",
-                                                      "device",     "schemaVersion",
-                                                      "updatedAt",  "userDefinedInteractions"};
+using Project = AgentContext::ProjectContext;
+
+/// What is kept of the context beside its projects.
+constexpr std::array keptMembers{
+    keyOf<&AgentContext::appVersion>(), keyOf<&AgentContext::currentProjectName>(),
+    keyOf<&AgentContext::device>(),     keyOf<&AgentContext::schemaVersion>(),
+    keyOf<&AgentContext::updatedAt>(),  keyOf<&AgentContext::userDefinedInteractions>()};
 
 bool isKept(std::string_view member) {
   return std::find(keptMembers.begin(), keptMembers.end(), member) != keptMembers.end();
@@ -37,11 +43,11 @@ PublishedContext::Project readProject(JsonCursor& cursor) {
   PublishedContext::Project project;
   project.begin = cursor.position();
   cursor.members([&](std::string_view key) {
-    if (key == "name") {
+    if (key == keyOf<&Project::name>()) {
       project.name = cursor.read();
-    } else if (key == "platform") {
+    } else if (key == keyOf<&Project::platform>()) {
       project.platform = cursor.read();
-    } else if (key == "tests") {
+    } else if (key == keyOf<&Project::tests>()) {
       project.testCount = countElements(cursor);
     } else {
       cursor.skip();
@@ -83,7 +89,7 @@ PublishedContext::PublishedContext(std::string contents) : text(std::move(conten
   JsonReader().read(text, [this](JsonCursor& cursor) {
     if (!cursor.atObject()) throw DecodeError("expected an object");
     cursor.members([&](std::string_view key) {
-      if (key == "projects") {
+      if (key == keyOf<&AgentContext::projects>()) {
         listed = readProjects(cursor);
       } else if (isKept(key)) {
         known.set(key, cursor.read());

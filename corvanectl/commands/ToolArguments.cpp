@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "CorvaneCore/files/Files.h"
-#include "CorvaneCore/json/JsonErrors.h"
+#include "CorvaneCore/json/AnyCodable.h"
 #include "CorvaneCore/json/JsonReader.h"
 #include "corvanectl/commands/UsageError.h"
 

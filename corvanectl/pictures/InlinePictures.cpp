@@ -6,9 +6,8 @@
 #include <limits>
 #include <span>
 
-#include "corvane_mcp/trace/JpegDecoder.h"
-#include "corvane_mcp/trace/PictureError.h"
-#include "corvane_mcp/trace/PngDecoder.h"
+#include "corvane_mcp/trace/Picture.h"
+#include "corvane_mcp/trace/PictureFormats.h"
 #include "corvanectl/pictures/InlineImage.h"
 
 namespace corvane {

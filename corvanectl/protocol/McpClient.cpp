@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "CorvaneCore/json/JsonErrors.h"
+#include "CorvaneCore/json/AnyCodable.h"
 #include "CorvaneCore/json/JsonWriter.h"
 #include "corvanectl/protocol/ProtocolError.h"
 #include "corvanectl/terminal/DisplayText.h"

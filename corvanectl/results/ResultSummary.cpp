@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdio>
 
-#include "CorvaneCore/json/JsonErrors.h"
+#include "CorvaneCore/json/AnyCodable.h"
 #include "corvanectl/terminal/DisplayText.h"
 
 namespace corvane {

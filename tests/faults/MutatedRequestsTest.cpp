@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "CorvaneCore/json/Codec.h"
-#include "corvane_mcp/protocol/JSONRPCRequest.h"
+#include "corvane_mcp/protocol/JsonRpc.h"
 #include "tests/faults/FaultTest.h"
 
 namespace corvane {

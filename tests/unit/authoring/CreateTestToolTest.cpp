@@ -1,10 +1,10 @@
-#include "corvane_mcp/tools/CreateTestTool.h"
+#include "corvane_mcp/tools/Tools.h"
 
 #include <gtest/gtest.h>
 
 #include "CorvaneCore/authoring/InputSchemaBuilder.h"
 #include "CorvaneCore/text/Uuid.h"
-#include "corvane_mcp/protocol/JSONRPCError.h"
+#include "corvane_mcp/protocol/JsonRpc.h"
 #include "tests/support/PrintJson.h"
 #include "tests/support/ToolBench.h"
 
@@ -28,7 +28,7 @@ std::string arguments(const std::string& steps = "", const std::string& more = "
 class CreateTestToolTest : public testing::Test {
  protected:
   ToolsCallResult call(std::optional<std::string_view> arguments) {
-    return bench.call(CreateTestTool(bench.services), arguments);
+    return bench.call(makeCreateTestTool(bench.services), arguments);
   }
   /// What the answer to accepted arguments says.
   std::string answer(const std::string& arguments) {
@@ -81,7 +81,7 @@ TEST_F(CreateTestToolTest, NeedsAnArgumentsObject) {
 }
 
 TEST_F(CreateTestToolTest, PublishesTheSchemaOfTheContract) {
-  EXPECT_EQ(CreateTestTool(bench.services).inputSchema(), InputSchemaBuilder::build());
+  EXPECT_EQ(makeCreateTestTool(bench.services).inputSchema(), InputSchemaBuilder::build());
 }
 
 TEST_F(CreateTestToolTest, ArgumentsAreCheckedInOrder) {

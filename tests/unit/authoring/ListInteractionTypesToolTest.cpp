@@ -1,4 +1,4 @@
-#include "corvane_mcp/tools/ListInteractionTypesTool.h"
+#include "corvane_mcp/tools/Tools.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@ namespace {
 std::string answer(std::optional<std::string_view> arguments = std::nullopt) {
   ToolCall call;
   if (arguments) call.arguments = readJson(*arguments);
-  const auto result = runTask(ListInteractionTypesTool().call(std::move(call)));
+  const auto result = runTask(makeListInteractionTypesTool().call(std::move(call)));
   EXPECT_FALSE(result.isError);
   return textOf(result);
 }
@@ -44,7 +44,7 @@ TEST(ListInteractionTypesToolTest, AnUnknownTypeHasNoHint) {
 
 TEST(ListInteractionTypesToolTest, TheSchemaListsTheTypes) {
   EXPECT_EQ(
-      toJson(ListInteractionTypesTool().inputSchema()),
+      toJson(makeListInteractionTypesTool().inputSchema()),
       R"({"additionalProperties":false,"properties":{"type":{"description":"Optional. Return the )"
       R"(guidance for this interaction type only. Omit it for the whole contract.","enum":["tap",)"
       R"("input","visualAssert","scroll","builtIn","delay","waitToLoad","drag","runTest",)"

@@ -54,7 +54,7 @@ TEST(VocabulariesTest, EveryTypeHasItsChipTitle) {
 
 TEST(VocabulariesTest, TypesSayWhereTheyBelong) {
   EXPECT_EQ(joinedRawValues<InteractionType>(" ", isConcrete), "tap input scroll drag");
-  EXPECT_EQ(joinedRawValues<InteractionType>(" ", mayBeBranchChild),
+  EXPECT_EQ(joinedRawValues<InteractionType>(" ", takesPartInBranches),
             "tap input visualAssert scroll builtIn delay waitToLoad drag runTest");
 }
 

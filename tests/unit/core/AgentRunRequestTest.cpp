@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "CorvaneCore/json/JsonErrors.h"
+#include "CorvaneCore/json/AnyCodable.h"
 #include "tests/support/ErrorText.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/unit/core/RecordRules.h"

@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "CorvaneCore/json/AgentWire.h"
-#include "CorvaneCore/json/JsonErrors.h"
+#include "CorvaneCore/json/AnyCodable.h"
 #include "tests/support/ErrorText.h"
 
 namespace corvane {

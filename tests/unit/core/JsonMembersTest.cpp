@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "CorvaneCore/json/JsonErrors.h"
+#include "CorvaneCore/json/AnyCodable.h"
 #include "CorvaneCore/json/JsonReader.h"
 #include "CorvaneCore/json/JsonWriter.h"
 #include "tests/support/ErrorText.h"

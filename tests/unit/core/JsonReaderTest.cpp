@@ -4,7 +4,7 @@
 
 #include <initializer_list>
 
-#include "CorvaneCore/json/JsonErrors.h"
+#include "CorvaneCore/json/AnyCodable.h"
 #include "CorvaneCore/json/JsonWriter.h"
 #include "tests/support/ErrorText.h"
 #include "tests/support/PrintJson.h"

@@ -10,7 +10,7 @@
 #include <limits>
 #include <random>
 
-#include "CorvaneCore/json/JsonErrors.h"
+#include "CorvaneCore/json/AnyCodable.h"
 #include "CorvaneCore/json/JsonReader.h"
 #include "CorvaneCore/json/JsonScalars.h"
 #include "tests/support/PrintJson.h"

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "CorvaneCore/json/AgentWire.h"
-#include "CorvaneCore/json/JsonErrors.h"
+#include "CorvaneCore/json/AnyCodable.h"
 #include "tests/support/ErrorText.h"
 
 namespace corvane {

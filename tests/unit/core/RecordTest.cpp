@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "CorvaneCore/json/AgentWire.h"
-#include "CorvaneCore/json/JsonErrors.h"
+#include "CorvaneCore/json/AnyCodable.h"
 #include "tests/support/ErrorText.h"
 
 namespace corvane {

@@ -6,7 +6,7 @@
 #include <type_traits>
 
 #include "CorvaneCore/json/AgentWire.h"
-#include "CorvaneCore/json/JsonErrors.h"
+#include "CorvaneCore/json/AnyCodable.h"
 #include "tests/support/ErrorText.h"
 
 namespace corvane {

@@ -6,8 +6,8 @@
 #include <map>
 
 #include "CorvaneCore/text/Base64.h"
-#include "corvane_mcp/trace/JpegEncoder.h"
-#include "corvane_mcp/trace/PictureError.h"
+#include "corvane_mcp/trace/Picture.h"
+#include "corvane_mcp/trace/PictureFormats.h"
 #include "corvanectl/pictures/ColourReduction.h"
 #include "corvanectl/pictures/InlinePictures.h"
 

@@ -5,7 +5,7 @@
 #include "FakeServerScript.h"
 #include "ProgramRun.h"
 #include "Pseudoterminal.h"
-#include "corvane_mcp/trace/JpegEncoder.h"
+#include "corvane_mcp/trace/PictureFormats.h"
 #include "corvanectl/pictures/InlineImage.h"
 
 namespace corvane {

@@ -1,11 +1,11 @@
-#include "corvane_mcp/tools/CancelRunTool.h"
+#include "corvane_mcp/tools/Tools.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <thread>
 
-#include "corvane_mcp/protocol/JSONRPCError.h"
+#include "corvane_mcp/protocol/JsonRpc.h"
 #include "tests/support/ErrorText.h"
 #include "tests/support/ToolBench.h"
 
@@ -42,7 +42,7 @@ class CancelRunToolTest : public testing::Test {
   }
 
   ToolBench bench;
-  CancelRunTool tool{bench.services};
+  const MCPTool tool = makeCancelRunTool(bench.services);
   const fs::path requests = bench.paths.agentRunRequestsDirectory();
   const fs::path request = requests / (id + ".runrequest.json");
   const fs::path marker = requests / (id + ".cancel");

@@ -1,8 +1,8 @@
-#include "corvane_mcp/tools/GetResultTool.h"
+#include "corvane_mcp/tools/Tools.h"
 
 #include <gtest/gtest.h>
 
-#include "corvane_mcp/protocol/JSONRPCError.h"
+#include "corvane_mcp/protocol/JsonRpc.h"
 #include "tests/support/ErrorText.h"
 #include "tests/support/Pipe.h"
 #include "tests/support/TemporaryApp.h"
@@ -26,7 +26,7 @@ class GetResultToolTest : public testing::Test {
   }
 
   ToolBench bench;
-  GetResultTool tool{bench.services};
+  const MCPTool tool = makeGetResultTool(bench.services);
   const std::filesystem::path file = bench.paths.agentResultsDirectory() / (id + ".json");
 };
 

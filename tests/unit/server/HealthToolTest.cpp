@@ -1,4 +1,4 @@
-#include "corvane_mcp/tools/HealthTool.h"
+#include "corvane_mcp/tools/Tools.h"
 
 #include <gtest/gtest.h>
 
@@ -27,7 +27,7 @@ TEST(HealthToolTest, ShowsWhereEverythingLies) {
            "  MCP log file:     " +
            home + "/Library/Logs/Corvane/mcp.log";
   };
-  const HealthTool tool(bench.services);
+  const MCPTool tool = makeHealthTool(bench.services);
   for (const auto& arguments :
        {std::optional<std::string_view>(), std::optional<std::string_view>("[]"),
         std::optional<std::string_view>(R"({"x":1})")}) {
@@ -41,7 +41,7 @@ TEST(HealthToolTest, ShowsWhereEverythingLies) {
 
 TEST(HealthToolTest, TakesNoArguments) {
   ToolBench bench;
-  EXPECT_EQ(toJson(HealthTool(bench.services).inputSchema()),
+  EXPECT_EQ(toJson(makeHealthTool(bench.services).inputSchema()),
             R"({"additionalProperties":false,"properties":{},"type":"object"})");
 }
 

@@ -25,8 +25,8 @@ bool contains(const Lines& lines, std::string_view line) {
 /// A server with tools of the test's own.
 class MCPServerTest : public testing::Test {
  protected:
-  void add(std::string name, FakeTool::Action action) {
-    registry.add(std::make_unique<FakeTool>(std::move(name), std::move(action)));
+  void add(std::string_view name, decltype(MCPTool::action) action) {
+    registry.add(fakeTool(name, std::move(action)));
   }
 
   /// What the server sends when it gets this input, which then ends.
@@ -56,16 +56,15 @@ constexpr const char* callOfX =
     "\n";
 
 TEST_F(MCPServerTest, SendsTheResultOfATool) {
-  add("x", [](ToolCall) -> Task<ToolsCallResult> { co_return ToolsCallResult::failure("a/b"); });
+  add("x", [](const ToolCall&) { return ToolsCallResult::failure("a/b"); });
   EXPECT_EQ(replies(callOfX),
             Lines{R"({"id":1,"jsonrpc":"2.0","result":{"content":[{"text":"a/b","type":"text"}],)"
                   R"("isError":true}})"});
 }
 
 TEST_F(MCPServerTest, SendsAProtocolErrorOfAToolUnchanged) {
-  add("x", [](ToolCall) -> Task<ToolsCallResult> {
+  add("x", [](const ToolCall&) -> ToolsCallResult {
     throw JSONRPCError(-32602, "x requires arguments");
-    co_return ToolsCallResult();
   });
   EXPECT_EQ(replies(callOfX),
             Lines{R"({"error":{"code":-32602,"message":"x requires arguments"},"id":1,)"
@@ -73,10 +72,8 @@ TEST_F(MCPServerTest, SendsAProtocolErrorOfAToolUnchanged) {
 }
 
 TEST_F(MCPServerTest, TurnsAnythingElseIntoAnInternalError) {
-  add("x", [](ToolCall) -> Task<ToolsCallResult> {
-    throw std::runtime_error("the disk is on fire");
-    co_return ToolsCallResult();
-  });
+  add("x",
+      [](const ToolCall&) -> ToolsCallResult { throw std::runtime_error("the disk is on fire"); });
   EXPECT_EQ(replies(callOfX),
             Lines{R"({"error":{"code":-32603,"message":"the disk is on fire"},"id":1,)"
                   R"("jsonrpc":"2.0"})"});
@@ -87,10 +84,7 @@ TEST_F(MCPServerTest, TurnsAnythingElseIntoAnInternalError) {
 }
 
 TEST_F(MCPServerTest, DoesNotAnswerNotificationsThatFail) {
-  add("x", [](ToolCall) -> Task<ToolsCallResult> {
-    throw std::runtime_error("broken");
-    co_return ToolsCallResult();
-  });
+  add("x", [](const ToolCall&) -> ToolsCallResult { throw std::runtime_error("broken"); });
   EXPECT_EQ(replies(R"({"jsonrpc":"2.0","method":"tools/call","params":{"name":"x"}})"
                     "\n"),
             Lines());
@@ -99,9 +93,9 @@ TEST_F(MCPServerTest, DoesNotAnswerNotificationsThatFail) {
 }
 
 TEST_F(MCPServerTest, HandsArgumentsAndProgressToTheTool) {
-  add("x", [](ToolCall call) -> Task<ToolsCallResult> {
+  add("x", [](const ToolCall& call) {
     if (call.progress) call.progress->emit(1, std::nullopt, "m");
-    co_return ToolsCallResult::success(call.arguments ? toJson(*call.arguments) : "none");
+    return ToolsCallResult::success(call.arguments ? toJson(*call.arguments) : "none");
   });
   EXPECT_EQ(replies(R"({"jsonrpc":"2.0","id":1,"method":"tools/call","params":{"name":"x",)"
                     R"("arguments":[1,1.5],"_meta":{"progressToken":"t"}}})"
@@ -116,8 +110,8 @@ TEST_F(MCPServerTest, HandsArgumentsAndProgressToTheTool) {
 }
 
 TEST_F(MCPServerTest, LogsAReplyThatHasNoJsonForm) {
-  registry.add(std::make_unique<FakeTool>(
-      "x", nullptr, AnyCodable::Object{{"n", std::numeric_limits<double>::infinity()}}));
+  registry.add(fakeTool("x", MCPTool::Plain(),
+                        AnyCodable::Object{{"n", std::numeric_limits<double>::infinity()}}));
   EXPECT_EQ(replies(R"({"jsonrpc":"2.0","id":1,"method":"tools/list"})"
                     "\n"
                     R"({"jsonrpc":"2.0","id":2,"method":"ping"})"

@@ -1,8 +1,8 @@
-#include "corvane_mcp/tools/RunTestTool.h"
+#include "corvane_mcp/tools/Tools.h"
 
 #include <gtest/gtest.h>
 
-#include "corvane_mcp/protocol/JSONRPCError.h"
+#include "corvane_mcp/protocol/JsonRpc.h"
 #include "tests/support/ErrorText.h"
 #include "tests/support/ToolBench.h"
 
@@ -63,7 +63,7 @@ class RunTestToolTest : public testing::Test {
   }
 
   ToolBench bench;
-  RunTestTool tool{bench.services};
+  const MCPTool tool = makeRunTestTool(bench.services);
 };
 
 constexpr const char* projectRefusal =

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "CorvaneCore/json/JsonReader.h"
-#include "corvane_mcp/protocol/JSONRPCError.h"
+#include "corvane_mcp/protocol/JsonRpc.h"
 
 namespace corvane {
 namespace {

@@ -3,7 +3,7 @@
 #include <fstream>
 
 #include "CorvaneCore/capture/CaptureSession.h"
-#include "corvane_mcp/trace/PngDecoder.h"
+#include "corvane_mcp/trace/PictureFormats.h"
 #include "tests/unit/standin/StandInFixture.h"
 
 namespace corvane::standin {

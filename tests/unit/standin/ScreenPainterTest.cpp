@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "corvane_mcp/trace/PngDecoder.h"
+#include "corvane_mcp/trace/PictureFormats.h"
 #include "corvane_standin/capture/Gestures.h"
 #include "corvane_standin/capture/PngPicture.h"
 

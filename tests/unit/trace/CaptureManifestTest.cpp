@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "CorvaneCore/json/JsonErrors.h"
+#include "CorvaneCore/json/AnyCodable.h"
 
 namespace corvane {
 namespace {

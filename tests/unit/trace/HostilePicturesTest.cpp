@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <zlib.h>
 
-#include "corvane_mcp/trace/PictureError.h"
+#include "corvane_mcp/trace/Picture.h"
 #include "corvane_mcp/trace/TraceImageReader.h"
 #include "tests/support/ErrorText.h"
 #include "tests/unit/trace/PictureFiles.h"

@@ -6,7 +6,6 @@
 #include <string>
 #include <string_view>
 
-#include "corvane_mcp/trace/Orientation.h"
 #include "corvane_mcp/trace/Picture.h"
 #include "corvane_mcp/trace/PictureInput.h"
 

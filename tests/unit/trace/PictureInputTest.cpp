@@ -5,7 +5,7 @@
 #include <unistd.h>
 
 #include "CorvaneCore/files/Files.h"
-#include "corvane_mcp/trace/PictureError.h"
+#include "corvane_mcp/trace/Picture.h"
 #include "tests/support/ErrorText.h"
 #include "tests/support/TemporaryHome.h"
 

@@ -68,7 +68,7 @@ class TraceImageReaderTest : public testing::Test {
   /// What the block of a picture holds that was touched in the middle.
   [[nodiscard]] static std::string imageData(const std::string& file) {
     PictureInput input(asBytes(file));
-    const TraceImageReader::Touch touch{.x = 0.5, .y = 0.5};
+    const Touch touch{.x = 0.5, .y = 0.5};
     return base64(TraceImageReader::downscaledJPEG(input, {&touch, 1}));
   }
 

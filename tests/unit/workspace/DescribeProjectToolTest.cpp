@@ -1,4 +1,4 @@
-#include "corvane_mcp/tools/DescribeProjectTool.h"
+#include "corvane_mcp/tools/Tools.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -27,7 +27,7 @@ class DescribeProjectToolTest : public testing::Test {
   }
   [[nodiscard]] WorkspaceBench::Answer describe(
       std::optional<std::string_view> arguments = std::nullopt) const {
-    return bench.call<DescribeProjectTool>(arguments);
+    return bench.call<makeDescribeProjectTool>(arguments);
   }
   /// Expects the answer about a context of the clock's own time while no app runs.
   void expectBrief(std::optional<std::string_view> arguments, const std::string& moreNotes,

@@ -1,4 +1,4 @@
-#include "corvane_mcp/tools/ExploreFlowTool.h"
+#include "corvane_mcp/tools/Tools.h"
 
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@ constexpr std::string_view suffix = ".explorerequest.json";
 class ExploreFlowToolTest : public testing::Test {
  protected:
   [[nodiscard]] WorkspaceBench::Answer call(std::string_view arguments) const {
-    return bench.call<ExploreFlowTool>(arguments);
+    return bench.call<makeExploreFlowTool>(arguments);
   }
   /// The id that the one waiting request is named after.
   [[nodiscard]] std::string requestId() const {
@@ -57,9 +57,9 @@ const std::string tail =
     "via create_test + reuseSteps; keep exploring where the map is blank.";
 
 TEST_F(ExploreFlowToolTest, NeedsAnArgumentsObject) {
-  EXPECT_EQ(bench.protocolError<ExploreFlowTool>(), "-32602 explore_flow requires arguments");
+  EXPECT_EQ(bench.protocolError<makeExploreFlowTool>(), "-32602 explore_flow requires arguments");
   for (const char* arguments : {"null", "[]", R"("goal")", "1", "true"}) {
-    EXPECT_EQ(bench.protocolError<ExploreFlowTool>(arguments),
+    EXPECT_EQ(bench.protocolError<makeExploreFlowTool>(arguments),
               "-32602 explore_flow requires arguments");
   }
   EXPECT_TRUE(bench.requests().empty());
@@ -132,7 +132,7 @@ TEST_F(ExploreFlowToolTest, ShowsTheBudgetInWholeCredits) {
 TEST_F(ExploreFlowToolTest, ASpendThatIsNoNumberIsAbsent) {
   for (const char* sent : {R"("50")", "null", "true", "[50]"}) {
     const WorkspaceBench fresh;
-    const auto answer = fresh.call<ExploreFlowTool>(
+    const auto answer = fresh.call<makeExploreFlowTool>(
         R"({"projectName":"Shop","goal":"Visit each tab","maxCreditSpend":)" + std::string(sent) +
         "}");
     EXPECT_NE(answer.text.find("\n  Budget:      UNCAPPED — consider setting maxCreditSpend\n"),
@@ -253,7 +253,7 @@ TEST_F(ExploreFlowToolTest, AFailedWriteIsAProtocolError) {
   const auto folder = bench.paths.agentRunRequestsDirectory();
   TestFiles::write(folder, "in the way");
   EXPECT_TRUE(
-      bench.protocolError<ExploreFlowTool>(R"({"projectName":"Shop","goal":"Visit each tab"})")
+      bench.protocolError<makeExploreFlowTool>(R"({"projectName":"Shop","goal":"Visit each tab"})")
           .starts_with("-32603 Failed to write explore request: could not write " +
                        folder.string() + "/"));
   EXPECT_TRUE(bench.logged().empty());

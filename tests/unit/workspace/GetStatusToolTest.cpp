@@ -1,4 +1,4 @@
-#include "corvane_mcp/tools/GetStatusTool.h"
+#include "corvane_mcp/tools/Tools.h"
 
 #include <gtest/gtest.h>
 
@@ -40,9 +40,9 @@ class GetStatusToolTest : public testing::Test {
                                               R"("appRunning":)" + running +
                                               R"(,"recentRequests":)" + recent + "}",
                                           false};
-    EXPECT_EQ(bench.call<GetStatusTool>(), expected);
-    EXPECT_EQ(bench.call<GetStatusTool>(R"({"requestId":"x"})"), expected);
-    EXPECT_EQ(bench.call<GetStatusTool>("[1]"), expected);
+    EXPECT_EQ(bench.call<makeGetStatusTool>(), expected);
+    EXPECT_EQ(bench.call<makeGetStatusTool>(R"({"requestId":"x"})"), expected);
+    EXPECT_EQ(bench.call<makeGetStatusTool>("[1]"), expected);
   }
   /// The members about an activity with this `active`.
   [[nodiscard]] static std::string activeMembers(const std::string& active, int age) {
@@ -137,7 +137,7 @@ TEST_F(GetStatusToolTest, WithoutAUsableDateThereIsNoAgeAndNoWarning) {
 TEST_F(GetStatusToolTest, AgesAreTruncatedTowardZero) {
   const auto age = [&](const std::string& date) {
     publish(R"({"updatedAt":")" + date + "\"}");
-    const std::string text = bench.call<GetStatusTool>().text;
+    const std::string text = bench.call<makeGetStatusTool>().text;
     const std::string key = "\"activitySecondsSinceUpdate\":";
     const auto at = text.find(key) + key.size();
     return text.substr(at, text.find(',', at) - at);
@@ -169,7 +169,7 @@ TEST_F(GetStatusToolTest, ListsRecentRequestsWithAndWithoutActivity) {
 TEST_F(GetStatusToolTest, NeitherWritesNorLaunches) {
   std::filesystem::create_directories(bench.home.path() / "Applications" / "Corvane.app");
   const auto before = bench.home.entries();
-  EXPECT_FALSE(bench.call<GetStatusTool>().isError);
+  EXPECT_FALSE(bench.call<makeGetStatusTool>().isError);
   EXPECT_EQ(bench.home.entries(), before);
   EXPECT_TRUE(bench.logged().empty());
 }

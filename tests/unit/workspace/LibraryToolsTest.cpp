@@ -1,9 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "CorvaneCore/text/Uuid.h"
-#include "corvane_mcp/tools/DeleteUdiTool.h"
-#include "corvane_mcp/tools/ExtractUdiTool.h"
-#include "corvane_mcp/tools/ResetWorldMapTool.h"
+#include "corvane_mcp/tools/Tools.h"
 #include "tests/support/TemporaryApp.h"
 #include "tests/unit/workspace/WorkspaceBench.h"
 
@@ -49,16 +47,16 @@ class LibraryToolsTest : public testing::Test {
   [[nodiscard]] std::string getResultCall() const {
     return "get_result {\"requestId\":\"" + requestId() + "\",\"waitSeconds\":60}";
   }
-  template <class Tool>
+  template <auto makeTool>
   void expectRefused(std::optional<std::string_view> arguments, const std::string& text) const {
-    EXPECT_EQ(bench.call<Tool>(arguments), (WorkspaceBench::Answer{text, true}))
+    EXPECT_EQ(bench.call<makeTool>(arguments), (WorkspaceBench::Answer{text, true}))
         << arguments.value_or("(none)");
     EXPECT_TRUE(bench.requests().empty());
   }
   /// Calls a tool, and takes its request away to read it.
-  template <class Tool>
+  template <auto makeTool>
   [[nodiscard]] std::string requestFor(std::string_view arguments) const {
-    const auto answer = bench.call<Tool>(arguments);
+    const auto answer = bench.call<makeTool>(arguments);
     if (answer.isError) return answer.text;
     const auto file = bench.onlyRequest();
     const std::string text = TestFiles::read(file);
@@ -70,34 +68,35 @@ class LibraryToolsTest : public testing::Test {
 };
 
 TEST_F(LibraryToolsTest, ExtractionNeedsAllThatNamesIt) {
-  expectRefused<ExtractUdiTool>(std::nullopt, extractReason);
+  expectRefused<makeExtractUdiTool>(std::nullopt, extractReason);
   for (const char* arguments : {"null", "[]", "1", R"("x")", "{}"}) {
-    expectRefused<ExtractUdiTool>(arguments, extractReason);
+    expectRefused<makeExtractUdiTool>(arguments, extractReason);
   }
   for (const char* key : {"projectName", "testName", "udiName"}) {
     for (const char* value : {"", "null", R"("")", "5", "true", R"(["x"])"}) {
-      expectRefused<ExtractUdiTool>(extraction(key, value), extractReason);
+      expectRefused<makeExtractUdiTool>(extraction(key, value), extractReason);
     }
   }
-  expectRefused<ExtractUdiTool>(extraction("udiName", R"(" \n\t\u00a0\u2003 ")"), extractReason);
+  expectRefused<makeExtractUdiTool>(extraction("udiName", R"(" \n\t\u00a0\u2003 ")"),
+                                    extractReason);
   for (const char* key : {"fromStep", "toStep"}) {
     for (const char* value : {"", "null", R"("2")", "2.5", "true", "[2]", "1e300"}) {
-      expectRefused<ExtractUdiTool>(extraction(key, value), extractReason);
+      expectRefused<makeExtractUdiTool>(extraction(key, value), extractReason);
     }
   }
 }
 
 TEST_F(LibraryToolsTest, ExtractionNeedsARangeThatGoesForward) {
-  expectRefused<ExtractUdiTool>(extraction("fromStep", "4"), rangeReason);
-  expectRefused<ExtractUdiTool>(extraction("toStep", "0"), rangeReason);
-  expectRefused<ExtractUdiTool>(extraction("fromStep", "-1"), rangeReason);
-  expectRefused<ExtractUdiTool>(extraction("toStep", "-1"), rangeReason);
-  expectRefused<ExtractUdiTool>(extraction("fromStep", "-9223372036854775808"), rangeReason);
+  expectRefused<makeExtractUdiTool>(extraction("fromStep", "4"), rangeReason);
+  expectRefused<makeExtractUdiTool>(extraction("toStep", "0"), rangeReason);
+  expectRefused<makeExtractUdiTool>(extraction("fromStep", "-1"), rangeReason);
+  expectRefused<makeExtractUdiTool>(extraction("toStep", "-1"), rangeReason);
+  expectRefused<makeExtractUdiTool>(extraction("fromStep", "-9223372036854775808"), rangeReason);
 }
 
 TEST_F(LibraryToolsTest, ExtractionWritesItsRequest) {
   bench.client.setName("agent/1");
-  const auto answer = bench.call<ExtractUdiTool>(
+  const auto answer = bench.call<makeExtractUdiTool>(
       R"({"projectName":" Shop","testName":"Log in ","fromStep":3.0,"toStep":5,)"
       R"("udiName":"  Sign \"in\"  ","overwrite":true,"testId":"t1","other":[]})");
   const std::string id = requestId();
@@ -125,7 +124,7 @@ TEST_F(LibraryToolsTest, ExtractionWritesItsRequest) {
 
 TEST_F(LibraryToolsTest, ExtractionOverwritesOnlyWhenToldSo) {
   const auto overwrite = [&](const char* value) {
-    const std::string text = requestFor<ExtractUdiTool>(extraction("overwrite", value));
+    const std::string text = requestFor<makeExtractUdiTool>(extraction("overwrite", value));
     const auto at = text.find("\"overwrite\":");
     return at == std::string::npos ? "absent" : text.substr(at + 12, text.find(',', at) - at - 12);
   };
@@ -138,7 +137,7 @@ TEST_F(LibraryToolsTest, ExtractionOverwritesOnlyWhenToldSo) {
 
 TEST_F(LibraryToolsTest, ExtractionTakesAnyRangeTheAppMayKnow) {
   for (const char* to : {"1", "9223372036854775807"}) {
-    EXPECT_NE(requestFor<ExtractUdiTool>(extraction("toStep", to))
+    EXPECT_NE(requestFor<makeExtractUdiTool>(extraction("toStep", to))
                   .find("\"toStep\":" + std::string(to) + ","),
               std::string::npos);
   }
@@ -146,16 +145,16 @@ TEST_F(LibraryToolsTest, ExtractionTakesAnyRangeTheAppMayKnow) {
 
 TEST_F(LibraryToolsTest, DeletionNeedsAName) {
   const std::string reason = "error:invalid_arguments\n\ndelete_udi requires udiName.";
-  expectRefused<DeleteUdiTool>(std::nullopt, reason);
+  expectRefused<makeDeleteUdiTool>(std::nullopt, reason);
   for (const char* arguments : {"null", "[]", "{}", R"({"udiName":null})", R"({"udiName":7})",
                                 R"({"udiName":""})", R"({"udiName":" \n "})"}) {
-    expectRefused<DeleteUdiTool>(arguments, reason);
+    expectRefused<makeDeleteUdiTool>(arguments, reason);
   }
 }
 
 TEST_F(LibraryToolsTest, DeletionWritesItsRequest) {
   const auto answer =
-      bench.call<DeleteUdiTool>(R"({"udiName":"\u00a0Sign in\n","projectName":"Shop"})");
+      bench.call<makeDeleteUdiTool>(R"({"udiName":"\u00a0Sign in\n","projectName":"Shop"})");
   const std::string id = requestId();
   EXPECT_EQ(TestFiles::read(bench.onlyRequest()),
             R"({"action":"deleteUdi","createdAt":"2026-01-31T12:00:00Z","fromStep":0,)"
@@ -174,16 +173,16 @@ TEST_F(LibraryToolsTest, DeletionWritesItsRequest) {
 
 TEST_F(LibraryToolsTest, ResetNeedsAProject) {
   const std::string reason = "error:invalid_arguments\n\nreset_world_map requires projectName.";
-  expectRefused<ResetWorldMapTool>(std::nullopt, reason);
+  expectRefused<makeResetWorldMapTool>(std::nullopt, reason);
   for (const char* arguments :
        {"null", "[]", "{}", R"({"projectName":null})", R"({"projectName":{}})",
         R"({"projectName":""})", R"({"projectName":"\t \u2028"})"}) {
-    expectRefused<ResetWorldMapTool>(arguments, reason);
+    expectRefused<makeResetWorldMapTool>(arguments, reason);
   }
 }
 
 TEST_F(LibraryToolsTest, ResetWritesItsRequest) {
-  const auto answer = bench.call<ResetWorldMapTool>(R"({"projectName":"  My Shop "})");
+  const auto answer = bench.call<makeResetWorldMapTool>(R"({"projectName":"  My Shop "})");
   const std::string id = requestId();
   EXPECT_EQ(TestFiles::read(bench.onlyRequest()),
             R"({"action":"resetWorldMap","createdAt":"2026-01-31T12:00:00Z","fromStep":0,)"
@@ -202,7 +201,7 @@ TEST_F(LibraryToolsTest, ResetWritesItsRequest) {
 
 TEST_F(LibraryToolsTest, TheAppIsLaunchedAndNotSpokenOf) {
   const TemporaryApp app(bench.home.path() / "Applications" / "Corvane.app");
-  const auto answer = bench.call<DeleteUdiTool>(R"({"udiName":"Sign in"})");
+  const auto answer = bench.call<makeDeleteUdiTool>(R"({"udiName":"Sign in"})");
   static_cast<void>(app.waitUntilUp());
   EXPECT_EQ(answer.text.find("Corvane.app"), std::string::npos);
 }
@@ -212,13 +211,13 @@ TEST_F(LibraryToolsTest, AnAppThatRunsIsNotLaunchedAgain) {
   running.open();
   // Launching this one would fail and be logged.
   std::filesystem::create_directories(bench.home.path() / "Applications" / "Corvane.app");
-  EXPECT_FALSE(bench.call<ResetWorldMapTool>(R"({"projectName":"Shop"})").isError);
+  EXPECT_FALSE(bench.call<makeResetWorldMapTool>(R"({"projectName":"Shop"})").isError);
   EXPECT_EQ(bench.logged().size(), 1U);
 }
 
 TEST_F(LibraryToolsTest, AFailedLaunchIsNoFailure) {
   std::filesystem::create_directories(bench.home.path() / "Applications" / "Corvane.app");
-  EXPECT_FALSE(bench.call<ExtractUdiTool>(extraction()).isError);
+  EXPECT_FALSE(bench.call<makeExtractUdiTool>(extraction()).isError);
   EXPECT_EQ(bench.requests().size(), 1U);
   const auto log = bench.logged();
   ASSERT_EQ(log.size(), 2U);
@@ -230,9 +229,10 @@ TEST_F(LibraryToolsTest, AFailedWriteIsAProtocolError) {
   TestFiles::write(folder, "in the way");
   const std::string error =
       "-32603 Failed to write library request: could not write " + folder.string() + "/";
-  EXPECT_TRUE(bench.protocolError<ExtractUdiTool>(extraction()).starts_with(error));
-  EXPECT_TRUE(bench.protocolError<DeleteUdiTool>(R"({"udiName":"x"})").starts_with(error));
-  EXPECT_TRUE(bench.protocolError<ResetWorldMapTool>(R"({"projectName":"x"})").starts_with(error));
+  EXPECT_TRUE(bench.protocolError<makeExtractUdiTool>(extraction()).starts_with(error));
+  EXPECT_TRUE(bench.protocolError<makeDeleteUdiTool>(R"({"udiName":"x"})").starts_with(error));
+  EXPECT_TRUE(
+      bench.protocolError<makeResetWorldMapTool>(R"({"projectName":"x"})").starts_with(error));
   EXPECT_TRUE(bench.logged().empty());
 }
 

@@ -1,4 +1,4 @@
-#include "corvane_mcp/workspace/RecentResults.h"
+#include "corvane_mcp/results/ResultFileStore.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

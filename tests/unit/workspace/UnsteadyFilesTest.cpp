@@ -5,8 +5,7 @@
 #include <atomic>
 #include <thread>
 
-#include "corvane_mcp/tools/DescribeProjectTool.h"
-#include "corvane_mcp/tools/GetStatusTool.h"
+#include "corvane_mcp/tools/Tools.h"
 #include "tests/unit/workspace/WorkspaceBench.h"
 
 namespace corvane {
@@ -54,9 +53,9 @@ class Meanwhile {
 class UnsteadyFilesTest : public testing::Test {
  protected:
   [[nodiscard]] WorkspaceBench::Answer describe() const {
-    return bench.call<DescribeProjectTool>();
+    return bench.call<makeDescribeProjectTool>();
   }
-  [[nodiscard]] WorkspaceBench::Answer status() const { return bench.call<GetStatusTool>(); }
+  [[nodiscard]] WorkspaceBench::Answer status() const { return bench.call<makeGetStatusTool>(); }
 
   [[nodiscard]] bool unavailable() const {
     return describe().text.starts_with("error:context_unavailable\n");

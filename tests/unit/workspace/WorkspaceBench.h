@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "corvane_mcp/protocol/JSONRPCError.h"
+#include "corvane_mcp/protocol/JsonRpc.h"
 #include "tests/support/ToolBench.h"
 
 namespace corvane {
@@ -27,10 +27,10 @@ class WorkspaceBench : public ToolBench {
     }
   };
 
-  /// Calls a fresh Tool with these arguments, a JSON text, or without any. Throws what it throws.
-  template <class Tool>
+  /// Calls a fresh tool with these arguments, a JSON text, or without any. Throws what it throws.
+  template <auto makeTool>
   [[nodiscard]] Answer call(std::optional<std::string_view> arguments = std::nullopt) const {
-    const Tool tool(services);
+    const MCPTool tool = makeTool(services);
     ToolCall call;
     if (arguments) call.arguments = readJson(*arguments);
     const auto result = runTask(tool.call(std::move(call)));
@@ -38,11 +38,11 @@ class WorkspaceBench : public ToolBench {
   }
 
   /// "code message" of the protocol error that a call ends in; another text when there is none.
-  template <class Tool>
+  template <auto makeTool>
   [[nodiscard]] std::string protocolError(
       std::optional<std::string_view> arguments = std::nullopt) const {
     try {
-      return "answered " + call<Tool>(arguments).text;
+      return "answered " + call<makeTool>(arguments).text;
     } catch (const JSONRPCError& error) {
       return std::to_string(error.code) + " " + error.message;
     }

@@ -1,0 +1,28 @@
+#include "corvane_mcp/server/MCPTool.h"
+
+#include "corvane_mcp/protocol/JsonRpc.h"
+
+namespace corvane {
+
+Task<ToolsCallResult> MCPTool::call(ToolCall call) const {
+  if (const auto* plain = std::get_if<Plain>(&action)) co_return (*plain)(std::move(call));
+  co_return co_await std::get<Waiting>(action)(std::move(call));
+}
+
+ToolsListResult ToolRegistry::descriptors() const {
+  ToolsListResult list;
+  for (const auto& [name, tool] : tools) {
+    list.tools.push_back({std::string(name), std::string(tool.description), tool.inputSchema()});
+  }
+  return list;
+}
+
+const MCPTool& ToolRegistry::find(std::string_view name) const {
+  const auto found = tools.find(name);
+  if (found == tools.end()) {
+    throw JSONRPCError(JSONRPCError::invalidParams, std::string("Unknown tool: ").append(name));
+  }
+  return found->second;
+}
+
+}  // namespace corvane

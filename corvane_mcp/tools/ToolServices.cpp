@@ -1,0 +1,30 @@
+#include "corvane_mcp/tools/ToolServices.h"
+
+namespace corvane {
+
+std::string Dispatch::Launch::describe() const {
+  return describeApp(app) + (succeeded ? "" : "  (LAUNCH FAILED — open Corvane manually)");
+}
+
+std::string Dispatch::describeApp(const std::optional<std::filesystem::path>& app) {
+  return app ? displayPath(*app) : "<not found>";
+}
+
+Dispatch::Launch Dispatch::launchApp(const ToolServices& services) {
+  const auto app = services.launcher.findCorvaneApp();
+  if (!app) services.logger.warn("Could not locate Corvane.app to launch");
+  const bool runs = app && (services.launcher.isRunning() || services.launcher.launch(*app));
+  return {app, runs};
+}
+
+void Dispatch::launchAppIfFound(const ToolServices& services) {
+  if (services.launcher.isRunning()) return;
+  if (const auto app = services.launcher.findCorvaneApp()) (void)services.launcher.launch(*app);
+}
+
+std::string Dispatch::getResultCall(std::string_view requestId, int waitSeconds) {
+  return std::string("get_result {\"requestId\":\"").append(requestId) +
+         "\",\"waitSeconds\":" + std::to_string(waitSeconds) + "}";
+}
+
+}  // namespace corvane
