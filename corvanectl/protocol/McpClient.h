@@ -5,12 +5,65 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
+#include <variant>
+#include <vector>
 
 #include "CorvaneCore/json/AnyCodable.h"
 #include "CorvaneCore/json/JsonReader.h"
+#include "CorvaneCore/json/Record.h"
+#include "corvane_mcp/protocol/ContentBlock.h"
 #include "corvanectl/protocol/ServerProcess.h"
 
-namespace corvane {
+namespace corvane::ctl {
+
+/// The server answered a request with a JSON-RPC error.
+class RpcError : public ProtocolError {
+ public:
+  RpcError(const std::string& method, std::int64_t code, const std::string& message)
+      : ProtocolError("the server refused " + method + ": " + message + " (error " +
+                      std::to_string(code) + ")") {}
+};
+
+/// The server did not answer in time.
+class NoAnswer : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// The key that a record's list of fields gives to `member`. It finds single members of messages
+/// that need not have the record's whole form.
+template <class Record, class Member>
+[[nodiscard]] constexpr std::string_view keyOf(Member Record::* member) {
+  std::string_view key;
+  const auto compare = [&]<class Other>(const Field<Record, Other>& field) {
+    if constexpr (std::is_same_v<Other, Member>) {
+      if (field.member == member) key = field.key;
+    }
+  };
+  Record::fields().apply([&](const auto&... field) { (compare(field), ...); });
+  return key;
+}
+
+/// A tool's answer.
+struct ToolResult {
+  using Text = ContentBlock::Text;
+  using Image = ContentBlock::Image;
+  /// A kind of block that this program does not know.
+  struct Other {
+    std::string type;
+  };
+  using Block = std::variant<Text, Image, Other>;
+
+  std::vector<Block> content;
+  bool isError = false;
+
+  /// Reads the result of a tools/call request. Throws ProtocolError when it has another form.
+  [[nodiscard]] static ToolResult from(const AnyCodable& result);
+
+  /// The text of the first block; empty when that is no text. It is this object's.
+  [[nodiscard]] std::string_view firstText() const;
+};
 
 /// The client's side of the Model Context Protocol, one request at a time. What arrives while a
 /// request waits (notifications, answers to requests that were given up) does not disturb it.
@@ -38,7 +91,6 @@ class McpClient {
                                     const OnProgress& onProgress = {});
 
  private:
-  void notify(std::string_view method);
   [[nodiscard]] std::optional<AnyCodable> nextMessage(std::string_view method, Deadline deadline);
   [[nodiscard]] std::optional<AnyCodable> parse(const std::string& line);
 
@@ -49,4 +101,4 @@ class McpClient {
   bool warned = false;
 };
 
-}  // namespace corvane
+}  // namespace corvane::ctl

@@ -5,7 +5,7 @@
 #include "FakeServerScript.h"
 #include "ProgramRun.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 const std::string running =
@@ -170,4 +170,4 @@ TEST(RunAndFollow, FollowsNothingThatWasNotDispatched) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing
