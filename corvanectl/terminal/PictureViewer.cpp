@@ -121,9 +121,10 @@ void PictureViewer::run(const fs::path& chafa, const fs::path& file) {
   try {
     auto viewer = ChildProcess::startShowing(
         chafa, {"--animate=off", sizeOption(screen.size()), "--", file.native()}, screen.file());
-    while (!viewer.hasEnded() && !(stuck = hasPassed(deadline))) {
-      interruption.wait({}, std::min(deadline, after(endPollInterval)));
+    while (!viewer.hasEnded() && !hasPassed(deadline)) {
+      interruption.wait({}, after(endPollInterval));
     }
+    stuck = !viewer.hasEnded();
     if (!stuck && !viewer.endedBySignal()) return;
   } catch (const std::system_error&) {
     // It could not be started.
