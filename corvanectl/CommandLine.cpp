@@ -45,8 +45,10 @@ constexpr const char* healthExamples = "  corvanectl health\n";
 constexpr int manyValues = 10000;
 
 std::vector<std::string> platforms() {
+  const auto& rows = Vocabulary<AgentTargetPlatform>::rows;
   std::vector<std::string> names;
-  for (const auto& row : Vocabulary<AgentTargetPlatform>::rows) names.emplace_back(row.rawValue);
+  names.reserve(rows.size());
+  for (const auto& row : rows) names.emplace_back(row.rawValue);
   return names;
 }
 
