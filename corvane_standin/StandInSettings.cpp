@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "CorvaneCore/files/RecordFile.h"
+#include "CorvaneCore/json/AgentWire.h"
 
 namespace corvane::standin {
 

@@ -3,7 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <sstream>
 
-#include "CorvaneCore/authoring/vocabulary/AgentTargetPlatform.h"
+#include "CorvaneCore/authoring/Vocabularies.h"
 #include "CorvaneCore/json/JsonWriter.h"
 
 namespace corvane::ctl {

@@ -5,7 +5,7 @@
 
 #include "CorvaneCore/json/AgentWire.h"
 #include "CorvaneCore/results/AgentRunResult.h"
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/text/Unicode.h"
 #include "corvane_mcp/tools/GetResultTool.h"
 #include "fuzz/Require.h"
 #include "tests/support/ToolBench.h"

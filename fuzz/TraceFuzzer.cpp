@@ -8,7 +8,7 @@
 
 #include "CorvaneCore/capture/CaptureSession.h"
 #include "CorvaneCore/json/JsonErrors.h"
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/text/Unicode.h"
 #include "corvane_mcp/trace/CaptureManifest.h"
 #include "corvane_mcp/trace/JpegDecoder.h"
 #include "corvane_mcp/trace/PictureError.h"

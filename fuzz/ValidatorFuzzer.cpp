@@ -4,7 +4,7 @@
 
 #include "CorvaneCore/authoring/TestValidator.h"
 #include "CorvaneCore/json/AgentWire.h"
-#include "CorvaneCore/json/IndentedJson.h"
+#include "CorvaneCore/json/JsonWriter.h"
 #include "corvane_mcp/tools/TestPayloadArguments.h"
 #include "fuzz/Require.h"
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "CorvaneCore/json/AgentWire.h"
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/text/Unicode.h"
 #include "corvane_mcp/tools/DescribeProjectTool.h"
 #include "corvane_mcp/tools/GetStatusTool.h"
 #include "corvane_mcp/workspace/PublishedContext.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "CorvaneCore/text/FileName.h"
+#include "CorvaneCore/text/Unicode.h"
 
 namespace corvane {
 

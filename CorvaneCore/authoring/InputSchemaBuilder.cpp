@@ -1,10 +1,8 @@
 #include "CorvaneCore/authoring/InputSchemaBuilder.h"
 
 #include "CorvaneCore/authoring/AuthoringContract.h"
-#include "CorvaneCore/authoring/schema/InteractionDefinitions.h"
-#include "CorvaneCore/authoring/schema/SchemaParts.h"
-#include "CorvaneCore/authoring/vocabulary/AgentTargetPlatform.h"
-#include "CorvaneCore/authoring/vocabulary/SelfHealingMode.h"
+#include "CorvaneCore/authoring/StepDefinition.h"
+#include "CorvaneCore/authoring/Vocabularies.h"
 
 namespace corvane {
 

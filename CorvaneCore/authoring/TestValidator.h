@@ -1,7 +1,51 @@
 #pragma once
 
+#include <optional>
+#include <string>
+#include <string_view>
+
 #include "CorvaneCore/authoring/AgentTestSchema.h"
 #include "CorvaneCore/authoring/ValidationResult.h"
+#include "CorvaneCore/authoring/Vocabularies.h"
+
+namespace corvane {
+
+/// One step while it is checked.
+struct CheckedStep {
+  using Code = ValidationIssue::Code;
+
+  const AgentInteraction& interaction;
+  /// Where the step stands, e.g. "tests[0].interactions[2]".
+  std::string path;
+  /// The platform that its payload is for.
+  AgentTargetPlatform platform;
+  ValidationResult& result;
+
+  /// Reports a problem at `place`, which continues the step's path, e.g. ".description".
+  void error(Code code, std::string_view place, std::string message,
+             std::optional<AnyCodable> suggestion = std::nullopt) const {
+    result.addError(code, std::string(path).append(place), std::move(message),
+                    std::move(suggestion));
+  }
+  void warning(Code code, std::string_view place, std::string message) const {
+    result.addWarning(code, std::string(path).append(place), std::move(message));
+  }
+};
+
+/// The number under `key`, whole or not; nothing for a value of another kind.
+[[nodiscard]] inline std::optional<double> numberAt(const JsonObject& object,
+                                                    std::string_view key) {
+  if (const auto* number = object.findAs<double>(key)) return *number;
+  if (const auto* integer = object.findAs<std::int64_t>(key)) return static_cast<double>(*integer);
+  return std::nullopt;
+}
+
+/// Whether a text that has to say something does not.
+[[nodiscard]] inline bool isMissing(const std::optional<std::string>& field) {
+  return !field || field->empty();
+}
+
+}  // namespace corvane
 
 namespace corvane::TestValidator {
 

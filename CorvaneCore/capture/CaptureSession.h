@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -7,11 +8,40 @@
 #include <tuple>
 #include <vector>
 
-#include "CorvaneCore/capture/FrameStatus.h"
-#include "CorvaneCore/capture/Touch.h"
-#include "CorvaneCore/files/RecordFile.h"
+#include "CorvaneCore/json/AgentWire.h"
+#include "CorvaneCore/json/Record.h"
+#include "CorvaneCore/json/Vocabulary.h"
 
 namespace corvane {
+
+/// When a frame of a capture session was taken.
+enum class FrameStatus { beforeStep, afterStep, onFailure };
+
+template <>
+struct Vocabulary<FrameStatus> {
+  using Row = VocabularyRow<FrameStatus>;
+  static constexpr std::array rows{
+      Row{FrameStatus::beforeStep, "beforeStep"},
+      Row{FrameStatus::afterStep, "afterStep"},
+      Row{FrameStatus::onFailure, "onFailure"},
+  };
+};
+
+/// One touch of the screen: a tap, or a drag when both end members are there. The coordinates are
+/// fractions of the upright picture when all of them lie between 0 and 1, else its pixels.
+struct Touch {
+  double x = 0;
+  double y = 0;
+  std::optional<double> endX = std::nullopt;
+  std::optional<double> endY = std::nullopt;
+
+  [[nodiscard]] bool isDrag() const { return endX && endY; }
+
+  static constexpr auto fields() {
+    return FieldList(field("x", &Touch::x), field("y", &Touch::y), field("endX", &Touch::endX),
+                     field("endY", &Touch::endY));
+  }
+};
 
 /// The manifest of a capture session: the screenshots of one test, in the order they were taken.
 /// They lie beside it in the session's folder.

@@ -6,10 +6,21 @@
 #include <algorithm>
 #include <cerrno>
 
-#include "CorvaneCore/files/FileDescriptor.h"
 #include "CorvaneCore/files/TemporaryFile.h"
+#include "CorvaneCore/text/Unicode.h"
 
 namespace corvane {
+
+FileError::FileError(std::string_view operation, const std::filesystem::path& file,
+                     std::error_code code)
+    : std::system_error(code) {
+  description.append("could not ").append(operation).append(" ");
+  description.append(escapeControls(displayPath(file))).append(": ").append(code.message());
+}
+
+std::string displayPath(const std::filesystem::path& path) {
+  return toValidUtf8(path.native());
+}
 
 namespace {
 

@@ -1,16 +1,57 @@
 #pragma once
 
+#include <unistd.h>
+
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
+#include <utility>
 #include <vector>
 
-#include "CorvaneCore/files/FileError.h"
-
 namespace corvane {
+
+/// Owns one file descriptor and closes it at the end of its life.
+class FileDescriptor {
+ public:
+  FileDescriptor() = default;
+  explicit FileDescriptor(int descriptor) : descriptor(descriptor) {}
+  FileDescriptor(FileDescriptor&& other) noexcept
+      : descriptor(std::exchange(other.descriptor, -1)) {}
+  FileDescriptor& operator=(FileDescriptor&& other) noexcept {
+    std::swap(descriptor, other.descriptor);
+    return *this;
+  }
+  ~FileDescriptor() { close(); }
+
+  [[nodiscard]] bool isOpen() const { return descriptor >= 0; }
+  [[nodiscard]] int get() const { return descriptor; }
+  /// Gives the descriptor up without closing it.
+  [[nodiscard]] int release() { return std::exchange(descriptor, -1); }
+  /// Closes now; false when the system reports an error for what was written.
+  bool close() { return descriptor < 0 || ::close(std::exchange(descriptor, -1)) == 0; }
+
+ private:
+  int descriptor = -1;
+};
+
+/// A file operation failed. The description is one line: what was tried, on which file, and why it
+/// failed, e.g. "could not write /home/me/x.json: No space left on device".
+class FileError : public std::system_error {
+ public:
+  FileError(std::string_view operation, const std::filesystem::path& file, std::error_code code);
+
+  [[nodiscard]] const char* what() const noexcept override { return description.c_str(); }
+
+ private:
+  std::string description;
+};
+
+/// `path` as text for people and JSON: valid UTF-8, whatever its bytes.
+[[nodiscard]] std::string displayPath(const std::filesystem::path& path);
 
 /// When a file was last changed, on the system clock.
 using FileTime = std::chrono::sys_time<std::chrono::nanoseconds>;

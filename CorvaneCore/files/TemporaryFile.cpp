@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "CorvaneCore/files/FileError.h"
+#include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/text/Uuid.h"
 
 namespace corvane {

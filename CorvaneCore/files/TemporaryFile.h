@@ -4,7 +4,7 @@
 #include <optional>
 #include <string_view>
 
-#include "CorvaneCore/files/FileDescriptor.h"
+#include "CorvaneCore/files/Files.h"
 
 namespace corvane {
 

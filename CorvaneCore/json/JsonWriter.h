@@ -1,13 +1,37 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <limits>
 #include <string>
 #include <string_view>
+#include <type_traits>
+#include <utility>
+#include <variant>
+#include <vector>
 
 #include "CorvaneCore/json/AnyCodable.h"
-#include "CorvaneCore/json/JsonSink.h"
 
 namespace corvane {
+
+/// Takes one JSON value as a sequence of events: a scalar, or a begin, the contents and an end.
+/// Inside an object every value is preceded by its key. Reading a text, walking a value and
+/// encoding a record all speak to a sink, so each of them can be joined with each consumer.
+class JsonSink {
+ public:
+  virtual ~JsonSink() = default;
+
+  virtual void null() = 0;
+  virtual void boolean(bool value) = 0;
+  virtual void integer(std::int64_t value) = 0;
+  virtual void number(double value) = 0;
+  virtual void string(std::string_view value) = 0;
+  virtual void beginArray() = 0;
+  virtual void endArray() = 0;
+  virtual void beginObject() = 0;
+  virtual void key(std::string_view key) = 0;
+  virtual void endObject() = 0;
+};
 
 /// Whether a forward slash in a string is written as "\/" (some JSON serialisers' default).
 enum class SlashStyle { plain, escaped };
@@ -71,5 +95,65 @@ void writeValue(const AnyCodable& value, JsonSink& sink);
 
 /// `value` as compact JSON with sorted keys. Throws EncodeError.
 [[nodiscard]] std::string toJson(const AnyCodable& value, SlashStyle slashes = SlashStyle::plain);
+
+/// Builds an AnyCodable from events. Among duplicate keys of an object the last one wins.
+class JsonTree final : public JsonSink {
+ public:
+  void null() override { put(std::monostate()); }
+  void boolean(bool value) override { put(value); }
+  void integer(std::int64_t value) override { put(value); }
+  void number(double value) override { put(value); }
+  void string(std::string_view value) override { put(std::string(value)); }
+  void beginArray() override { open.push_back({Kind::array, nothingYet}); }
+  void endArray() override;
+  void beginObject() override {
+    open.push_back({Kind::object, static_cast<std::uint32_t>(members.size())});
+  }
+  void key(std::string_view key) override { members.push_back({std::string(key), {}}); }
+  void endObject() override;
+
+  /// The finished value; null before any event.
+  [[nodiscard]] AnyCodable take() { return std::exchange(root, AnyCodable()); }
+
+ private:
+  enum class Kind : std::uint8_t { array, object };
+  static constexpr std::uint32_t nothingYet = std::numeric_limits<std::uint32_t>::max();
+  /// A container whose end has not come. There can be one for every byte of a text, so it is small.
+  struct Open {
+    Kind kind;
+    /// Where in `members` those of an object begin, or where in `arrays` an array is.
+    std::uint32_t begin;
+  };
+
+  /// Puts the next value, one of AnyCodable's alternatives, where it belongs.
+  template <class T>
+  void put(T&& value) {
+    place().value().emplace<std::remove_cvref_t<T>>(std::forward<T>(value));
+  }
+  /// The place of the value that comes next; it is null.
+  AnyCodable& place() {
+    if (open.empty()) return root;
+    Open& innermost = open.back();
+    if (innermost.kind == Kind::object) return members.back().value;
+    if (innermost.begin == nothingYet) {
+      innermost.begin = static_cast<std::uint32_t>(arrays.size());
+      arrays.emplace_back();
+    }
+    return arrays.back().emplace_back();
+  }
+
+  std::vector<Open> open;
+  /// What the open objects hold so far, one after the other. One stack for all lets each finished
+  /// object have just the room it needs.
+  std::vector<JsonObject::Member> members;
+  /// The open arrays that hold something. They may be the largest things there are, so they are
+  /// never copied.
+  std::vector<AnyCodable::Array> arrays;
+  AnyCodable root;
+};
+
+/// `compact`, a compact JSON text, laid out over lines for a reader: two blanks to a level, at most
+/// forty levels; an empty array or object stays on its line.
+[[nodiscard]] std::string indentedJson(std::string_view compact);
 
 }  // namespace corvane

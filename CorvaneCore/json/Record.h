@@ -1,15 +1,63 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <type_traits>
 #include <utility>
+#include <variant>
 
 #include "CorvaneCore/json/Codec.h"
-#include "CorvaneCore/json/FieldList.h"
+#include "CorvaneCore/text/Unicode.h"
 
 namespace corvane {
+
+namespace field_list_detail {
+
+template <std::size_t Position, class Field>
+struct Slot {
+  Field field;
+};
+
+template <std::size_t Position, class Field>
+constexpr const Field& fieldIn(const Slot<Position, Field>& slot) {
+  return slot.field;
+}
+
+template <class Positions, class... Fields>
+struct Slots;
+template <std::size_t... Positions, class... Fields>
+struct Slots<std::index_sequence<Positions...>, Fields...> : Slot<Positions, Fields>... {};
+
+}  // namespace field_list_detail
+
+/// The fields of a record, in declaration order. As std::tuple, but flat: headers full of records
+/// compile several times as fast.
+template <class... Fields>
+class FieldList {
+ public:
+  constexpr FieldList(Fields... fields) : slots{{std::move(fields)}...} {}
+
+  static constexpr std::size_t size = sizeof...(Fields);
+
+  template <std::size_t Position>
+  [[nodiscard]] constexpr const auto& at() const {
+    return field_list_detail::fieldIn<Position>(slots);
+  }
+
+  /// Calls `visit` once, with all fields.
+  template <class Visit>
+  constexpr decltype(auto) apply(Visit visit) const {
+    return [&]<std::size_t... Positions>(std::index_sequence<Positions...>) -> decltype(auto) {
+      return visit(at<Positions>()...);
+    }(std::index_sequence_for<Fields...>());
+  }
+
+ private:
+  field_list_detail::Slots<std::index_sequence_for<Fields...>, Fields...> slots;
+};
 
 /// One field of a record: its JSON key and the member that holds it. A member of type
 /// std::optional is optional: absent or null on reading means empty, empty is left out on writing.
@@ -49,15 +97,36 @@ struct IsOptional : std::false_type {};
 template <class T>
 struct IsOptional<std::optional<T>> : std::true_type {};
 
+template <class Record, class Member>
+Member memberOf(const Field<Record, Member>&);
+
+/// Whether the fields name every member of an aggregate in the order of its declaration: it can be
+/// made of values of their types, and of nothing more. Of a class with constructors that cannot be
+/// told.
+template <class Record, class... Fields>
+[[nodiscard]] consteval bool namesEveryMember(const FieldList<Fields...>&) {
+  constexpr bool enough = requires { Record{memberOf(std::declval<const Fields&>())...}; };
+  constexpr bool tooFew = requires { Record{memberOf(std::declval<const Fields&>())..., {}}; };
+  return !std::is_aggregate_v<Record> || (enough && !tooFew);
+}
+
+/// The fields of a record, known to be all there are.
 template <class Record>
-inline constexpr std::size_t fieldCount = decltype(Record::fields())::size;
+[[nodiscard]] consteval auto fieldsOf() {
+  static_assert(namesEveryMember<Record>(Record::fields()),
+                "fields() names every member of its record, in their order");
+  return Record::fields();
+}
+
+template <class Record>
+inline constexpr std::size_t fieldCount = decltype(fieldsOf<Record>())::size;
 
 /// The positions of a record's fields in ascending key order, the order they are written in.
 template <class Record>
 [[nodiscard]] consteval auto sortedPositions() {
   constexpr std::size_t count = fieldCount<Record>;
   std::array<std::size_t, count> positions{};
-  const auto keys = Record::fields().apply(
+  const auto keys = fieldsOf<Record>().apply(
       [](const auto&... field) { return std::array<std::string_view, count>{field.key...}; });
   for (std::size_t i = 0; i < count; ++i) {
     std::size_t at = i;
@@ -103,7 +172,7 @@ void encodeField(const Field<Record, Member>& field, const Record& record, JsonS
 template <class Record>
 [[nodiscard]] Record decodeFields(AnyCodable::Object& object, const DecodePath& at) {
   Record record;
-  Record::fields().apply(
+  fieldsOf<Record>().apply(
       [&](const auto&... field) { (decodeField(field, object, record, at), ...); });
   return record;
 }
@@ -112,7 +181,7 @@ template <class Record>
 template <class Record, class BeforeField>
 void encodeFields(const Record& record, JsonSink& sink, BeforeField beforeField) {
   [[maybe_unused]] static constexpr auto order = sortedPositions<Record>();
-  [[maybe_unused]] static constexpr auto fields = Record::fields();
+  [[maybe_unused]] static constexpr auto fields = fieldsOf<Record>();
   [&]<std::size_t... I>(std::index_sequence<I...>) {
     ((beforeField(fields.template at<order[I]>().key),
       encodeField(fields.template at<order[I]>(), record, sink)),
@@ -142,5 +211,87 @@ struct RecordCodec {
 // Not the codec itself: g++ 12 loses what is instantiated of a constrained specialisation.
 template <DeclaredRecord Record>
 struct Codec<Record> : RecordCodec<Record> {};
+
+/// A value of one of several cases, written as one object: a tag member that names the case, beside
+/// the fields of that case. Such a type declares
+///   enum class Kind        a vocabulary, one value per case
+///   tagKey                 the key of the tag member
+///   choice                 a std::variant of declared records, in the order of Kind, each with its
+///                          `kind`
+/// and may declare `unknownTag`, the text that a decode error begins with when the tag names no
+/// case.
+template <class T>
+concept TaggedUnion = HasVocabulary<typename T::Kind> && requires(T value) {
+  T::tagKey;
+  value.choice.index();
+};
+
+namespace record_detail {
+
+/// Whether a union has one alternative for each kind, in their order.
+template <class Union, class... Alternatives>
+[[nodiscard]] consteval bool followsKinds(const std::variant<Alternatives...>*) {
+  constexpr auto& rows = vocabularyRows<typename Union::Kind>();
+  if (sizeof...(Alternatives) != rows.size()) return false;
+  std::size_t position = 0;
+  return ((Alternatives::kind == rows[position++].value) && ...);
+}
+
+}  // namespace record_detail
+
+template <TaggedUnion Union>
+struct Codec<Union> {
+  using Choice = decltype(Union::choice);
+  static_assert(record_detail::followsKinds<Union>(static_cast<const Choice*>(nullptr)),
+                "the alternatives of a union stand in the order of its kinds");
+
+  static Union decode(AnyCodable&& value, const DecodePath& at) {
+    auto object = takeAs<AnyCodable::Object>(std::move(value), at, "an object");
+    AnyCodable* tag = object.find(Union::tagKey);
+    const DecodePath tagPlace = at.member(Union::tagKey);
+    if (!tag) tagPlace.fail("required");
+    const auto index = static_cast<std::size_t>(decodeTag(std::move(*tag), tagPlace));
+    Union decoded;
+    [&]<std::size_t... I>(std::index_sequence<I...>) {
+      ((I == index
+            ? void(decoded.choice.template emplace<I>(
+                  record_detail::decodeFields<std::variant_alternative_t<I, Choice>>(object, at)))
+            : void()),
+       ...);
+    }(std::make_index_sequence<std::variant_size_v<Choice>>());
+    return decoded;
+  }
+
+  static void encode(const Union& value, JsonSink& sink) {
+    const auto kind = static_cast<typename Union::Kind>(value.choice.index());
+    bool tagWritten = false;
+    const auto writeTag = [&] {
+      if (std::exchange(tagWritten, true)) return;
+      sink.key(Union::tagKey);
+      sink.string(rawValue(kind));
+    };
+    sink.beginObject();
+    std::visit(
+        [&](const auto& record) {
+          record_detail::encodeFields(record, sink, [&](std::string_view key) {
+            if (Union::tagKey < key) writeTag();
+          });
+        },
+        value.choice);
+    writeTag();
+    sink.endObject();
+  }
+
+ private:
+  static typename Union::Kind decodeTag(AnyCodable&& tag, const DecodePath& at) {
+    if constexpr (requires { Union::unknownTag; }) {
+      const auto raw = takeAs<std::string>(std::move(tag), at, "a string");
+      if (const auto known = fromRawValue<typename Union::Kind>(raw)) return *known;
+      at.fail(std::string(Union::unknownTag).append(escapeControls(raw)));
+    } else {
+      return Codec<typename Union::Kind>::decode(std::move(tag), at);
+    }
+  }
+};
 
 }  // namespace corvane

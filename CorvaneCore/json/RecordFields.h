@@ -34,7 +34,7 @@ void takeFieldIfFits(const Field<Record, Member>& field, JsonObject::iterator& n
 template <DeclaredRecord Record, class Wanted>
 void takeFields(JsonObject& object, Record& record, Wanted wanted) {
   [[maybe_unused]] static constexpr auto order = record_detail::sortedPositions<Record>();
-  [[maybe_unused]] static constexpr auto fields = Record::fields();
+  [[maybe_unused]] static constexpr auto fields = record_detail::fieldsOf<Record>();
   auto next = object.begin();
   [&]<std::size_t... I>(std::index_sequence<I...>) {
     ((wanted(fields.template at<order[I]>().key)

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/text/Unicode.h"
 #include "CorvaneCore/text/Uuid.h"
 
 namespace corvane {

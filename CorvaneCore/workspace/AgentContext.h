@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "CorvaneCore/files/RecordFile.h"
+#include "CorvaneCore/json/AgentWire.h"
 #include "CorvaneCore/json/Record.h"
 #include "CorvaneCore/paths/AgentPaths.h"
 

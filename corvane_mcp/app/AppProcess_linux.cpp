@@ -12,7 +12,6 @@
 #include <string>
 #include <system_error>
 
-#include "CorvaneCore/files/FileDescriptor.h"
 #include "CorvaneCore/files/Files.h"
 #include "corvane_mcp/app/AppProcess.h"
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <variant>
 
-#include "CorvaneCore/json/TaggedUnion.h"
+#include "CorvaneCore/json/Record.h"
 
 namespace corvane {
 
@@ -13,11 +13,15 @@ struct ContentBlock {
   enum class Kind { text, image };
 
   struct Text {
+    static constexpr Kind kind = Kind::text;
+
     std::string text;
 
     static constexpr auto fields() { return FieldList(field("text", &Text::text)); }
   };
   struct Image {
+    static constexpr Kind kind = Kind::image;
+
     /// The image's bytes in standard base64.
     std::string data;
     std::string mimeType;
@@ -30,7 +34,6 @@ struct ContentBlock {
   static constexpr std::string_view tagKey = "type";
   static constexpr std::string_view unknownTag = "Unsupported content block type: ";
 
-  /// The alternatives stand in the order of Kind.
   std::variant<Text, Image> choice;
 
   [[nodiscard]] static ContentBlock text(std::string text) { return {Text{std::move(text)}}; }

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "CorvaneCore/json/JsonMembers.h"
-#include "CorvaneCore/requests/AgentRunRequest.h"
+#include "CorvaneCore/json/JsonReader.h"
+#include "CorvaneCore/requests/Requests.h"
 #include "CorvaneCore/results/AgentRunResult.h"
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/text/Unicode.h"
 
 namespace corvane {
 

@@ -4,8 +4,8 @@
 #include <array>
 
 #include "CorvaneCore/json/JsonErrors.h"
-#include "CorvaneCore/json/JsonMembers.h"
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/json/JsonReader.h"
+#include "CorvaneCore/text/Unicode.h"
 
 namespace corvane {
 

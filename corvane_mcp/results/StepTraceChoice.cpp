@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "CorvaneCore/json/JsonMembers.h"
+#include "CorvaneCore/json/JsonReader.h"
 #include "corvane_mcp/trace/TraceImageReader.h"
 
 namespace corvane {

@@ -9,7 +9,7 @@
 #include <optional>
 #include <thread>
 
-#include "CorvaneCore/files/FileDescriptor.h"
+#include "CorvaneCore/files/Files.h"
 
 namespace corvane {
 

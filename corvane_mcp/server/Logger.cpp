@@ -8,7 +8,7 @@
 
 #include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/json/Date.h"
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/text/Unicode.h"
 #include "corvane_mcp/server/LogFile.h"
 
 namespace corvane {

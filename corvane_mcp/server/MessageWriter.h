@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "CorvaneCore/files/FileDescriptor.h"
-#include "CorvaneCore/json/JsonSink.h"
+#include "CorvaneCore/files/Files.h"
+#include "CorvaneCore/json/JsonWriter.h"
 
 namespace corvane {
 

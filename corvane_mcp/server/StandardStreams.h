@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CorvaneCore/files/FileDescriptor.h"
+#include "CorvaneCore/files/Files.h"
 
 namespace corvane {
 

@@ -4,8 +4,7 @@
 
 #include <cerrno>
 
-#include "CorvaneCore/requests/AgentRunRequest.h"
-#include "CorvaneCore/requests/CancelMarker.h"
+#include "CorvaneCore/requests/Requests.h"
 #include "CorvaneCore/results/AgentRunResult.h"
 #include "CorvaneCore/text/Uuid.h"
 #include "corvane_mcp/protocol/JSONRPCError.h"

@@ -2,7 +2,7 @@
 
 #include "CorvaneCore/authoring/InputSchemaBuilder.h"
 #include "CorvaneCore/authoring/TestValidator.h"
-#include "CorvaneCore/json/IndentedJson.h"
+#include "CorvaneCore/json/JsonWriter.h"
 #include "corvane_mcp/tools/Dispatch.h"
 #include "corvane_mcp/tools/TestPayloadArguments.h"
 #include "corvane_mcp/tools/ToolArguments.h"

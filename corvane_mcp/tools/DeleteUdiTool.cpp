@@ -1,6 +1,6 @@
 #include "corvane_mcp/tools/DeleteUdiTool.h"
 
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/text/Unicode.h"
 #include "corvane_mcp/tools/Dispatch.h"
 #include "corvane_mcp/tools/LibraryDispatch.h"
 #include "corvane_mcp/tools/ToolArguments.h"

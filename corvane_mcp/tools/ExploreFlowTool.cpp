@@ -4,8 +4,8 @@
 #include <charconv>
 
 #include "CorvaneCore/json/JsonWriter.h"
-#include "CorvaneCore/requests/AgentExploreRequest.h"
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/requests/Requests.h"
+#include "CorvaneCore/text/Unicode.h"
 #include "corvane_mcp/tools/Dispatch.h"
 #include "corvane_mcp/tools/ToolArguments.h"
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "CorvaneCore/requests/AgentLibraryRequest.h"
+#include "CorvaneCore/requests/Requests.h"
 #include "corvane_mcp/protocol/ToolsCallResult.h"
 #include "corvane_mcp/tools/ToolServices.h"
 

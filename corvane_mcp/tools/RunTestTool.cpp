@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <variant>
 
-#include "CorvaneCore/requests/AgentRunRequest.h"
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/requests/Requests.h"
+#include "CorvaneCore/text/Unicode.h"
 #include "corvane_mcp/tools/Dispatch.h"
 #include "corvane_mcp/tools/ToolArguments.h"
 

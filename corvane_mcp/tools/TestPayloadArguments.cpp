@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <charconv>
 
-#include "CorvaneCore/authoring/AuthoringTerms.h"
+#include "CorvaneCore/authoring/AuthoringContract.h"
 #include "CorvaneCore/json/RecordFields.h"
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/text/Unicode.h"
 #include "corvane_mcp/tools/ToolArguments.h"
 
 namespace corvane {

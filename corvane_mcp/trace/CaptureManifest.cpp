@@ -4,9 +4,9 @@
 #include <array>
 #include <utility>
 
-#include "CorvaneCore/capture/FrameStatus.h"
+#include "CorvaneCore/capture/CaptureSession.h"
 #include "CorvaneCore/json/JsonErrors.h"
-#include "CorvaneCore/json/JsonMembers.h"
+#include "CorvaneCore/json/JsonReader.h"
 
 namespace corvane {
 

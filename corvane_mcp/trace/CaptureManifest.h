@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "CorvaneCore/capture/Touch.h"
+#include "CorvaneCore/capture/CaptureSession.h"
 
 namespace corvane {
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "CorvaneCore/files/FileDescriptor.h"
+#include "CorvaneCore/files/Files.h"
 
 namespace corvane {
 

@@ -10,7 +10,7 @@
 #include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/json/JsonErrors.h"
 #include "CorvaneCore/text/Base64.h"
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/text/Unicode.h"
 #include "corvane_mcp/trace/CaptureManifest.h"
 #include "corvane_mcp/trace/JpegDecoder.h"
 #include "corvane_mcp/trace/JpegEncoder.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "CorvaneCore/capture/Touch.h"
+#include "CorvaneCore/capture/CaptureSession.h"
 #include "corvane_mcp/protocol/ContentBlock.h"
 #include "corvane_mcp/trace/PictureInput.h"
 

@@ -5,7 +5,7 @@
 
 #include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/json/JsonReader.h"
-#include "CorvaneCore/text/CaseFolding.h"
+#include "CorvaneCore/text/Unicode.h"
 
 namespace corvane {
 

@@ -7,7 +7,7 @@
 
 #include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/json/JsonErrors.h"
-#include "CorvaneCore/json/JsonMembers.h"
+#include "CorvaneCore/json/JsonReader.h"
 
 namespace corvane {
 

@@ -3,7 +3,7 @@
 #include <optional>
 #include <vector>
 
-#include "CorvaneCore/capture/Touch.h"
+#include "CorvaneCore/capture/CaptureSession.h"
 #include "corvane_standin/capture/Geometry.h"
 #include "corvane_standin/capture/StepWords.h"
 

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/text/Unicode.h"
 
 namespace corvane::standin {
 

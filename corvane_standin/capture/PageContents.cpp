@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <charconv>
 
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/text/Unicode.h"
 #include "corvane_standin/capture/Stock.h"
 
 namespace corvane::standin {

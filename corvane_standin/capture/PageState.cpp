@@ -5,7 +5,7 @@
 #include <charconv>
 #include <string>
 
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/text/Unicode.h"
 
 namespace corvane::standin {
 

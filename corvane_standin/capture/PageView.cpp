@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/text/Unicode.h"
 
 namespace corvane::standin {
 

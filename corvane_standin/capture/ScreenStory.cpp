@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/text/Unicode.h"
 #include "corvane_standin/capture/PageContents.h"
 #include "corvane_standin/capture/PageParts.h"
 #include "corvane_standin/capture/PageState.h"

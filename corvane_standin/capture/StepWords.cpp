@@ -4,7 +4,7 @@
 #include <array>
 #include <utility>
 
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/text/Unicode.h"
 
 namespace corvane::standin {
 

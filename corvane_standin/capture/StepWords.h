@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "CorvaneCore/authoring/vocabulary/InteractionType.h"
+#include "CorvaneCore/authoring/InteractionType.h"
 
 namespace corvane::standin {
 

@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <iterator>
 
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/text/Unicode.h"
 
 namespace corvane::standin {
 

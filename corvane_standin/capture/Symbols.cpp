@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/text/Unicode.h"
 
 namespace corvane::standin {
 

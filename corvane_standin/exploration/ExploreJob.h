@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "CorvaneCore/requests/AgentExploreRequest.h"
+#include "CorvaneCore/requests/Requests.h"
 #include "corvane_standin/exploration/ExplorePlan.h"
 #include "corvane_standin/jobs/Job.h"
 #include "corvane_standin/jobs/Services.h"

@@ -1,6 +1,6 @@
 #include "corvane_standin/exploration/ExplorePlan.h"
 
-#include "CorvaneCore/authoring/vocabulary/InteractionType.h"
+#include "CorvaneCore/authoring/InteractionType.h"
 #include "corvane_standin/exploration/GoalMap.h"
 #include "corvane_standin/exploration/GoalSteps.h"
 #include "corvane_standin/workspace/Lookup.h"

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "CorvaneCore/requests/AgentExploreRequest.h"
+#include "CorvaneCore/requests/Requests.h"
 #include "CorvaneCore/results/AgentRunResult.h"
 #include "CorvaneCore/workspace/AgentContext.h"
 

@@ -4,7 +4,7 @@
 #include <array>
 #include <cstddef>
 
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/text/Unicode.h"
 #include "corvane_standin/runs/StepText.h"
 
 namespace corvane::standin {

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <utility>
 
-#include "CorvaneCore/authoring/vocabulary/InteractionType.h"
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/authoring/InteractionType.h"
+#include "CorvaneCore/text/Unicode.h"
 #include "corvane_standin/runs/StepText.h"
 
 namespace corvane::standin {

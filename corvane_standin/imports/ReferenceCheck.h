@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "CorvaneCore/authoring/AgentTestSchema.h"
-#include "CorvaneCore/authoring/ValidationIssue.h"
+#include "CorvaneCore/authoring/ValidationResult.h"
 #include "CorvaneCore/workspace/AgentContext.h"
 
 namespace corvane::standin {

@@ -6,7 +6,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "CorvaneCore/requests/CancelMarker.h"
+#include "CorvaneCore/requests/Requests.h"
 #include "CorvaneCore/text/Uuid.h"
 
 namespace corvane::standin {

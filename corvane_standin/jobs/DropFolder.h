@@ -10,9 +10,7 @@
 
 #include "CorvaneCore/authoring/AgentTestSchema.h"
 #include "CorvaneCore/paths/AgentPaths.h"
-#include "CorvaneCore/requests/AgentExploreRequest.h"
-#include "CorvaneCore/requests/AgentLibraryRequest.h"
-#include "CorvaneCore/requests/AgentRunRequest.h"
+#include "CorvaneCore/requests/Requests.h"
 #include "corvane_standin/program/StandInLog.h"
 
 namespace corvane::standin {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CorvaneCore/requests/AgentLibraryRequest.h"
+#include "CorvaneCore/requests/Requests.h"
 #include "corvane_standin/jobs/Job.h"
 #include "corvane_standin/jobs/Services.h"
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "CorvaneCore/requests/AgentLibraryRequest.h"
+#include "CorvaneCore/requests/Requests.h"
 #include "CorvaneCore/results/AgentRunResult.h"
 #include "CorvaneCore/workspace/AgentContext.h"
 

@@ -11,8 +11,7 @@
 #include <string>
 #include <thread>
 
-#include "CorvaneCore/files/FileDescriptor.h"
-#include "CorvaneCore/files/FileError.h"
+#include "CorvaneCore/files/Files.h"
 
 namespace corvane::standin {
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "CorvaneCore/files/Files.h"
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/text/Unicode.h"
 
 namespace corvane::standin {
 

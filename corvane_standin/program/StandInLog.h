@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string_view>
 
-#include "CorvaneCore/files/FileDescriptor.h"
+#include "CorvaneCore/files/Files.h"
 #include "corvane_standin/program/Clock.h"
 
 namespace corvane::standin {

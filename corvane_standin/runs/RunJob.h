@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include "CorvaneCore/requests/AgentRunRequest.h"
+#include "CorvaneCore/requests/Requests.h"
 #include "corvane_standin/jobs/Job.h"
 #include "corvane_standin/jobs/Services.h"
 #include "corvane_standin/program/Stopwatch.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "CorvaneCore/requests/AgentRunRequest.h"
+#include "CorvaneCore/requests/Requests.h"
 #include "CorvaneCore/results/AgentRunResult.h"
 #include "CorvaneCore/workspace/AgentContext.h"
 #include "corvane_standin/runs/TestOutcome.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "CorvaneCore/authoring/vocabulary/InteractionType.h"
+#include "CorvaneCore/authoring/InteractionType.h"
 
 namespace corvane::standin {
 

@@ -1,6 +1,6 @@
 #include "corvane_standin/workspace/ProjectApp.h"
 
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/text/Unicode.h"
 #include "corvane_standin/workspace/FirstWorkspace.h"
 #include "corvane_standin/workspace/Lookup.h"
 

@@ -4,7 +4,7 @@
 
 #include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/text/Base64.h"
-#include "CorvaneCore/text/FileName.h"
+#include "CorvaneCore/text/Unicode.h"
 #include "corvanectl/terminal/DisplayText.h"
 
 namespace corvane::ctl {

@@ -1,6 +1,5 @@
 #include <algorithm>
 
-#include "CorvaneCore/json/IndentedJson.h"
 #include "CorvaneCore/json/JsonWriter.h"
 #include "CorvaneCore/json/RecordFields.h"
 #include "corvane_mcp/protocol/ToolsListResult.h"

@@ -6,7 +6,6 @@
 
 #include "CorvaneCore/json/JsonErrors.h"
 #include "CorvaneCore/results/AgentRunResult.h"
-#include "CorvaneCore/results/RunStatus.h"
 #include "corvanectl/terminal/DisplayText.h"
 
 namespace corvane::ctl {

@@ -7,7 +7,7 @@
 #include <chrono>
 #include <span>
 
-#include "CorvaneCore/files/FileDescriptor.h"
+#include "CorvaneCore/files/Files.h"
 
 namespace corvane::ctl {
 

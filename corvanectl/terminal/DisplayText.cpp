@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/text/Unicode.h"
 
 namespace corvane::ctl {
 

@@ -6,7 +6,7 @@
 #include <sstream>
 #include <vector>
 
-#include "CorvaneCore/requests/AgentRunRequest.h"
+#include "CorvaneCore/requests/Requests.h"
 #include "CorvaneCore/results/AgentRunResult.h"
 #include "CorvaneCore/workspace/AgentContext.h"
 #include "tests/faults/FaultTest.h"

@@ -4,7 +4,6 @@
 #include <stdexcept>
 
 #include "CorvaneCore/files/Files.h"
-#include "CorvaneCore/json/IndentedJson.h"
 #include "CorvaneCore/json/JsonReader.h"
 #include "CorvaneCore/json/JsonWriter.h"
 

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "CorvaneCore/files/FileDescriptor.h"
+#include "CorvaneCore/files/Files.h"
 
 namespace corvane {
 

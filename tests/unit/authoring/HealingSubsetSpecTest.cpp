@@ -1,4 +1,4 @@
-#include "CorvaneCore/authoring/HealingSubsetSpec.h"
+#include "CorvaneCore/authoring/AuthoringContract.h"
 
 #include <gtest/gtest.h>
 

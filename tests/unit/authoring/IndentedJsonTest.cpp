@@ -1,4 +1,4 @@
-#include "CorvaneCore/json/IndentedJson.h"
+#include "CorvaneCore/json/JsonWriter.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "CorvaneCore/text/FileName.h"
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/text/Unicode.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/unit/authoring/Payloads.h"
 

@@ -4,7 +4,6 @@
 #include <set>
 
 #include "CorvaneCore/authoring/AuthoringContract.h"
-#include "CorvaneCore/authoring/HealingSubsetSpec.h"
 #include "CorvaneCore/authoring/InputSchemaBuilder.h"
 
 namespace corvane {

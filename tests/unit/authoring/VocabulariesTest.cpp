@@ -1,16 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "CorvaneCore/authoring/vocabulary/AISegmentationMode.h"
-#include "CorvaneCore/authoring/vocabulary/AgentTargetPlatform.h"
-#include "CorvaneCore/authoring/vocabulary/BuiltInCommand.h"
-#include "CorvaneCore/authoring/vocabulary/DragMode.h"
-#include "CorvaneCore/authoring/vocabulary/InteractionType.h"
-#include "CorvaneCore/authoring/vocabulary/PreviousStepCondition.h"
-#include "CorvaneCore/authoring/vocabulary/RegionOfInterest.h"
-#include "CorvaneCore/authoring/vocabulary/ScrollDirection.h"
-#include "CorvaneCore/authoring/vocabulary/ScrollSearchType.h"
-#include "CorvaneCore/authoring/vocabulary/ScrollSpeed.h"
-#include "CorvaneCore/authoring/vocabulary/SelfHealingMode.h"
+#include "CorvaneCore/authoring/InteractionType.h"
+#include "CorvaneCore/authoring/Vocabularies.h"
 
 namespace corvane {
 namespace {

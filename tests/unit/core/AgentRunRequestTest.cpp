@@ -1,4 +1,4 @@
-#include "CorvaneCore/requests/AgentRunRequest.h"
+#include "CorvaneCore/requests/Requests.h"
 
 #include <gtest/gtest.h>
 
@@ -69,8 +69,8 @@ TEST(AgentRunRequestTest, FieldsStandUnderTheirKeys) {
                                 .buildFirst = false,
                                 .targetPlatform = "ios",
                                 .clientName = "agent/1",
-                                .simulatorUDID = "UDID-1",
-                                .createdAt = *parseDate("2026-01-31T12:00:00Z")};
+                                .createdAt = *parseDate("2026-01-31T12:00:00Z"),
+                                .simulatorUDID = "UDID-1"};
   EXPECT_EQ(AgentWire::encode(request), fullText);
 }
 

@@ -15,8 +15,7 @@ TEST(AnswerTextsTest, EveryStandingHasItsWords) {
     return AnswerTexts::statusLine("running", standing, 120);
   };
   EXPECT_EQ(line(Standing::terminal), "status: running (terminal)");
-  EXPECT_EQ(line(Standing::pending),
-            "status: running (Corvane has not picked up the request yet)");
+  EXPECT_EQ(line(Standing::pending), "status: running (Corvane has not picked up the request yet)");
   EXPECT_EQ(line(Standing::inProgress),
             "status: running (NOT terminal — run still in progress, call get_result again)");
   EXPECT_EQ(line(Standing::stale),
@@ -78,7 +77,8 @@ TEST(AnswerTextsTest, TheAgeOfAStaleResultIsANumber) {
 
 // Fails when the column counts from the end of the label.
 TEST(AnswerTextsTest, TheRequestIdStandsInItsColumnAndIsReadAgain) {
-  EXPECT_EQ(AnswerTexts::requestIdLine(id, 13), "requestId:   0a1b2c3d-0000-4000-8000-00000000abcd");
+  EXPECT_EQ(AnswerTexts::requestIdLine(id, 13),
+            "requestId:   0a1b2c3d-0000-4000-8000-00000000abcd");
   EXPECT_EQ(AnswerTexts::requestIdLine(id, 12), "requestId:  0a1b2c3d-0000-4000-8000-00000000abcd");
   for (const std::size_t column : {11U, 12U, 40U}) {
     const std::string answer = "Dispatched.\n\n  " + AnswerTexts::requestIdLine(id, column);

@@ -1,4 +1,4 @@
-#include "CorvaneCore/text/CaseFolding.h"
+#include "CorvaneCore/text/Unicode.h"
 
 #include <gtest/gtest.h>
 

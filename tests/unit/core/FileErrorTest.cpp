@@ -1,4 +1,4 @@
-#include "CorvaneCore/files/FileError.h"
+#include "CorvaneCore/files/Files.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,6 @@
 #include <sys/stat.h>
 #include <sys/un.h>
 
-#include "CorvaneCore/files/FileDescriptor.h"
 #include "CorvaneCore/files/Files.h"
 #include "tests/support/ErrorText.h"
 #include "tests/support/TemporaryHome.h"

@@ -1,4 +1,4 @@
-#include "CorvaneCore/json/JsonCursor.h"
+#include "CorvaneCore/json/JsonReader.h"
 
 #include <gtest/gtest.h>
 

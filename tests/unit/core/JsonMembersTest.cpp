@@ -1,4 +1,4 @@
-#include "CorvaneCore/json/JsonMembers.h"
+#include "CorvaneCore/json/JsonReader.h"
 
 #include <gtest/gtest.h>
 

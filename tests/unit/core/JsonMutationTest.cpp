@@ -6,7 +6,7 @@
 #include "CorvaneCore/json/JsonErrors.h"
 #include "CorvaneCore/json/JsonReader.h"
 #include "CorvaneCore/json/JsonWriter.h"
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/text/Unicode.h"
 #include "tests/support/PrintJson.h"
 
 namespace corvane {

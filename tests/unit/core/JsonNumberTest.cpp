@@ -1,4 +1,4 @@
-#include "CorvaneCore/json/JsonNumber.h"
+#include "CorvaneCore/json/JsonScalars.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "CorvaneCore/json/JsonObject.h"
+#include "CorvaneCore/json/AnyCodable.h"
 
 #include <gtest/gtest.h>
 

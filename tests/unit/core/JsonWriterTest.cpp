@@ -11,8 +11,8 @@
 #include <random>
 
 #include "CorvaneCore/json/JsonErrors.h"
-#include "CorvaneCore/json/JsonNumber.h"
 #include "CorvaneCore/json/JsonReader.h"
+#include "CorvaneCore/json/JsonScalars.h"
 #include "tests/support/PrintJson.h"
 
 namespace corvane {

@@ -48,6 +48,44 @@ struct Nothing {
   static constexpr auto fields() { return FieldList(); }
 };
 
+/// Records whose list of fields lags behind.
+struct LacksTheLast {
+  std::string name;
+  std::optional<std::int64_t> size;
+  static constexpr auto fields() { return FieldList(field("name", &LacksTheLast::name)); }
+};
+struct LacksTheFirst {
+  bool green = false;
+  std::string name;
+  static constexpr auto fields() { return FieldList(field("name", &LacksTheFirst::name)); }
+};
+struct LacksARecord {
+  std::string name;
+  Leaf best;
+  static constexpr auto fields() { return FieldList(field("name", &LacksARecord::name)); }
+};
+struct LacksAll {
+  AnyCodable extra;
+  static constexpr auto fields() { return FieldList(); }
+};
+struct InAnotherOrder {
+  std::string name;
+  std::int64_t size = 0;
+  static constexpr auto fields() {
+    return FieldList(field("size", &InAnotherOrder::size), field("name", &InAnotherOrder::name));
+  }
+};
+
+// Fail when a member that is not listed goes unnoticed.
+template <class Record>
+constexpr bool isWhole = record_detail::namesEveryMember<Record>(Record::fields());
+static_assert(isWhole<Tree> && isWhole<Leaf> && isWhole<Branch> && isWhole<Nothing>);
+static_assert(!isWhole<LacksTheLast>);
+static_assert(!isWhole<LacksTheFirst>);
+static_assert(!isWhole<LacksARecord>);
+static_assert(!isWhole<LacksAll>);
+static_assert(!isWhole<InAnotherOrder>);
+
 constexpr const char* fullTree =
     R"({"best":{"note":"n","size":3},"byColor":{"a b":{"size":1},"red":{"size":2}},)"
     R"("extra":[null,{"x":1.5}],"green":false,"height":2.5,"leaves":[{"size":1},{"size":2}],)"

@@ -1,4 +1,4 @@
-#include "CorvaneCore/results/RunStatus.h"
+#include "CorvaneCore/results/AgentRunResult.h"
 
 #include <gtest/gtest.h>
 

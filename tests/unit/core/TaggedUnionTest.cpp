@@ -1,4 +1,4 @@
-#include "CorvaneCore/json/TaggedUnion.h"
+#include "CorvaneCore/json/Record.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,11 @@
 namespace corvane {
 namespace {
 
+enum class ShapeKind { circle, rectangle, nothing };
+
 struct Circle {
+  static constexpr ShapeKind kind = ShapeKind::circle;
+
   double radius = 0;
 
   static constexpr auto fields() { return FieldList(field("radius", &Circle::radius)); }
@@ -17,6 +21,8 @@ struct Circle {
 
 /// Its keys stand on both sides of the tag's key.
 struct Rectangle {
+  static constexpr ShapeKind kind = ShapeKind::rectangle;
+
   std::int64_t width = 0;
   std::int64_t height = 0;
   std::optional<std::string> label;
@@ -27,15 +33,18 @@ struct Rectangle {
   }
 };
 
+template <auto Of>
 struct Nothing {
+  static constexpr auto kind = Of;
+
   static constexpr auto fields() { return FieldList(); }
 };
 
 struct Shape {
-  enum class Kind { circle, rectangle, nothing };
+  using Kind = ShapeKind;
 
   static constexpr std::string_view tagKey = "kind";
-  std::variant<Circle, Rectangle, Nothing> choice;
+  std::variant<Circle, Rectangle, Nothing<Kind::nothing>> choice;
 };
 
 struct Drawing {
@@ -49,7 +58,7 @@ struct Order {
 
   static constexpr std::string_view tagKey = "order";
   static constexpr std::string_view unknownTag = "Unknown order ";
-  std::variant<Nothing, Nothing> choice;
+  std::variant<Nothing<Kind::go>, Nothing<Kind::stop>> choice;
 };
 
 }  // namespace
@@ -70,6 +79,14 @@ struct Vocabulary<Order::Kind> {
 
 namespace {
 
+// Fail when the order of the alternatives, or how many there are, is not compared with the kinds.
+template <class... Alternatives>
+constexpr bool shapesAre =
+    record_detail::followsKinds<Shape>(static_cast<const std::variant<Alternatives...>*>(nullptr));
+static_assert(shapesAre<Circle, Rectangle, Nothing<ShapeKind::nothing>>);
+static_assert(!shapesAre<Rectangle, Circle, Nothing<ShapeKind::nothing>>);
+static_assert(!shapesAre<Circle, Rectangle>);
+
 template <class T>
 std::string decodeError(std::string_view text) {
   return errorText<DecodeError>([&] { (void)AgentWire::decode<T>(text); });
@@ -82,7 +99,7 @@ TEST(TaggedUnionTest, TheTagNamesTheCase) {
   const auto drawing = AgentWire::decode<Drawing>(text);
   EXPECT_EQ(std::get<Rectangle>(drawing.shapes[0].choice).width, 1);
   EXPECT_EQ(std::get<Circle>(drawing.shapes[2].choice).radius, 0.5);
-  EXPECT_TRUE(std::holds_alternative<Nothing>(drawing.shapes[3].choice));
+  EXPECT_TRUE(std::holds_alternative<Nothing<ShapeKind::nothing>>(drawing.shapes[3].choice));
   EXPECT_EQ(AgentWire::encode(drawing), text);
 }
 

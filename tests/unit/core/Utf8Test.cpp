@@ -1,4 +1,4 @@
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/text/Unicode.h"
 
 #include <gtest/gtest.h>
 

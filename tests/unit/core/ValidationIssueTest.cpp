@@ -1,4 +1,4 @@
-#include "CorvaneCore/authoring/ValidationIssue.h"
+#include "CorvaneCore/authoring/ValidationResult.h"
 
 #include <gtest/gtest.h>
 

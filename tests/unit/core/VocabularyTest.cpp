@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <type_traits>
 
 #include "CorvaneCore/json/AgentWire.h"
 #include "CorvaneCore/json/JsonErrors.h"
@@ -11,7 +12,11 @@
 namespace corvane {
 namespace {
 
-enum class Season { spring, summer, autumn };
+enum class Season { autumn, spring, summer };
+enum class OneTooMany { only, forgotten };
+enum class OneTooFew { first };
+enum class Swapped { first, second };
+enum class Nameless { first };
 
 }  // namespace
 
@@ -26,8 +31,42 @@ struct Vocabulary<Season> {
                                    Row{Season::spring, "spring", false},
                                    Row{Season::summer, "highSummer", true}};
 };
+template <>
+struct Vocabulary<OneTooMany> {
+  static constexpr std::array rows{VocabularyRow<OneTooMany>{OneTooMany::only, "only"}};
+};
+template <>
+struct Vocabulary<OneTooFew> {
+  static constexpr std::array rows{
+      VocabularyRow<OneTooFew>{OneTooFew::first, "first"},
+      VocabularyRow<OneTooFew>{static_cast<OneTooFew>(1), "second"},
+  };
+};
+template <>
+struct Vocabulary<Swapped> {
+  static constexpr std::array rows{VocabularyRow<Swapped>{Swapped::second, "second"},
+                                   VocabularyRow<Swapped>{Swapped::first, "first"}};
+};
+template <>
+struct Vocabulary<Nameless> {
+  static constexpr std::array rows{VocabularyRow<Nameless>{Nameless::first, ""}};
+};
 
 namespace {
+
+// Fail when a table is no longer compared with its enumeration.
+using vocabulary_detail::isComplete;
+static_assert(isComplete<Season>);
+static_assert(!isComplete<OneTooMany>);
+static_assert(!isComplete<OneTooFew>);
+static_assert(!isComplete<Swapped>);
+static_assert(!isComplete<Nameless>);
+
+// Fails when a column that is left out gets a value of its own.
+struct RowWithAColumn {
+  Required<bool> warm;
+};
+static_assert(!std::is_default_constructible_v<RowWithAColumn>);
 
 TEST(VocabularyTest, RawValuesAndValuesBelongTogether) {
   EXPECT_EQ(rawValue(Season::summer), "highSummer");

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "CorvaneCore/requests/AgentRunRequest.h"
+#include "CorvaneCore/requests/Requests.h"
 #include "tests/support/TemporaryApp.h"
 #include "tests/support/ToolBench.h"
 

@@ -13,7 +13,7 @@
 #include <string>
 #include <thread>
 
-#include "CorvaneCore/files/FileDescriptor.h"
+#include "CorvaneCore/files/Files.h"
 #include "tests/support/Patience.h"
 #include "tests/support/ProcessFacts.h"
 #include "tests/support/TemporaryHome.h"

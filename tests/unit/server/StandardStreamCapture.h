@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <string>
 
-#include "CorvaneCore/files/FileDescriptor.h"
+#include "CorvaneCore/files/Files.h"
 #include "tests/support/TestFiles.h"
 
 namespace corvane {

@@ -7,9 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "CorvaneCore/requests/AgentRunRequest.h"
-#include "CorvaneCore/requests/CancelMarker.h"
-#include "CorvaneCore/text/Utf8.h"
+#include "CorvaneCore/requests/Requests.h"
+#include "CorvaneCore/text/Unicode.h"
 #include "CorvaneCore/text/Uuid.h"
 #include "corvane_standin/StandIn.h"
 #include "corvane_standin/program/StandInPaths.h"

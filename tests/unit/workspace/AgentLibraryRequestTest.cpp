@@ -1,4 +1,4 @@
-#include "CorvaneCore/requests/AgentLibraryRequest.h"
+#include "CorvaneCore/requests/Requests.h"
 
 #include <gtest/gtest.h>
 

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <variant>
 
@@ -21,5 +22,10 @@ using JsonNumber = std::variant<std::int64_t, double>;
 /// The whole number that `text` spells with an optional sign and decimal digits, when it fits 64
 /// bits and nothing else stands in `text`.
 [[nodiscard]] std::optional<std::int64_t> parseInteger(std::string_view text);
+
+/// What stands for `content`, the text between the quotes of a JSON string, once its escapes are
+/// resolved: `content` itself when it has none, else `room`, which is overwritten. Throws
+/// DecodeError for a malformed escape and for a surrogate without its other half.
+[[nodiscard]] std::string_view unescapeJson(std::string_view content, std::string& room);
 
 }  // namespace corvane

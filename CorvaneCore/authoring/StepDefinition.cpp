@@ -1,8 +1,8 @@
-#include "CorvaneCore/authoring/schema/InteractionDefinition.h"
+#include "CorvaneCore/authoring/StepDefinition.h"
 
-#include "CorvaneCore/authoring/schema/SchemaParts.h"
-#include "CorvaneCore/authoring/vocabulary/AISegmentationMode.h"
-#include "CorvaneCore/authoring/vocabulary/PreviousStepCondition.h"
+#include <functional>
+
+#include "CorvaneCore/authoring/Vocabularies.h"
 
 namespace corvane {
 
@@ -20,8 +20,9 @@ std::string branchText() {
          "taps 'Allow' on a permission dialog. A conditional step that fails with no "
          "previousFailed children still fails the test. One level only (children cannot have "
          "children); child types: " +
-         joinedRawValues<InteractionType>("/", mayBeBranchChild) +
-         " (compose userDefined/reuseSteps at the top level).";
+         joinedRawValues<InteractionType>("/", mayBeBranchChild) + " (compose " +
+         joinedRawValues<InteractionType>("/", std::not_fn(mayBeBranchChild)) +
+         " at the top level).";
 }
 
 /// An object of these keys only.
@@ -86,6 +87,62 @@ JsonObject InteractionDefinition::schema() && {
   schema.set("required", std::move(required));
   schema.set("properties", std::move(properties));
   return schema;
+}
+
+namespace {
+
+using namespace SchemaParts;
+
+JsonObject withoutDescription(const JsonObject& schema) {
+  JsonObject undescribed;
+  for (const auto& [keyword, value] : schema) {
+    if (keyword != "description") undescribed.set(keyword, value);
+  }
+  return undescribed;
+}
+
+/// Adds the properties that `all` lacks. Their descriptions are for the type they come from and
+/// stay behind.
+void addProperties(const JsonObject& schema, JsonObject& all) {
+  for (const auto& [key, property] : *schema.findAs<JsonObject>("properties")) {
+    if (!all.find(key)) all.set(key, withoutDescription(*property.object()));
+  }
+}
+
+}  // namespace
+
+InteractionDefinition definitionOf(InteractionType type) {
+  return vocabularyRow(type).definition();
+}
+
+JsonObject branchChildSchema() {
+  JsonObject properties;
+  JsonObject parameters;
+  for (const auto& row : Vocabulary<InteractionType>::rows) {
+    if (!mayBeBranchChild(row.value)) continue;
+    const JsonObject definition = definitionOf(row.value).schema();
+    addProperties(definition, properties);
+    const auto* own = definition.findAs<JsonObject>("properties")->findAs<JsonObject>("parameters");
+    if (own) addProperties(*own, parameters);
+  }
+  properties.set("type", wordOf<InteractionType>("The type of the child.", mayBeBranchChild));
+  properties.set("description",
+                 ofType("string",
+                        "What the child works with. tap, visualAssert: a phrase that quotes the "
+                        "visible UI text, e.g. \"Button labeled 'Allow'\". input: the literal text "
+                        "to type. builtIn: as at the top level. Other types: an optional label."));
+  properties.set("previousStepCondition",
+                 wordOf<PreviousStepCondition>("When the child runs: 'previousFailed' when the "
+                                               "parent step fails, 'previousSucceeded' when it "
+                                               "succeeds."));
+  parameters.set("command", wordOf<BuiltInCommand>("What a builtIn child does.", mayRunMidTest));
+  properties.set("parameters", JsonObject{{"type", "object"},
+                                          {"description", "Only the keys of the child's type."},
+                                          {"properties", std::move(parameters)},
+                                          {"additionalProperties", false}});
+  return {{"type", "object"},
+          {"required", AnyCodable::Array{"type", "previousStepCondition"}},
+          {"properties", std::move(properties)}};
 }
 
 }  // namespace corvane

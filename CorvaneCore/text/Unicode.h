@@ -28,4 +28,20 @@ void appendUtf8(std::string& text, char32_t codePoint);
 /// `text` with every control character written as an escape, so that it stays on one line.
 [[nodiscard]] std::string escapeControls(std::string_view text);
 
+/// `text` in the form in which texts that differ only in case, or in how an accent is composed, are
+/// equal: É and é, Σ and ς. Independent of the locale. A letter stays one letter, so that ß does
+/// not become ss and "Maße" and "Masse" remain two names. `text` is valid UTF-8.
+[[nodiscard]] std::string foldCase(std::string_view text);
+
+/// The longest name, in bytes, that file systems take.
+inline constexpr std::size_t longestFileName = 255;
+
+/// `text` as a part of a file name: letters, marks, digits and other numbers of any script, "-" and
+/// "_" stay, every other character becomes "-". `text` is valid UTF-8.
+[[nodiscard]] std::string fileNamePart(std::string_view text);
+
+/// The beginning of `text` that fits into `bytes`, cut between two characters as a reader sees them
+/// (a letter keeps its accents). `text` is valid UTF-8.
+[[nodiscard]] std::string_view shortenedTo(std::string_view text, std::size_t bytes);
+
 }  // namespace corvane

@@ -1,7 +1,0 @@
-#include "CorvaneCore/capture/CaptureSession.h"
-
-namespace corvane {
-
-template struct RecordCodec<CaptureSession>;
-
-}  // namespace corvane
