@@ -22,7 +22,7 @@ endmacro()
 function(corvane_precompile target)
   set(headers
     <filesystem> <functional> <map> <optional> <string> <tuple> <variant> <vector>
-    ${CMAKE_SOURCE_DIR}/CorvaneCore/files/RecordFile.h
+    ${CMAKE_SOURCE_DIR}/CorvaneCore/json/AgentWire.h
     ${CMAKE_SOURCE_DIR}/CorvaneCore/json/Record.h
     ${ARGN})
   target_precompile_headers(${target} PRIVATE ${headers})

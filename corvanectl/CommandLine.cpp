@@ -3,9 +3,10 @@
 #include <CLI/CLI.hpp>
 #include <sstream>
 
+#include "CorvaneCore/authoring/Vocabularies.h"
 #include "CorvaneCore/json/JsonWriter.h"
 
-namespace corvane {
+namespace corvane::ctl {
 
 namespace {
 
@@ -43,6 +44,14 @@ constexpr const char* healthExamples = "  corvanectl health\n";
 /// apart, as it does for lists without one.
 constexpr int manyValues = 10000;
 
+std::vector<std::string> platforms() {
+  const auto& rows = Vocabulary<AgentTargetPlatform>::rows;
+  std::vector<std::string> names;
+  names.reserve(rows.size());
+  for (const auto& row : rows) names.emplace_back(row.rawValue);
+  return names;
+}
+
 /// The options of one command, bound to the record they fill in.
 class CommandLine {
  public:
@@ -53,7 +62,7 @@ class CommandLine {
     app.fallthrough();
     app.footer(std::string("\nExamples:\n") + toolsExamples + callExamples + runExamples +
                followExamples + cancelExamples + healthExamples + exitStatuses);
-    app.set_version_flag("--version", "corvanectl " CORVANECTL_VERSION);
+    app.set_version_flag("--version", "corvanectl " CORVANE_VERSION);
     app.add_option(
            "--server", server.server,
            "The server program (default: corvane-mcp beside this program, else on the PATH)")
@@ -127,9 +136,11 @@ class CommandLine {
     auto* build = runApp->add_flag("--build", withBuild, "Build first, whatever the project says");
     runApp->add_flag("--no-build", withoutBuild, "Run what is already on the device")
         ->excludes(build);
-    runApp->add_option("--platform", run.platform, "iOS or android (default: the project's)")
+    runApp
+        ->add_option("--platform", run.platform,
+                     joinedRawValues<AgentTargetPlatform>(" or ") + " (default: the project's)")
         ->type_name("PLATFORM")
-        ->transform(CLI::IsMember({"iOS", "android"}, CLI::ignore_case).description(""));
+        ->transform(CLI::IsMember(platforms(), CLI::ignore_case).description(""));
     runApp->add_option("--udid", run.udid, "The iOS simulator to run on")->type_name("UDID");
     auto* follow =
         runApp->add_flag("--follow", run.follow, "Wait for the run and show how it went");
@@ -196,9 +207,10 @@ class CommandLine {
   static CLI::Option* addPictures(CLI::App* command,
                                   std::optional<std::filesystem::path>& directory) {
     return command
-        ->add_option("--pictures", directory,
-                     "Save the pictures of the answer in this folder. Terminals that know the "
-                     "kitty graphics protocol, iTerm2's inline images or sixel show them, too")
+        ->add_option(
+            "--pictures", directory,
+            "Save the pictures of the answer in this folder. On a terminal they are shown, "
+            "too, where the program chafa is installed")
         ->type_name("DIR");
   }
 
@@ -251,4 +263,4 @@ std::variant<Invocation, CommandLineReply> parseCommandLine(int argc, const char
   return CommandLine().parse(argc, argv);
 }
 
-}  // namespace corvane
+}  // namespace corvane::ctl

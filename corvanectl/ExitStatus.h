@@ -1,6 +1,6 @@
 #pragma once
 
-namespace corvane {
+namespace corvane::ctl {
 
 /// What the exit status of corvanectl says. A program ended by Ctrl-C or by a closed pipe ends by
 /// that signal instead.
@@ -21,4 +21,4 @@ enum class ExitStatus {
   inputOutput = 74,
 };
 
-}  // namespace corvane
+}  // namespace corvane::ctl

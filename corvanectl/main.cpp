@@ -3,9 +3,10 @@
 #include <unistd.h>
 
 #include "corvanectl/CommandLine.h"
-#include "corvanectl/Program.h"
+#include "corvanectl/commands/Commands.h"
+#include "corvanectl/terminal/DisplayText.h"
 
-namespace corvane {
+namespace corvane::ctl {
 
 namespace {
 
@@ -27,6 +28,53 @@ void openMissingStandardStreams() {
   ::_exit(128 + signal);
 }
 
+void showLastWords(const ServerLog& log, Console& console) {
+  if (log.lastLines().empty()) return;
+  console.printError("The server's last words:\n");
+  for (const auto& line : log.lastLines()) console.printError("  " + oneLine(line) + "\n");
+}
+
+/// Carries out what the user asked for and turns every failure into a message on standard error and
+/// an exit status. Only what ends the program by a signal passes through: Interrupted,
+/// OutputClosed. By then the server has ended and the console's line is free.
+ExitStatus runProgram(const Invocation& invocation, Console& console, Interruption& interruption) {
+  ServerLog log(
+      invocation.server.showLog
+          ? [&console](std::string_view line) { console.printError(std::string(line) + "\n"); }
+          : ServerLog::Forward());
+  PictureViewer pictureViewer(console, interruption);
+  CommandContext context{invocation.server, console, pictureViewer, log, interruption};
+
+  const auto fail = [&](const std::exception& error, ExitStatus status) {
+    console.endProgress();
+    console.complain(error.what());
+    return status;
+  };
+  const auto failOfServer = [&](const std::exception& error, ExitStatus status) {
+    fail(error, status);
+    if (!invocation.server.showLog) showLastWords(log, console);
+    return status;
+  };
+  try {
+    return std::visit([&](const auto& command) { return execute(command, context); },
+                      invocation.command);
+  } catch (const Interrupted&) {
+    console.endProgress();
+    throw;
+  } catch (const UsageError& error) {
+    return fail(error, ExitStatus::usage);
+  } catch (const RpcError& error) {
+    // The server is well, and has said all there is to say.
+    return fail(error, ExitStatus::failure);
+  } catch (const NoAnswer& error) {
+    return failOfServer(error, ExitStatus::timedOut);
+  } catch (const ProtocolError& error) {
+    return failOfServer(error, ExitStatus::protocolTrouble);
+  } catch (const std::exception& error) {
+    return fail(error, ExitStatus::inputOutput);
+  }
+}
+
 ExitStatus answerOrRun(int argc, char** argv) {
   Interruption interruption;
   Console console(interruption);
@@ -44,10 +92,10 @@ ExitStatus answerOrRun(int argc, char** argv) {
 
 }  // namespace
 
-}  // namespace corvane
+}  // namespace corvane::ctl
 
 int main(int argc, char** argv) {
-  using namespace corvane;
+  using namespace corvane::ctl;
   openMissingStandardStreams();
   try {
     return static_cast<int>(answerOrRun(argc, argv));

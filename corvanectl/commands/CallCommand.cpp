@@ -1,23 +1,71 @@
+#include <unistd.h>
+
 #include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <string>
+#include <utility>
 
+#include "CorvaneCore/files/Files.h"
+#include "CorvaneCore/json/AnyCodable.h"
+#include "CorvaneCore/json/JsonReader.h"
 #include "CorvaneCore/json/JsonWriter.h"
+#include "CorvaneCore/results/AnswerTexts.h"
 #include "corvanectl/commands/Commands.h"
-#include "corvanectl/commands/ResultPrinting.h"
-#include "corvanectl/commands/ToolArguments.h"
+#include "corvanectl/commands/ResultOutput.h"
 
-namespace corvane {
+namespace corvane::ctl {
 
 namespace {
+
+std::string readStandardInput(Interruption& interruption) {
+  std::string text;
+  while (true) {
+    std::array<pollfd, 1> files{{{STDIN_FILENO, POLLIN, 0}}};
+    interruption.wait(files, never);
+    std::array<char, std::size_t{64} << 10> chunk;
+    const ssize_t count = ::read(STDIN_FILENO, chunk.data(), chunk.size());
+    if (count == 0) return text;
+    if (count < 0 && errno != EINTR && errno != EAGAIN) {
+      throw UsageError(std::string("could not read standard input: ") + std::strerror(errno));
+    }
+    if (count > 0) text.append(chunk.data(), static_cast<std::size_t>(count));
+  }
+}
+
+std::string readSource(std::string_view source, Interruption& interruption) {
+  if (source == "-") return readStandardInput(interruption);
+  if (!source.starts_with('@')) return std::string(source);
+  try {
+    return readFile(std::filesystem::path(source.substr(1)));
+  } catch (const FileError& error) {
+    throw UsageError(error.what());
+  }
+}
 
 /// How long a tool may wait before it answers, told by the argument that asks it to.
 Seconds waitingTime(const std::optional<AnyCodable::Object>& arguments) {
   const AnyCodable* asked = arguments ? arguments->find("waitSeconds") : nullptr;
   const std::int64_t* seconds = asked ? asked->integer() : nullptr;
-  constexpr std::int64_t longestWait = 240;
-  return std::chrono::seconds(seconds ? std::clamp<std::int64_t>(*seconds, 0, longestWait) : 0);
+  return std::chrono::seconds(
+      seconds ? std::clamp<std::int64_t>(*seconds, 0, AnswerTexts::longestWaitSeconds) : 0);
 }
 
 }  // namespace
+
+AnyCodable::Object readToolArguments(std::string_view source, Interruption& interruption) {
+  const std::string text = readSource(source, interruption);
+  try {
+    AnyCodable arguments = readJson(text);
+    if (auto* object = std::get_if<AnyCodable::Object>(&arguments.value())) {
+      return std::move(*object);
+    }
+  } catch (const DecodeError& error) {
+    throw UsageError(std::string("the arguments cannot be used: ") + error.what());
+  }
+  throw UsageError("the arguments must be a JSON object, like {\"projectName\":\"Shop\"}");
+}
 
 ExitStatus execute(const CallCommand& command, CommandContext& context) {
   std::optional<AnyCodable::Object> arguments;
@@ -30,10 +78,10 @@ ExitStatus execute(const CallCommand& command, CommandContext& context) {
   if (command.json) {
     context.console.print(toJson(answer) + "\n");
   } else {
-    PictureOutput pictures(command.pictures, command.tool, inlinePictures(context));
-    printResult(result, pictures, context.console);
+    ResultOutput(context.console, command.tool, command.pictures, &context.pictureViewer)
+        .print(result);
   }
   return exitStatusOf(result);
 }
 
-}  // namespace corvane
+}  // namespace corvane::ctl

@@ -1,13 +1,12 @@
 #include <algorithm>
 #include <utility>
 
+#include "CorvaneCore/results/AnswerTexts.h"
 #include "corvanectl/commands/Commands.h"
-#include "corvanectl/commands/Follow.h"
-#include "corvanectl/commands/ResultPrinting.h"
-#include "corvanectl/results/ResultAnswer.h"
-#include "corvanectl/results/ResultSummary.h"
+#include "corvanectl/commands/ResultOutput.h"
+#include "corvanectl/results/RequestResult.h"
 
-namespace corvane {
+namespace corvane::ctl {
 
 namespace {
 
@@ -16,7 +15,7 @@ constexpr Seconds longestPoll{120};
 /// A server that answers without waiting is not asked more often than this.
 constexpr Seconds shortestPoll{0.5};
 /// What the answer to a last poll may need beyond the user's time.
-constexpr Seconds lastAnswerPatience{2};
+constexpr Seconds lastAnswerTimeout{2};
 
 Seconds timeUntil(Deadline deadline) {
   return deadline == never ? Seconds::max() : Seconds(deadline - std::chrono::steady_clock::now());
@@ -27,11 +26,24 @@ std::string endingInLine(std::string text) {
   return text;
 }
 
+/// What the answer says; it refers to `result`.
+AnswerTexts::ResultAnswer readAnswer(const ToolResult& result) {
+  auto answer = AnswerTexts::readResultAnswer(result.firstText());
+  if (!answer) throw ProtocolError("the answer of get_result does not begin with a status");
+  return *std::move(answer);
+}
+
 /// Follows one request.
 class Follower {
  public:
   Follower(const FollowCommand& command, Session& session, Deadline end, CommandContext& context)
-      : command(command), session(session), end(end), context(context), console(context.console) {}
+      : command(command),
+        session(session),
+        end(end),
+        context(context),
+        console(context.console),
+        // Beside JSON, pictures would be among the messages.
+        output(console, tool, command.pictures, command.json ? nullptr : &context.pictureViewer) {}
 
   ExitStatus run() {
     console.startProgress(command.json ? ProgressPlace::besideResults : ProgressPlace::withResults);
@@ -39,8 +51,8 @@ class Follower {
       const Deadline nextPoll = after(shortestPoll);
       const ToolResult result = poll();
       if (result.isError) return reportRefusal(result);
-      const ResultAnswer answer = ResultAnswer::parse(result.firstText());
-      if (answer.terminal) return reportEnd(answer, result);
+      const auto answer = readAnswer(result);
+      if (answer.isTerminal()) return reportEnd(answer, result);
       showHealth(answer);
       if (hasPassed(end)) return reportTimeout(answer);
       context.interruption.wait({}, nextPoll);
@@ -52,10 +64,10 @@ class Follower {
     const Seconds left = timeUntil(end);
     const auto wait =
         std::chrono::ceil<std::chrono::seconds>(std::clamp(left, Seconds(0), longestPoll));
-    const Seconds patience = std::min<Seconds>(wait + usualPatience, left + lastAnswerPatience);
+    const Seconds timeout = std::min<Seconds>(wait + usualTimeout, left + lastAnswerTimeout);
     return ToolResult::from(session.client().callTool(
         tool, AnyCodable::Object{{"requestId", command.requestId}, {"waitSeconds", wait.count()}},
-        after(patience), [this](std::string_view message) { showProgress(message); }));
+        after(timeout), [this](std::string_view message) { showProgress(message); }));
   }
 
   /// Every poll begins by repeating the last message, which is news only if it differs.
@@ -66,8 +78,9 @@ class Follower {
   }
 
   /// What is wrong stays in sight until it is over or the request moves on.
-  void showHealth(const ResultAnswer& answer) {
-    const bool wasWell = std::exchange(isWell, answer.healthy);
+  void showHealth(const AnswerTexts::ResultAnswer& answer) {
+    const bool wasWell =
+        std::exchange(isWell, answer.standing == AnswerTexts::Standing::inProgress);
     if (!isWell) {
       console.progress(answer.headline);
     } else if (!wasWell) {
@@ -77,35 +90,33 @@ class Follower {
 
   ExitStatus reportRefusal(const ToolResult& result) {
     console.endProgress();
-    PictureOutput pictures(command.pictures, tool, inlinePictures(context));
-    printResult(result, pictures, console);
+    output.print(result);
     return exitStatusOf(result);
   }
 
-  ExitStatus reportTimeout(const ResultAnswer& answer) {
+  ExitStatus reportTimeout(const AnswerTexts::ResultAnswer& answer) {
     console.endProgress();
     console.complain("the request has not finished in the time given; its status is " +
                      answer.headline);
     return ExitStatus::timedOut;
   }
 
-  ExitStatus reportEnd(const ResultAnswer& answer, const ToolResult& result) {
+  ExitStatus reportEnd(const AnswerTexts::ResultAnswer& answer, const ToolResult& result) {
     console.endProgress();
-    console.print(command.json ? endingInLine(answer.json)
-                               : summarizeResult(answer.json, answer.status));
+    console.print(command.json ? endingInLine(std::string(answer.result))
+                               : summarizeResult(answer.result, answer.status));
     if (command.pictures) savePictures(result);
-    return answer.exitStatus();
+    return exitStatusOf(answer.status);
   }
 
   /// Asks once more, with pictures. The answer repeats what is known and adds the blocks to show.
   void savePictures(const ToolResult& known) {
     const ToolResult result = ToolResult::from(session.callTool(
         tool, AnyCodable::Object{{"requestId", command.requestId}, {"includeStepTrace", true}}));
-    // Beside JSON, pictures would be among the messages.
-    PictureOutput pictures(command.pictures, tool,
-                           command.json ? std::nullopt : std::optional(inlinePictures(context)));
     for (std::size_t i = known.content.size(); i < result.content.size(); ++i) {
-      const std::string line = blockText(result.content[i], pictures) + "\n";
+      std::string line;
+      output.append(result.content[i], line);
+      line += '\n';
       if (command.json) {
         console.printError(line);
       } else {
@@ -119,6 +130,7 @@ class Follower {
   Deadline end;
   CommandContext& context;
   Console& console;
+  ResultOutput output;
   std::string lastMessage;
   bool isWell = true;
 };
@@ -140,4 +152,4 @@ ExitStatus execute(const FollowCommand& command, CommandContext& context) {
   return follow(command, session, end, context);
 }
 
-}  // namespace corvane
+}  // namespace corvane::ctl

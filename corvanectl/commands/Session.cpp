@@ -1,24 +1,11 @@
-#include "corvanectl/commands/Session.h"
+#include "corvanectl/commands/Commands.h"
 
-#include <cstdlib>
-
-#include "corvanectl/protocol/ServerLocation.h"
-#include "corvanectl/system/ExecutablePath.h"
-
-namespace corvane {
-
-namespace {
-
-std::filesystem::path serverProgram(const ServerOptions& options) {
-  const char* searchPath = std::getenv("PATH");
-  return locateServer(options.server, executablePath(), searchPath ? searchPath : "");
-}
-
-}  // namespace
+namespace corvane::ctl {
 
 Session::Session(CommandContext& context)
     : options(context.options),
-      server(serverProgram(options), context.log, context.interruption),
+      server(locateServer(options.server, executablePath(), searchPath()), context.log,
+             context.interruption),
       mcpClient(server, [&console = context.console](std::string_view warning) {
         console.complain(warning);
       }) {
@@ -31,7 +18,7 @@ AnyCodable Session::callTool(std::string_view tool, std::optional<AnyCodable::Ob
 }
 
 Deadline Session::answerDeadline(Seconds waiting) const {
-  return after(options.timeout ? Seconds(*options.timeout) : usualPatience + waiting);
+  return after(options.timeout ? Seconds(*options.timeout) : usualTimeout + waiting);
 }
 
-}  // namespace corvane
+}  // namespace corvane::ctl

@@ -2,96 +2,153 @@
 
 #include <utility>
 
+#include "CorvaneCore/json/AgentWire.h"
 #include "CorvaneCore/json/AnyCodable.h"
-#include "CorvaneCore/json/JsonWriter.h"
-#include "corvanectl/protocol/ProtocolError.h"
+#include "CorvaneCore/json/LenientReading.h"
+#include "corvane_mcp/protocol/JsonRpc.h"
+#include "corvane_mcp/protocol/McpRecords.h"
 #include "corvanectl/terminal/DisplayText.h"
 
-namespace corvane {
+namespace corvane::ctl {
 
 namespace {
 
-constexpr std::string_view protocolVersion = "2025-03-26";
+/// What the client says of itself at the beginning.
+struct InitializeParams {
+  std::string protocolVersion;
+  ServerCapabilities capabilities;
+  ServerInfo clientInfo;
 
-std::string textOr(const AnyCodable* value, std::string_view otherwise) {
-  const std::string* text = value ? value->string() : nullptr;
-  return text ? *text : std::string(otherwise);
+  static constexpr auto fields() {
+    using R = InitializeParams;
+    return FieldList(field("protocolVersion", &R::protocolVersion),
+                     field("capabilities", &R::capabilities), field("clientInfo", &R::clientInfo));
+  }
+};
+
+/// What a notification about the progress of a request carries, as far as it is used.
+struct ProgressParams {
+  AnyCodable progressToken;
+  std::string message;
+
+  static constexpr auto fields() {
+    using R = ProgressParams;
+    return FieldList(field("progressToken", &R::progressToken), field("message", &R::message));
+  }
+};
+
+std::string encodedMessage(std::string_view method, std::optional<JSONRPCID> id,
+                           std::optional<AnyCodable> params) {
+  return AgentWire::encode(JSONRPCRequest{.jsonrpc = "2.0",
+                                          .id = std::move(id),
+                                          .method = std::string(method),
+                                          .params = std::move(params)});
 }
 
-std::int64_t integerOr(const AnyCodable* value, std::int64_t otherwise) {
-  const std::int64_t* integer = value ? value->integer() : nullptr;
-  return integer ? *integer : otherwise;
+AnyCodable::Object membersOf(AnyCodable value) {
+  return std::get<AnyCodable::Object>(std::move(value.value()));
 }
 
 /// Whether `message` answers the request `id`. An error without an id is one too: the server could
 /// not read what it was sent, and only one request is under way.
 bool answers(const AnyCodable& message, std::int64_t id) {
-  const AnyCodable* error = message.find("error");
-  const AnyCodable* answered = message.find("id");
-  if (!error && !message.find("result")) return false;
+  const AnyCodable* error = rawField<&JSONRPCResponse::error>(message);
+  const AnyCodable* answered = rawField<&JSONRPCResponse::id>(message);
+  if (!error && !rawField<&JSONRPCResponse::result>(message)) return false;
   return answered && (*answered == AnyCodable(id) || (error && answered->isNull()));
 }
 
 /// The message of the progress notification for request `id`, if it is one.
 const std::string* progressMessage(const AnyCodable& message, std::int64_t id) {
-  if (textOr(message.find("method"), "") != "notifications/progress") return nullptr;
-  const AnyCodable* params = message.find("params");
-  const AnyCodable* token = params ? params->find("progressToken") : nullptr;
-  const AnyCodable* text = params ? params->find("message") : nullptr;
-  return token && *token == AnyCodable(id) && text ? text->string() : nullptr;
+  const std::string* method = findField<&JSONRPCRequest::method>(message);
+  const AnyCodable* params = rawField<&JSONRPCRequest::params>(message);
+  if (!method || *method != "notifications/progress" || !params) return nullptr;
+  const AnyCodable* token = rawField<&ProgressParams::progressToken>(*params);
+  if (!token || *token != AnyCodable(id)) return nullptr;
+  return findField<&ProgressParams::message>(*params);
 }
 
 AnyCodable resultOf(AnyCodable message, const std::string& method) {
-  if (const AnyCodable* error = message.find("error")) {
-    throw RpcError(method, integerOr(error->find("code"), 0),
-                   textOr(error->find("message"), "no reason given"));
+  if (const AnyCodable* error = rawField<&JSONRPCResponse::error>(message)) {
+    const auto* code = findField<&JSONRPCError::code>(*error);
+    const auto* text = findField<&JSONRPCError::message>(*error);
+    throw RpcError(method, code ? *code : 0, text ? *text : "no reason given");
   }
-  auto& members = std::get<AnyCodable::Object>(message.value());
-  return std::move(*members.find("result"));
+  return std::move(*membersOf(std::move(message)).find(keyOf<&JSONRPCResponse::result>()));
+}
+
+const std::string& requiredText(const AnyCodable& block, std::string_view key) {
+  if (const auto* text = block.findAs<std::string>(key)) return *text;
+  throw ProtocolError("a block of the tool's answer has no text under '" + std::string(key) + "'");
+}
+
+ToolResult::Block blockFrom(const AnyCodable& block) {
+  const std::string& type = requiredText(block, ContentBlock::tagKey);
+  const auto kind = fromRawValue<ContentBlock::Kind>(type);
+  if (kind == ContentBlock::Kind::text) {
+    return ToolResult::Text{requiredText(block, keyOf<&ToolResult::Text::text>())};
+  }
+  if (kind == ContentBlock::Kind::image) {
+    return ToolResult::Image{requiredText(block, keyOf<&ToolResult::Image::data>()),
+                             requiredText(block, keyOf<&ToolResult::Image::mimeType>())};
+  }
+  return ToolResult::Other{type};
 }
 
 }  // namespace
 
+ToolResult ToolResult::from(const AnyCodable& result) {
+  const auto* blocks = findField<&ToolsCallResult::content>(result);
+  if (!blocks) throw ProtocolError("the tool's answer has no list of content blocks");
+  ToolResult decoded;
+  decoded.content.reserve(blocks->size());
+  for (const AnyCodable& block : *blocks) decoded.content.push_back(blockFrom(block));
+  const auto* isError = result.findAs<bool>(keyOf<&ToolsCallResult::isError>());
+  decoded.isError = isError && *isError;
+  return decoded;
+}
+
+std::string_view ToolResult::firstText() const {
+  const Text* first = content.empty() ? nullptr : std::get_if<Text>(&content.front());
+  return first ? std::string_view(first->text) : std::string_view();
+}
+
 void McpClient::initialize(Deadline deadline) {
-  const AnyCodable result = request(
-      "initialize",
-      {{"protocolVersion", protocolVersion},
-       {"capabilities", AnyCodable::Object()},
-       {"clientInfo", AnyCodable::Object{{"name", "corvanectl"}, {"version", CORVANECTL_VERSION}}}},
-      deadline);
-  if (textOr(result.find("protocolVersion"), "").empty()) {
+  const InitializeParams params{.protocolVersion = "2025-03-26",
+                                .capabilities = {},
+                                .clientInfo = {"corvanectl", CORVANE_VERSION}};
+  const AnyCodable result = request("initialize", membersOf(encodeValue(params)), deadline);
+  const std::string* version = findField<&InitializeResult::protocolVersion>(result);
+  if (!version || version->empty()) {
     throw ProtocolError("the server's answer to initialize names no protocol version");
   }
-  notify("notifications/initialized");
+  server.send(encodedMessage("notifications/initialized", std::nullopt, std::nullopt));
 }
 
 AnyCodable McpClient::request(std::string_view method, AnyCodable::Object params, Deadline deadline,
                               const OnProgress& onProgress) {
   const auto begin = std::chrono::steady_clock::now();
   const std::int64_t id = ++lastId;
-  if (onProgress) params.set("_meta", AnyCodable::Object{{"progressToken", id}});
-  server.send(toJson(AnyCodable::Object{
-      {"jsonrpc", "2.0"}, {"id", id}, {"method", method}, {"params", std::move(params)}}));
+  if (onProgress) {
+    params.set("_meta",
+               AnyCodable::Object{{std::string(keyOf<&ProgressParams::progressToken>()), id}});
+  }
+  server.send(encodedMessage(method, JSONRPCID{id}, std::move(params)));
   while (auto message = nextMessage(method, deadline)) {
     if (answers(*message, id)) return resultOf(std::move(*message), std::string(method));
     if (const std::string* text = progressMessage(*message, id); text && onProgress) {
       onProgress(*text);
     }
   }
-  const Seconds patience = deadline - begin;
+  const Seconds timeout = deadline - begin;
   throw NoAnswer("the server did not answer " + std::string(method) + " within " +
-                 displaySeconds(patience.count()));
+                 displaySeconds(timeout.count()));
 }
 
 AnyCodable McpClient::callTool(std::string_view tool, std::optional<AnyCodable::Object> arguments,
                                Deadline deadline, const OnProgress& onProgress) {
-  AnyCodable::Object params{{"name", tool}};
-  if (arguments) params.set("arguments", std::move(*arguments));
-  return request("tools/call", std::move(params), deadline, onProgress);
-}
-
-void McpClient::notify(std::string_view method) {
-  server.send(toJson(AnyCodable::Object{{"jsonrpc", "2.0"}, {"method", method}}));
+  const ToolsCallParams params{std::string(tool), std::move(arguments)};
+  return request("tools/call", membersOf(encodeValue(params)), deadline, onProgress);
 }
 
 /// The next line that is a message; nothing when `deadline` comes first.
@@ -121,4 +178,4 @@ std::optional<AnyCodable> McpClient::parse(const std::string& line) {
   return std::nullopt;
 }
 
-}  // namespace corvane
+}  // namespace corvane::ctl

@@ -5,12 +5,51 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
+#include <variant>
+#include <vector>
 
 #include "CorvaneCore/json/AnyCodable.h"
 #include "CorvaneCore/json/JsonReader.h"
+#include "CorvaneCore/json/Record.h"
+#include "corvane_mcp/protocol/McpRecords.h"
 #include "corvanectl/protocol/ServerProcess.h"
 
-namespace corvane {
+namespace corvane::ctl {
+
+/// The server answered a request with a JSON-RPC error.
+class RpcError : public ProtocolError {
+ public:
+  RpcError(const std::string& method, std::int64_t code, const std::string& message)
+      : ProtocolError("the server refused " + method + ": " + message + " (error " +
+                      std::to_string(code) + ")") {}
+};
+
+/// The server did not answer in time.
+class NoAnswer : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// A tool's answer.
+struct ToolResult {
+  using Text = ContentBlock::Text;
+  using Image = ContentBlock::Image;
+  /// A kind of block that this program does not know.
+  struct Other {
+    std::string type;
+  };
+  using Block = std::variant<Text, Image, Other>;
+
+  std::vector<Block> content;
+  bool isError = false;
+
+  /// Reads the result of a tools/call request. Throws ProtocolError when it has another form.
+  [[nodiscard]] static ToolResult from(const AnyCodable& result);
+
+  /// The text of the first block; empty when that is no text. It is this object's.
+  [[nodiscard]] std::string_view firstText() const;
+};
 
 /// The client's side of the Model Context Protocol, one request at a time. What arrives while a
 /// request waits (notifications, answers to requests that were given up) does not disturb it.
@@ -38,7 +77,6 @@ class McpClient {
                                     const OnProgress& onProgress = {});
 
  private:
-  void notify(std::string_view method);
   [[nodiscard]] std::optional<AnyCodable> nextMessage(std::string_view method, Deadline deadline);
   [[nodiscard]] std::optional<AnyCodable> parse(const std::string& line);
 
@@ -49,4 +87,4 @@ class McpClient {
   bool warned = false;
 };
 
-}  // namespace corvane
+}  // namespace corvane::ctl

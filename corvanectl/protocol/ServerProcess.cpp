@@ -7,24 +7,28 @@
 #include <array>
 #include <cerrno>
 #include <system_error>
+#include <utility>
 
-#include "corvanectl/protocol/ProtocolError.h"
-
-namespace corvane {
+namespace corvane::ctl {
 
 namespace {
 
+namespace fs = std::filesystem;
 using std::chrono::milliseconds;
 
 /// How long the server may take to end once its standard input is closed, and again after SIGTERM.
-/// Calls still in flight hold it up, so after Ctrl-C there is little patience.
-constexpr milliseconds exitPatience(1000);
-constexpr milliseconds exitPatienceWhenInterrupted(100);
+/// Calls still in flight hold it up, so after Ctrl-C it has less.
+constexpr milliseconds exitTimeout(1000);
+constexpr milliseconds exitTimeoutWhenInterrupted(100);
 constexpr milliseconds exitPollInterval(5);
 constexpr milliseconds endCheckInterval(500);
 
 /// Far above any answer that makes sense; something endless ends here.
-constexpr std::size_t longestLine = std::size_t{512} << 20;
+constexpr std::size_t longestAnswer = std::size_t{512} << 20;
+
+/// A line of the log that is longer is cut apart.
+constexpr std::size_t longestLogLine = std::size_t{64} << 10;
+constexpr std::size_t longestLogLineKept = 500;
 
 /// Reads what is there into `take`; false at the end of the file.
 template <class Take>
@@ -35,9 +39,9 @@ bool readAvailable(const FileDescriptor& file, Take take) {
   return count > 0 || (count < 0 && (errno == EAGAIN || errno == EINTR));
 }
 
-ChildProcess startServer(const std::filesystem::path& program) {
+ChildProcess startServer(const fs::path& program) {
   try {
-    return ChildProcess::start(program);
+    return ChildProcess::startPiped(program);
   } catch (const std::system_error& error) {
     throw ProtocolError(error.what());
   }
@@ -45,18 +49,73 @@ ChildProcess startServer(const std::filesystem::path& program) {
 
 }  // namespace
 
-ServerProcess::ServerProcess(const std::filesystem::path& program, ServerLog& log,
-                             Interruption& interruption)
+fs::path locateServer(const std::optional<fs::path>& given, const fs::path& ownPath,
+                      std::string_view searchPath) {
+  constexpr std::string_view name = "corvane-mcp";
+  if (given) return *given;
+  if (!ownPath.empty()) {
+    if (fs::path beside = ownPath.parent_path() / name; isProgram(beside)) return beside;
+  }
+  if (auto found = findProgram(name, searchPath)) return *std::move(found);
+  throw ProtocolError(
+      "there is no corvane-mcp beside this program or on the PATH; "
+      "name it with --server");
+}
+
+void LineBuffer::append(std::string_view bytes) {
+  // Moving the rest to the front only when as much was taken keeps the cost per byte constant.
+  if (start > held.size() / 2) {
+    held.erase(0, start);
+    searched -= start;
+    start = 0;
+  }
+  held += bytes;
+}
+
+std::optional<std::string> LineBuffer::takeLine() {
+  const std::size_t end = held.find('\n', searched);
+  if (end == std::string::npos) {
+    searched = held.size();
+    return std::nullopt;
+  }
+  std::string line = held.substr(start, end - start);
+  start = searched = end + 1;
+  return line;
+}
+
+std::optional<std::string> LineBuffer::takeRest() {
+  if (size() == 0) return std::nullopt;
+  std::string rest = held.substr(start);
+  held.clear();
+  start = searched = 0;
+  return rest;
+}
+
+void ServerLog::append(std::string_view bytes) {
+  buffer.append(bytes);
+  while (auto line = buffer.takeLine()) take(std::move(*line));
+  if (buffer.size() > longestLogLine) finish();
+}
+
+void ServerLog::finish() {
+  if (auto rest = buffer.takeRest()) take(std::move(*rest));
+}
+
+void ServerLog::take(std::string line) {
+  if (forward) forward(line);
+  if (line.size() > longestLogLineKept) line.resize(longestLogLineKept);
+  kept.push_back(std::move(line));
+  if (kept.size() > linesKept) kept.pop_front();
+}
+
+ServerProcess::ServerProcess(const fs::path& program, ServerLog& log, Interruption& interruption)
     : log(log), interruption(interruption), child(startServer(program)) {}
 
 ServerProcess::~ServerProcess() {
   try {
     close();
   } catch (...) {
-    // Nobody is left to show the log to. What matters is that the server does not stay.
-    child.errors.close();
-    child.signal(SIGKILL);
-    waitForEnd(exitPatience);
+    // Nobody is left to show the log to. The server is killed with its ChildProcess.
   }
 }
 
@@ -68,7 +127,7 @@ std::optional<std::string> ServerProcess::readLine(Deadline deadline) {
   while (true) {
     if (auto line = incoming.takeLine()) return line;
     if (!child.output.isOpen()) reportEnd();
-    if (incoming.size() > longestLine) throw ProtocolError("the server sent a line without end");
+    if (incoming.size() > longestAnswer) throw ProtocolError("the server sent a line without end");
     if (hasPassed(deadline)) return std::nullopt;
     // A program that the server started may hold its pipes open, so that they do not show its end.
     // The last look is for what the server may have said just before it ended.
@@ -115,27 +174,26 @@ void ServerProcess::readErrors() {
 
 void ServerProcess::reportEnd() {
   child.input.close();
-  if (!waitForEnd(exitPatience)) {
+  if (!waitForEnd(exitTimeout)) {
     throw ServerEnded("the server closed its standard output without ending");
   }
   throw ServerEnded("the server " + child.ending());
 }
 
 void ServerProcess::close() {
-  const milliseconds patience =
-      interruption.happened() ? exitPatienceWhenInterrupted : exitPatience;
+  const milliseconds timeout = interruption.happened() ? exitTimeoutWhenInterrupted : exitTimeout;
   child.input.close();
   for (const int signal : {0, SIGTERM, SIGKILL}) {
     if (signal != 0) child.signal(signal);
-    if (waitForEnd(patience)) break;
+    if (waitForEnd(timeout)) break;
   }
   log.finish();
 }
 
 /// Keeps reading, so that a server with more to say is not held up by a full pipe. Its messages
 /// interest nobody any more.
-bool ServerProcess::waitForEnd(milliseconds patience) {
-  const Deadline deadline = after(patience);
+bool ServerProcess::waitForEnd(milliseconds timeout) {
+  const Deadline deadline = after(timeout);
   while (!child.hasEnded()) {
     if (hasPassed(deadline)) return false;
     std::array<pollfd, 2> files{{{child.output.get(), POLLIN, 0}, {child.errors.get(), POLLIN, 0}}};
@@ -149,4 +207,4 @@ bool ServerProcess::waitForEnd(milliseconds patience) {
   return true;
 }
 
-}  // namespace corvane
+}  // namespace corvane::ctl

@@ -1,10 +1,10 @@
-#include "corvanectl/system/ExecutablePath.h"
+#include "corvanectl/system/ChildProcess.h"
 
-namespace corvane {
+namespace corvane::ctl {
 
 std::filesystem::path executablePath() {
   std::error_code unknown;
   return std::filesystem::read_symlink("/proc/self/exe", unknown);
 }
 
-}  // namespace corvane
+}  // namespace corvane::ctl

@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <string>
 
-#include "corvanectl/system/ExecutablePath.h"
+#include "corvanectl/system/ChildProcess.h"
 
-namespace corvane {
+namespace corvane::ctl {
 
 std::filesystem::path executablePath() {
   std::uint32_t size = 0;
@@ -16,4 +16,4 @@ std::filesystem::path executablePath() {
   return std::filesystem::canonical(path.c_str(), unknown);
 }
 
-}  // namespace corvane
+}  // namespace corvane::ctl

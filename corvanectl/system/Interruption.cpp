@@ -7,9 +7,9 @@
 #include <system_error>
 #include <vector>
 
-#include "corvanectl/system/Pipe.h"
+#include "corvanectl/system/ChildProcess.h"
 
-namespace corvane {
+namespace corvane::ctl {
 
 namespace {
 
@@ -82,4 +82,4 @@ bool Interruption::wait(std::span<pollfd> files, Deadline deadline) {
   }
 }
 
-}  // namespace corvane
+}  // namespace corvane::ctl

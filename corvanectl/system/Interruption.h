@@ -4,12 +4,28 @@
 #include <signal.h>
 
 #include <array>
+#include <chrono>
 #include <span>
 
 #include "CorvaneCore/files/Files.h"
-#include "corvanectl/system/Deadline.h"
 
-namespace corvane {
+namespace corvane::ctl {
+
+/// The moment at which a wait gives up.
+using Deadline = std::chrono::steady_clock::time_point;
+using Seconds = std::chrono::duration<double>;
+
+inline constexpr Deadline never = Deadline::max();
+
+/// The moment `time` from now. `time` is at most some years.
+[[nodiscard]] inline Deadline after(Seconds time) {
+  return std::chrono::steady_clock::now() +
+         std::chrono::duration_cast<std::chrono::steady_clock::duration>(time);
+}
+
+[[nodiscard]] inline bool hasPassed(Deadline deadline) {
+  return std::chrono::steady_clock::now() >= deadline;
+}
 
 /// The user or the system asked the program to end. Not a failure, and so no std::exception.
 struct Interrupted {
@@ -45,4 +61,4 @@ class Interruption {
   bool interrupted = false;
 };
 
-}  // namespace corvane
+}  // namespace corvane::ctl

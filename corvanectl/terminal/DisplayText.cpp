@@ -8,7 +8,7 @@
 
 #include "CorvaneCore/text/Unicode.h"
 
-namespace corvane {
+namespace corvane::ctl {
 
 namespace {
 
@@ -30,6 +30,18 @@ std::size_t widestColumns(std::string_view text) {
   std::size_t columns = 0;
   for (const char c : text) columns += continuesCharacter(c) ? 0 : widestColumns(c);
   return columns;
+}
+
+bool isSmallLetter(char c) {
+  return c >= 'a' && c <= 'z';
+}
+
+/// Whether the punctuation before `rest` ends a sentence; that of "e.g. this" does not.
+bool beginsNewSentence(std::string_view rest) {
+  if (rest.empty()) return true;
+  if (!isBlank(rest.front())) return false;
+  while (!rest.empty() && isBlank(rest.front())) rest.remove_prefix(1);
+  return rest.empty() || !isSmallLetter(rest.front());
 }
 
 }  // namespace
@@ -97,4 +109,13 @@ std::string displaySeconds(double seconds) {
   return std::to_string(whole / 60) + " min " + std::to_string(whole % 60) + " s";
 }
 
-}  // namespace corvane
+std::string_view firstSentence(std::string_view text) {
+  text = text.substr(0, text.find("\n\n"));
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool stop = text[i] == '.' || text[i] == '!' || text[i] == '?';
+    if (stop && beginsNewSentence(text.substr(i + 1))) return text.substr(0, i + 1);
+  }
+  return text;
+}
+
+}  // namespace corvane::ctl

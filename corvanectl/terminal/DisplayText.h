@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace corvane {
+namespace corvane::ctl {
 
 /// Foreign text as one line that is safe to show: white space runs become one blank, other control
 /// characters are spelled out, bytes that are not UTF-8 are replaced.
@@ -23,4 +23,8 @@ namespace corvane {
 /// A length of time for people: "0.4 s", "12 s", "2 min 5 s".
 [[nodiscard]] std::string displaySeconds(double seconds);
 
-}  // namespace corvane
+/// The first sentence of `text`: up to a full stop, question or exclamation mark that is followed
+/// by the end or by white space and no small letter, or up to an empty line.
+[[nodiscard]] std::string_view firstSentence(std::string_view text);
+
+}  // namespace corvane::ctl

@@ -4,8 +4,10 @@
 
 #include <vector>
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
+
+using namespace ctl;
 
 std::variant<Invocation, CommandLineReply> parse(std::vector<const char*> words) {
   words.insert(words.begin(), "corvanectl");
@@ -146,11 +148,11 @@ TEST(CommandLine, RefusesWhatMakesNoSense) {
   for (const auto& words : wrong) {
     const auto parsed = parse(words);
     const auto* refused = std::get_if<CommandLineReply>(&parsed);
-    ASSERT_TRUE(refused) << testing::PrintToString(words);
+    ASSERT_TRUE(refused) << ::testing::PrintToString(words);
     EXPECT_EQ(refused->status, ExitStatus::usage) << refused->text;
     EXPECT_TRUE(refused->text.starts_with("corvanectl: ")) << refused->text;
   }
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
+
+using namespace ctl;
 
 TEST(OneLine, JoinsLinesAndBlanks) {
   EXPECT_EQ(oneLine("  a\r\n\tb   c\n"), "a b c");
@@ -52,5 +54,21 @@ TEST(DisplaySeconds, FitsTheSize) {
   EXPECT_EQ(displaySeconds(-1), "0 s");
 }
 
+TEST(FirstSentence, EndsAtTheFirstStop) {
+  EXPECT_EQ(firstSentence("Run tests now. Then wait."), "Run tests now.");
+  EXPECT_EQ(firstSentence("Ready?\nThen go."), "Ready?");
+  EXPECT_EQ(firstSentence("Only one."), "Only one.");
+}
+
+TEST(FirstSentence, IsNotFooledByStopsInside) {
+  EXPECT_EQ(firstSentence("Wait (e.g. for 1.5 s) in x.json. Next."),
+            "Wait (e.g. for 1.5 s) in x.json.");
+}
+
+TEST(FirstSentence, EndsAtAnEmptyLine) {
+  EXPECT_EQ(firstSentence("A heading\n\nAnd more."), "A heading");
+  EXPECT_EQ(firstSentence(""), "");
+}
+
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

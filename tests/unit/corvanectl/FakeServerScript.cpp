@@ -8,7 +8,7 @@
 
 #include "CorvaneCore/json/JsonWriter.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 FakeServerScript::FakeServerScript(const std::vector<std::string>& lines) {
   std::ofstream script(directory.path() / "script");
@@ -56,4 +56,4 @@ std::vector<std::string> finishedResult(std::string_view status, std::string_vie
           textResult("status: " + std::string(status) + " (terminal)\n\n" + std::string(json))};
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

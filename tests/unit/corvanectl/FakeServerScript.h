@@ -1,12 +1,35 @@
 #pragma once
 
+#include <stdlib.h>
+
+#include <filesystem>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "TemporaryDirectory.h"
+namespace corvane::testing {
 
-namespace corvane {
+/// A fresh folder that is gone, with all it holds, at the end of the object's life.
+class TemporaryDirectory {
+ public:
+  TemporaryDirectory() {
+    std::string pattern = std::filesystem::temp_directory_path() / "corvanectl-test-XXXXXX";
+    if (!::mkdtemp(pattern.data())) throw std::runtime_error("no temporary folder");
+    folder = pattern;
+  }
+  TemporaryDirectory(const TemporaryDirectory&) = delete;
+  TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
+  ~TemporaryDirectory() {
+    std::error_code ignored;
+    std::filesystem::remove_all(folder, ignored);
+  }
+
+  [[nodiscard]] const std::filesystem::path& path() const { return folder; }
+
+ private:
+  std::filesystem::path folder;
+};
 
 /// What the fake server will do when the next client under test starts it. One object at a time.
 class FakeServerScript {
@@ -38,4 +61,4 @@ class FakeServerScript {
 [[nodiscard]] std::vector<std::string> finishedResult(std::string_view status,
                                                       std::string_view json);
 
-}  // namespace corvane
+}  // namespace corvane::testing

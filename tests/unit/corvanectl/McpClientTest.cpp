@@ -2,14 +2,15 @@
 
 #include <gtest/gtest.h>
 
-#include "CorvaneCore/json/JsonWriter.h"
+#include "CorvaneCore/json/JsonReader.h"
 #include "FakeServerScript.h"
-#include "corvanectl/protocol/ProtocolError.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
-constexpr Seconds amplePatience{30};
+using namespace ctl;
+
+constexpr Seconds ampleTimeout{30};
 
 /// A client and the fake server it talks to.
 class Conversation {
@@ -19,12 +20,12 @@ class Conversation {
         server(FakeServerScript::program(), log, interruption),
         client(server, [this](std::string_view text) { warnings.emplace_back(text); }) {}
 
-  AnyCodable list() { return client.request("tools/list", {}, after(amplePatience)); }
+  AnyCodable list() { return client.request("tools/list", {}, after(ampleTimeout)); }
 
   template <class Error>
-  std::string listError(Seconds patience = amplePatience) {
+  std::string listError(Seconds timeout = ampleTimeout) {
     try {
-      (void)client.request("tools/list", {}, after(patience));
+      (void)client.request("tools/list", {}, after(timeout));
     } catch (const Error& error) {
       return error.what();
     }
@@ -41,7 +42,7 @@ class Conversation {
 
 TEST(McpClient, GreetsTheServer) {
   Conversation talk(greeted({"expect tools/list", "result {}"}));
-  talk.client.initialize(after(amplePatience));
+  talk.client.initialize(after(ampleTimeout));
   EXPECT_EQ(talk.list(), AnyCodable(AnyCodable::Object()));
   const std::vector<std::string> expected{
       R"({"id":1,"jsonrpc":"2.0","method":"initialize","params":{"capabilities":{},)"
@@ -53,13 +54,13 @@ TEST(McpClient, GreetsTheServer) {
 
 TEST(McpClient, RefusesAGreetingWithoutVersion) {
   Conversation talk({"expect initialize", "result {}"});
-  EXPECT_THROW(talk.client.initialize(after(amplePatience)), ProtocolError);
+  EXPECT_THROW(talk.client.initialize(after(ampleTimeout)), ProtocolError);
 }
 
 TEST(McpClient, SendsArgumentsOnlyWhenThereAreAny) {
   Conversation talk({"expect tools/call", "result 1", "expect tools/call", "result 2"});
-  EXPECT_EQ(talk.client.callTool("a", std::nullopt, after(amplePatience)), AnyCodable(1));
-  EXPECT_EQ(talk.client.callTool("a", AnyCodable::Object(), after(amplePatience)), AnyCodable(2));
+  EXPECT_EQ(talk.client.callTool("a", std::nullopt, after(ampleTimeout)), AnyCodable(1));
+  EXPECT_EQ(talk.client.callTool("a", AnyCodable::Object(), after(ampleTimeout)), AnyCodable(2));
   const std::vector<std::string> expected{
       R"({"id":1,"jsonrpc":"2.0","method":"tools/call","params":{"name":"a"}})",
       R"({"id":2,"jsonrpc":"2.0","method":"tools/call","params":{"arguments":{},"name":"a"}})"};
@@ -106,7 +107,7 @@ TEST(McpClient, HandsOnTheProgressOfItsCallOnly) {
                      notification + R"({"progressToken":1,"progress":1}})", "progress two",
                      "result null"});
   std::vector<std::string> messages;
-  EXPECT_EQ(talk.client.callTool("a", std::nullopt, after(amplePatience),
+  EXPECT_EQ(talk.client.callTool("a", std::nullopt, after(ampleTimeout),
                                  [&](std::string_view text) { messages.emplace_back(text); }),
             AnyCodable());
   EXPECT_EQ(messages, (std::vector<std::string>{"one", "two"}));
@@ -142,5 +143,46 @@ TEST(McpClient, AnswersAfterALateAnswer) {
   EXPECT_EQ(talk.list(), AnyCodable("second"));
 }
 
+ToolResult toolResult(std::string_view json) {
+  return ToolResult::from(readJson(json));
+}
+
+TEST(ToolResult, ReadsEveryKindOfBlock) {
+  const auto result = toolResult(
+      R"({"content":[{"type":"text","text":"a"},{"type":"image","data":"Zg==","mimeType":"image/png"},)"
+      R"({"type":"audio","data":"x"}],"isError":true})");
+  ASSERT_EQ(result.content.size(), 3U);
+  EXPECT_EQ(std::get<ToolResult::Text>(result.content[0]).text, "a");
+  const auto& image = std::get<ToolResult::Image>(result.content[1]);
+  EXPECT_EQ(image.data, "Zg==");
+  EXPECT_EQ(image.mimeType, "image/png");
+  EXPECT_EQ(std::get<ToolResult::Other>(result.content[2]).type, "audio");
+  EXPECT_TRUE(result.isError);
+  EXPECT_EQ(result.firstText(), "a");
+}
+
+TEST(ToolResult, NeedsNoErrorFlagAndNoBlocks) {
+  const auto result = toolResult(R"({"content":[]})");
+  EXPECT_FALSE(result.isError);
+  EXPECT_EQ(result.firstText(), "");
+}
+
+TEST(ToolResult, RefusesOtherForms) {
+  for (const char* json :
+       {"null", "{}", R"({"content":{}})", R"({"content":["x"]})", R"({"content":[{"text":"x"}]})",
+        R"({"content":[{"type":"text"}]})", R"({"content":[{"type":"image","data":"x"}]})"}) {
+    EXPECT_THROW((void)toolResult(json), ProtocolError) << json;
+  }
+}
+
+TEST(ToolResult, NamesWhatABlockLacks) {
+  try {
+    (void)toolResult(R"({"content":[{"type":"image","data":"x"}]})");
+    ADD_FAILURE() << "not refused";
+  } catch (const ProtocolError& error) {
+    EXPECT_STREQ(error.what(), "a block of the tool's answer has no text under 'mimeType'");
+  }
+}
+
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -10,7 +10,7 @@
 #include "FakeServerScript.h"
 #include "ProgramRun.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 const std::string listedTools =
@@ -222,4 +222,4 @@ TEST(Program, WorksWithClosedStandardStreams) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

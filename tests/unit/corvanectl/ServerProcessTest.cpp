@@ -5,22 +5,132 @@
 
 #include "CorvaneCore/files/Files.h"
 #include "FakeServerScript.h"
-#include "corvanectl/protocol/ProtocolError.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
-constexpr Seconds amplePatience{30};
-constexpr Seconds littlePatience{0.05};
+using namespace ctl;
 
-class ServerProcessTest : public testing::Test {
+class ServerLocationTest : public ::testing::Test {
+ protected:
+  std::filesystem::path addProgram(const std::string& folder) {
+    const auto path = directory.path() / folder / "corvane-mcp";
+    writeFileWhole(path, "");
+    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+    return path;
+  }
+  [[nodiscard]] std::string folder(const std::string& name) const {
+    return directory.path() / name;
+  }
+  [[nodiscard]] std::filesystem::path own() const {
+    return directory.path() / "bin" / "corvanectl";
+  }
+
+  TemporaryDirectory directory;
+};
+
+TEST_F(ServerLocationTest, PrefersTheGivenPath) {
+  addProgram("bin");
+  EXPECT_EQ(locateServer("given", own(), folder("bin")), "given");
+}
+
+TEST_F(ServerLocationTest, ThenTheOneBesideThisProgram) {
+  const auto beside = addProgram("bin");
+  addProgram("other");
+  EXPECT_EQ(locateServer(std::nullopt, own(), folder("other")), beside);
+}
+
+TEST_F(ServerLocationTest, ThenTheFirstOnTheSearchPath) {
+  const auto found = addProgram("second");
+  addProgram("third");
+  std::filesystem::create_directories(directory.path() / "folder" / "corvane-mcp");
+  writeFileWhole(directory.path() / "plain" / "corvane-mcp", "no program");
+  const std::string path = "::" + folder("missing") + ":" + folder("folder") + ":" +
+                           folder("plain") + ":" + folder("second") + ":" + folder("third");
+  EXPECT_EQ(locateServer(std::nullopt, own(), path), found);
+  EXPECT_EQ(locateServer(std::nullopt, {}, path), found);
+}
+
+TEST_F(ServerLocationTest, FailsWithoutAny) {
+  EXPECT_THROW((void)locateServer(std::nullopt, own(), ""), ProtocolError);
+  EXPECT_THROW((void)locateServer(std::nullopt, {}, folder("missing")), ProtocolError);
+}
+
+TEST(LineBuffer, GivesWholeLinesInOrder) {
+  LineBuffer buffer;
+  buffer.append("one\ntw");
+  EXPECT_EQ(buffer.takeLine(), "one");
+  EXPECT_EQ(buffer.takeLine(), std::nullopt);
+  buffer.append("o\n\nthree");
+  EXPECT_EQ(buffer.takeLine(), "two");
+  EXPECT_EQ(buffer.takeLine(), "");
+  EXPECT_EQ(buffer.takeLine(), std::nullopt);
+  EXPECT_EQ(buffer.size(), 5U);
+}
+
+TEST(LineBuffer, KeepsItsPlaceHoweverTheBytesArrive) {
+  std::string text;
+  for (int i = 0; i < 500; ++i) text += std::string(static_cast<std::size_t>(i % 7), 'x') + "\n";
+  LineBuffer buffer;
+  int lines = 0;
+  for (const char c : text) {
+    buffer.append(std::string(1, c));
+    while (const auto line = buffer.takeLine()) {
+      ASSERT_EQ(line->size(), static_cast<std::size_t>(lines % 7));
+      ++lines;
+    }
+  }
+  EXPECT_EQ(lines, 500);
+  EXPECT_EQ(buffer.size(), 0U);
+}
+
+TEST(LineBuffer, GivesTheRestOnceItIsAskedFor) {
+  LineBuffer buffer;
+  buffer.append("one\nrest");
+  EXPECT_EQ(buffer.takeLine(), "one");
+  EXPECT_EQ(buffer.takeRest(), "rest");
+  EXPECT_EQ(buffer.takeRest(), std::nullopt);
+  buffer.append("more\n");
+  EXPECT_EQ(buffer.takeLine(), "more");
+}
+
+TEST(ServerLog, KeepsTheLastLines) {
+  ServerLog log;
+  for (int i = 0; i < 25; ++i) log.append("line " + std::to_string(i) + "\n");
+  log.append("unfinished");
+  log.finish();
+  ASSERT_EQ(log.lastLines().size(), ServerLog::linesKept);
+  EXPECT_EQ(log.lastLines().front(), "line 16");
+  EXPECT_EQ(log.lastLines().back(), "unfinished");
+}
+
+TEST(ServerLog, ForwardsEachLineWhole) {
+  std::vector<std::string> forwarded;
+  ServerLog log([&](std::string_view line) { forwarded.emplace_back(line); });
+  log.append("on");
+  log.append("e\ntwo\n");
+  EXPECT_EQ(forwarded, (std::vector<std::string>{"one", "two"}));
+}
+
+TEST(ServerLog, DoesNotCollectALineWithoutEnd) {
+  std::size_t forwarded = 0;
+  ServerLog log([&](std::string_view line) { forwarded += line.size(); });
+  for (int i = 0; i < 1000; ++i) log.append(std::string(1000, 'x'));
+  EXPECT_GT(forwarded, 900'000U);
+  EXPECT_LT(log.lastLines().back().size(), 1000U);
+}
+
+constexpr Seconds ampleTimeout{30};
+constexpr Seconds shortTimeout{0.05};
+
+class ServerProcessTest : public ::testing::Test {
  protected:
   /// What readLine throws once the server of this script has ended.
   std::string endingOf(const std::vector<std::string>& lines) {
     const FakeServerScript script(lines);
     ServerProcess server(FakeServerScript::program(), log, interruption);
     try {
-      while (server.readLine(after(amplePatience))) continue;
+      while (server.readLine(after(ampleTimeout))) continue;
     } catch (const ServerEnded& ended) {
       return ended.what();
     }
@@ -43,9 +153,9 @@ TEST_F(ServerProcessTest, CarriesLinesBothWays) {
   ServerProcess echo("/bin/cat", log, interruption);
   echo.send("one");
   echo.send("two");
-  EXPECT_EQ(echo.readLine(after(amplePatience)), "one");
-  EXPECT_EQ(echo.readLine(after(amplePatience)), "two");
-  EXPECT_EQ(echo.readLine(after(littlePatience)), std::nullopt);
+  EXPECT_EQ(echo.readLine(after(ampleTimeout)), "one");
+  EXPECT_EQ(echo.readLine(after(ampleTimeout)), "two");
+  EXPECT_EQ(echo.readLine(after(shortTimeout)), std::nullopt);
 }
 
 TEST_F(ServerProcessTest, CarriesTensOfMegabytesBothWaysAtOnce) {
@@ -53,7 +163,7 @@ TEST_F(ServerProcessTest, CarriesTensOfMegabytesBothWaysAtOnce) {
   line.append(30'000'000, 'x');
   ServerProcess echo("/bin/cat", log, interruption);
   echo.send(line);
-  const auto echoed = echo.readLine(after(amplePatience));
+  const auto echoed = echo.readLine(after(ampleTimeout));
   ASSERT_TRUE(echoed);
   EXPECT_TRUE(*echoed == line);
 }
@@ -63,7 +173,7 @@ TEST_F(ServerProcessTest, IsNotHeldUpByAFullErrorPipe) {
   lines.emplace_back("say done");
   const FakeServerScript script(lines);
   ServerProcess server(FakeServerScript::program(), log, interruption);
-  EXPECT_EQ(server.readLine(after(amplePatience)), "done");
+  EXPECT_EQ(server.readLine(after(ampleTimeout)), "done");
 }
 
 TEST_F(ServerProcessTest, ReportsHowTheServerEnded) {
@@ -82,7 +192,7 @@ TEST_F(ServerProcessTest, NoticesClosedOutputOfALivingServer) {
 TEST_F(ServerProcessTest, NoticesTheEndWhenAnotherProgramHoldsThePipes) {
   ServerProcess server(shellProgram("sleep 50 & echo $! >&2; exit 5"), log, interruption);
   try {
-    (void)server.readLine(after(amplePatience));
+    (void)server.readLine(after(ampleTimeout));
     ADD_FAILURE() << "not noticed";
   } catch (const ServerEnded& ended) {
     EXPECT_STREQ(ended.what(), "the server ended with exit status 5");
@@ -92,9 +202,9 @@ TEST_F(ServerProcessTest, NoticesTheEndWhenAnotherProgramHoldsThePipes) {
 
 TEST_F(ServerProcessTest, SurvivesAServerThatReadsNothing) {
   ServerProcess server(shellProgram("exec 0<&-; echo ready; sleep 0.2; exit 4"), log, interruption);
-  EXPECT_EQ(server.readLine(after(amplePatience)), "ready");
+  EXPECT_EQ(server.readLine(after(ampleTimeout)), "ready");
   server.send(std::string(1'000'000, 'x'));
-  EXPECT_THROW((void)server.readLine(after(amplePatience)), ServerEnded);
+  EXPECT_THROW((void)server.readLine(after(ampleTimeout)), ServerEnded);
 }
 
 TEST_F(ServerProcessTest, ReportsAProgramThatCannotBeStarted) {
@@ -109,7 +219,7 @@ TEST_F(ServerProcessTest, LeavesNoServerBehind) {
       ServerProcess server(FakeServerScript::program(), log, interruption);
       server.send("{}");
       if (!lines.empty() && lines.front() == "ignoreTerm") {
-        EXPECT_EQ(server.readLine(after(amplePatience)), "ready");
+        EXPECT_EQ(server.readLine(after(ampleTimeout)), "ready");
       }
     }
     EXPECT_TRUE(script.serverIsGone());
@@ -123,7 +233,7 @@ TEST_F(ServerProcessTest, LeavesNoServerBehindWhenTheLogCannotBeShown) {
     ServerProcess server(shellProgram("echo $$ >" + idFile.string() +
                                       "; echo ready; read line; echo bye >&2; exec sleep 20"),
                          broken, interruption);
-    EXPECT_EQ(server.readLine(after(amplePatience)), "ready");
+    EXPECT_EQ(server.readLine(after(ampleTimeout)), "ready");
   }
   EXPECT_NE(::kill(std::stoi(readFile(idFile)), 0), 0);
 }
@@ -132,7 +242,7 @@ TEST_F(ServerProcessTest, StopsWaitingAtASignal) {
   ServerProcess echo("/bin/cat", log, interruption);
   ::raise(SIGINT);
   try {
-    (void)echo.readLine(after(amplePatience));
+    (void)echo.readLine(after(ampleTimeout));
     FAIL() << "not interrupted";
   } catch (const Interrupted& interrupted) {
     EXPECT_EQ(interrupted.signal, SIGINT);
@@ -141,4 +251,4 @@ TEST_F(ServerProcessTest, StopsWaitingAtASignal) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -1,13 +1,14 @@
-#include "corvanectl/results/ResultSummary.h"
+#include "corvanectl/results/RequestResult.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
 
 #include "CorvaneCore/json/AnyCodable.h"
+#include "CorvaneCore/results/AgentRunResult.h"
 #include "corvanectl/terminal/DisplayText.h"
 
-namespace corvane {
+namespace corvane::ctl {
 
 namespace {
 
@@ -106,8 +107,6 @@ std::string credits(const AgentRunResult& result) {
   return text + "\n";
 }
 
-}  // namespace
-
 std::string summarize(const AgentRunResult& result) {
   std::string text = headline(result);
   if (result.message) text += oneLine(*result.message) + "\n";
@@ -127,12 +126,31 @@ std::string summarize(const AgentRunResult& result) {
   return text;
 }
 
-std::string summarizeResult(const std::string& json, std::string_view status) {
-  try {
-    return summarize(AgentWire::decode<AgentRunResult>(json));
-  } catch (const DecodeError&) {
-    return std::string(status) + "\n" + json + "\n";
+}  // namespace
+
+ExitStatus exitStatusOf(std::string_view status) {
+  switch (fromRawValue<RunStatus>(status).value_or(RunStatus::error)) {
+    case RunStatus::passed:
+    case RunStatus::imported:
+    case RunStatus::authored:
+    case RunStatus::extracted:
+    case RunStatus::deleted:
+      return ExitStatus::success;
+    case RunStatus::failed:
+    case RunStatus::buildFailed:
+    case RunStatus::importFailed:
+      return ExitStatus::failure;
+    default:
+      return ExitStatus::otherOutcome;
   }
 }
 
-}  // namespace corvane
+std::string summarizeResult(std::string_view json, std::string_view status) {
+  try {
+    return summarize(AgentWire::decode<AgentRunResult>(json));
+  } catch (const DecodeError&) {
+    return std::string(status).append("\n").append(json).append("\n");
+  }
+}
+
+}  // namespace corvane::ctl

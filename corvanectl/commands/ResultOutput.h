@@ -1,0 +1,50 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "corvanectl/ExitStatus.h"
+#include "corvanectl/protocol/McpClient.h"
+#include "corvanectl/terminal/Console.h"
+#include "corvanectl/terminal/PictureViewer.h"
+
+namespace corvane::ctl {
+
+/// Turns the blocks of a tool's answers into output, and decides what becomes of their pictures.
+class ResultOutput {
+ public:
+  /// With a directory, pictures are saved there as <tool>-<n> with the suffix of their kind, n
+  /// counting from 1 and passing over files that exist. With a `viewer` they are shown, too, where
+  /// it has a screen. Both `console` and `viewer` outlive this.
+  ResultOutput(Console& console, std::string_view tool,
+               std::optional<std::filesystem::path> directory, PictureViewer* viewer);
+
+  /// Prints a tool's answer: texts exactly as they are, with a line feed between two blocks. On a
+  /// terminal the output ends with a line feed in any case. Throws as `append` does.
+  void print(const ToolResult& result);
+
+  /// Appends what stands for a block to `text`, without a line feed at its end. For a picture that
+  /// is the path it was saved to, or its kind and size. A picture that is shown comes above that;
+  /// for it to be in its place, `text`, whole lines, is printed first and emptied. Throws FileError
+  /// when it cannot be saved, Interrupted, and what Console throws.
+  void append(const ToolResult::Block& block, std::string& text);
+
+ private:
+  void appendPicture(const ToolResult::Image& image, std::string& text);
+  [[nodiscard]] std::filesystem::path nextFile(std::string_view suffix);
+
+  Console& console;
+  std::string tool;
+  std::optional<std::filesystem::path> directory;
+  PictureViewer* viewer;
+  int lastNumber = 0;
+};
+
+/// Whether the tool itself reported an error.
+[[nodiscard]] inline ExitStatus exitStatusOf(const ToolResult& result) {
+  return result.isError ? ExitStatus::failure : ExitStatus::success;
+}
+
+}  // namespace corvane::ctl
