@@ -13,7 +13,7 @@
 #include "CorvaneCore/workspace/AgentContext.h"
 #include "tests/support/TestFiles.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 /// The document's section of this title, up to the next one.
@@ -89,4 +89,4 @@ TEST(FilesDocumentTest, DescribesWhatTheAppPublishes) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

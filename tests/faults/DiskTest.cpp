@@ -6,7 +6,7 @@
 
 #include "tests/faults/FaultTest.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 namespace fs = std::filesystem;
@@ -117,4 +117,4 @@ TEST_F(DiskTest, MayHoldFilesWhereFoldersAreExpected) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

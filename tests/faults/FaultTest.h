@@ -12,7 +12,7 @@
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/TestFiles.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 /// A sanitizer's own bookkeeping takes memory, so how much a program uses tells nothing then.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -28,7 +28,7 @@ inline constexpr bool memoryIsMeasurable = true;
 #endif
 
 /// Bad input and bad luck for the real server, in a private home.
-class FaultTest : public testing::Test {
+class FaultTest : public ::testing::Test {
  protected:
   [[nodiscard]] ServerProcess::Setup setup() const { return {CORVANE_MCP_PROGRAM, home.path()}; }
 
@@ -76,4 +76,4 @@ class FaultTest : public testing::Test {
   const AgentPaths paths = home.paths();
 };
 
-}  // namespace corvane
+}  // namespace corvane::testing

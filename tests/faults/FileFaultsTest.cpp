@@ -11,7 +11,7 @@
 #include "CorvaneCore/workspace/AgentContext.h"
 #include "tests/faults/FaultTest.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 namespace fs = std::filesystem;
@@ -245,4 +245,4 @@ TEST_F(FileFaultsTest, AServerThatIsKilledLeavesWholeFilesOnly) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -2,7 +2,7 @@
 
 #include "tests/faults/FaultTest.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 constexpr std::size_t huge = std::size_t{32} << 20;
@@ -95,4 +95,4 @@ TEST_F(HugeMessagesTest, AreRefusedWhenTheyDoNotClose) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

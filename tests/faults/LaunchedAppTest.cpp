@@ -7,7 +7,7 @@
 #include "tests/support/ProcessFacts.h"
 #include "tests/support/TemporaryApp.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 namespace fs = std::filesystem;
@@ -66,4 +66,4 @@ TEST_F(LaunchedAppTest, IsTheOneAroundTheServer) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

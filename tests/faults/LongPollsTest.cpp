@@ -4,7 +4,7 @@
 #include "tests/faults/FaultTest.h"
 #include "tests/support/ProcessFacts.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 class LongPollsTest : public FaultTest {};
@@ -54,4 +54,4 @@ TEST_F(LongPollsTest, AreFinishedWhenTheInputEnds) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -9,7 +9,7 @@
 #include "corvane_mcp/protocol/JsonRpc.h"
 #include "tests/faults/FaultTest.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -139,4 +139,4 @@ TEST_F(MutatedRequestsTest, AreAnsweredOnceEach) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

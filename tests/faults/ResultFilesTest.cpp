@@ -6,7 +6,7 @@
 
 #include "tests/faults/FaultTest.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 const std::string id = "0a1b2c3d-0000-4000-8000-00000000abcd";
@@ -74,4 +74,4 @@ TEST_F(ResultFilesTest, MayBeCutAndWrittenOverWhileTheyAreRead) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -14,7 +14,7 @@
 #include "tests/faults/FaultTest.h"
 #include "tests/support/Pipe.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -217,4 +217,4 @@ TEST_F(StreamsTest, SignalsKeepTheirMeaningExceptForBrokenPipes) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

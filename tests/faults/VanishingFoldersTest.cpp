@@ -1,6 +1,6 @@
 #include "tests/faults/FaultTest.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 namespace fs = std::filesystem;
@@ -56,4 +56,4 @@ TEST_F(VanishingFoldersTest, MayVanishWhileAResultIsAwaited) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -115,8 +115,8 @@ class Agent {
 
   /** The terminal status of a request; asks other things meanwhile. */
   async end(requestId) {
-    const patience = Date.now() + 120_000;
-    while (Date.now() < patience) {
+    const timeout = Date.now() + 120_000;
+    while (Date.now() < timeout) {
       const [text] = await Promise.all([
         this.conversation.call('get_result', { requestId, waitSeconds: 1 + Math.floor(this.random() * 4) }),
         this.pick(this.questions)(),

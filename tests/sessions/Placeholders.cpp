@@ -7,7 +7,7 @@
 
 #include "CorvaneCore/text/Uuid.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 namespace {
 
@@ -120,4 +120,4 @@ std::optional<std::string> Placeholders::find(std::string_view name, std::string
   failUnknown(name);
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

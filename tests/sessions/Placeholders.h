@@ -8,7 +8,7 @@
 
 #include "CorvaneCore/json/Date.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 /// What the {{placeholders}} of a script stand for:
 ///   {{home}} and other fixed names  texts that are known from the start
@@ -45,4 +45,4 @@ class Placeholders {
   Date start = currentDate();
 };
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace corvane {
+namespace corvane::testing {
 
 /// A session did not go as its script says. The text begins with the script's file and line.
 class SessionFailure : public std::runtime_error {
@@ -14,4 +14,4 @@ class SessionFailure : public std::runtime_error {
       : std::runtime_error(file.string() + ":" + std::to_string(line) + ": " + problem) {}
 };
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -10,7 +10,7 @@
 #include "tests/support/ProcessFacts.h"
 #include "tests/support/TestFiles.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 namespace {
 
@@ -258,4 +258,4 @@ void SessionPlayer::fail(const std::string& problem) const {
   throw SessionFailure(script.file, lineNumber, problem);
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

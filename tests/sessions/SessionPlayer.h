@@ -13,7 +13,7 @@
 #include "tests/support/TemporaryApp.h"
 #include "tests/support/TemporaryHome.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 /// Plays one script against a fresh server in a private home, and compares.
 class SessionPlayer {
@@ -68,4 +68,4 @@ class SessionPlayer {
   std::size_t logLinesPassed = 0;
 };
 
-}  // namespace corvane
+}  // namespace corvane::testing

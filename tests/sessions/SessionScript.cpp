@@ -7,7 +7,7 @@
 #include "CorvaneCore/json/JsonWriter.h"
 #include "tests/sessions/SessionFailure.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 namespace {
 
@@ -219,4 +219,4 @@ SessionScript SessionScript::read(const std::filesystem::path& file) {
   return Parser(file).run();
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

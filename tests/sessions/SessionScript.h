@@ -8,7 +8,7 @@
 #include <variant>
 #include <vector>
 
-namespace corvane {
+namespace corvane::testing {
 
 /// One conversation with the server as it stands in a .session file; README.md describes the form.
 /// Texts and paths still hold their placeholders.
@@ -90,4 +90,4 @@ struct SessionScript {
   [[nodiscard]] static SessionScript read(const std::filesystem::path& file);
 };
 
-}  // namespace corvane
+}  // namespace corvane::testing

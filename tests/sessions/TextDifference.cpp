@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdio>
 
-namespace corvane {
+namespace corvane::testing {
 
 namespace {
 
@@ -63,4 +63,4 @@ std::string describeDifference(std::string_view expected, std::string_view recei
          "\n            " + std::string(width(before), ' ') + "^ byte " + std::to_string(position);
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -7,7 +7,7 @@
 #include "CorvaneCore/json/JsonReader.h"
 #include "CorvaneCore/json/JsonWriter.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 namespace {
 
@@ -53,4 +53,4 @@ void ToolSnapshots::write(const AnyCodable& reply, const std::filesystem::path& 
   }
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -5,7 +5,7 @@
 
 #include "CorvaneCore/json/AnyCodable.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 /// The tools as clients see them, kept as one file per tool in which a changed word shows up in a
 /// review: indented JSON whose description is an array of lines.
@@ -20,4 +20,4 @@ void write(const AnyCodable& reply, const std::filesystem::path& folder);
 
 }  // namespace ToolSnapshots
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace corvane {
+namespace corvane::testing {
 
 /// The description of the Error that `act` throws; a text that no error has when it throws none.
 /// Any other exception passes through and fails the test.
@@ -16,4 +16,4 @@ template <class Error, class Act>
   return "(nothing was thrown)";
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

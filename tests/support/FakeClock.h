@@ -7,7 +7,7 @@
 
 #include "corvane_mcp/server/Clock.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 /// A clock that a test plays: it stands still until somebody sleeps on it or the test lets time
 /// pass, and then minutes go by at once. Used by one thread.
@@ -53,4 +53,4 @@ class FakeClock final : public Clock {
   AfterSleep afterSleep;
 };
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -6,7 +6,7 @@
 
 #include "CorvaneCore/json/Date.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 /// "LEVEL message" out of a whole line of the log, "[2026-01-31T12:00:00Z] [LEVEL] message";
 /// nothing when the line does not have exactly that form.
@@ -24,4 +24,4 @@ namespace corvane {
   return std::nullopt;
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -12,7 +12,7 @@
 
 #include "CorvaneCore/files/Files.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 /// A fresh pipe.
 struct Pipe {
@@ -68,4 +68,4 @@ inline void writeAll(int descriptor, std::string_view bytes) {
   return text;
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -6,7 +6,7 @@
 #include <fstream>
 #include <sstream>
 
-namespace corvane {
+namespace corvane::testing {
 
 namespace {
 
@@ -92,4 +92,4 @@ std::vector<pid_t> ProcessFacts::withCommandLine(std::string_view text) {
   return found;
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

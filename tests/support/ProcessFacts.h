@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace corvane {
+namespace corvane::testing {
 
 /// What the system tells about a process.
 namespace ProcessFacts {
@@ -29,4 +29,4 @@ namespace ProcessFacts {
 
 }  // namespace ProcessFacts
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -14,12 +14,12 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "tests/support/Patience.h"
 #include "tests/support/Pipe.h"
+#include "tests/support/Timeout.h"
 
 extern char** environ;
 
-namespace corvane {
+namespace corvane::testing {
 
 namespace {
 
@@ -104,7 +104,7 @@ ServerProcess::~ServerProcess() {
 }
 
 void ServerProcess::send(std::string_view bytes) {
-  const auto deadline = std::chrono::steady_clock::now() + patience;
+  const auto deadline = std::chrono::steady_clock::now() + testTimeout;
   while (!bytes.empty()) {
     const ssize_t count = ::write(input.get(), bytes.data(), bytes.size());
     if (count >= 0) {
@@ -148,7 +148,7 @@ void ServerProcess::closeOutput() {
 }
 
 std::optional<std::string> ServerProcess::nextLine() {
-  const auto deadline = std::chrono::steady_clock::now() + patience;
+  const auto deadline = std::chrono::steady_clock::now() + testTimeout;
   std::size_t searched = outputTaken;
   while (true) {
     const std::size_t end = outputText.find('\n', searched);
@@ -182,7 +182,7 @@ std::vector<std::string> ServerProcess::readToEnd() {
 }
 
 std::string ServerProcess::wait() {
-  const auto deadline = std::chrono::steady_clock::now() + patience;
+  const auto deadline = std::chrono::steady_clock::now() + testTimeout;
   while (output.isOpen() || (errorOutput.isOpen() && readsErrors)) {
     takeIn(deadline, "the server ends", false);
   }
@@ -221,4 +221,4 @@ void ServerProcess::readSome(FileDescriptor& from, std::string& into) {
   }
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -12,7 +12,7 @@
 
 #include "CorvaneCore/files/Files.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 /// One server under test, started in a private home, and the far ends of its standard streams.
 /// While it waits for anything it takes in what the server says on both outputs, so that the server
@@ -85,4 +85,4 @@ class ServerProcess {
   std::string errorText;
 };
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -11,12 +11,12 @@
 #include <string>
 #include <system_error>
 
-#include "tests/support/Patience.h"
 #include "tests/support/ProcessFacts.h"
+#include "tests/support/Timeout.h"
 
 extern char** environ;
 
-namespace corvane {
+namespace corvane::testing {
 
 namespace fs = std::filesystem;
 
@@ -66,4 +66,4 @@ void waitUntilNoAppRuns() {
   });
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

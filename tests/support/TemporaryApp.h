@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-namespace corvane {
+namespace corvane::testing {
 
 /// An app bundle whose program runs and does nothing, for one test. Whoever started it, at the end
 /// of this object's life it is gone.
@@ -32,4 +32,4 @@ class TemporaryApp {
 /// Returns when no app runs on this machine, as tests that have just ended may have left one dying.
 void waitUntilNoAppRuns();
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -11,7 +11,7 @@
 
 #include "CorvaneCore/paths/AgentPaths.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 /// A private, empty home folder for one test, removed with everything in it at the end of its life.
 class TemporaryHome {
@@ -53,4 +53,4 @@ class TemporaryHome {
   std::filesystem::path home;
 };
 
-}  // namespace corvane
+}  // namespace corvane::testing

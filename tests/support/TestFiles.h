@@ -15,7 +15,7 @@
 
 #include "CorvaneCore/files/Files.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 /// Files as a test lays them out and looks at them, with plain means of its own.
 namespace TestFiles {
@@ -62,4 +62,4 @@ inline void setModified(const std::filesystem::path& file, FileTime time) {
 
 }  // namespace TestFiles
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -15,11 +15,11 @@
 #include "corvane_mcp/tools/ToolServices.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/LogLines.h"
-#include "tests/support/Patience.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/TestFiles.h"
+#include "tests/support/Timeout.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 /// Runs a task to its end on this thread; what it throws comes out.
 template <class Result>
@@ -102,4 +102,4 @@ inline std::string textOf(const ToolsCallResult& result) {
   return texts.size() == 1 ? texts.front() : "(" + std::to_string(texts.size()) + " blocks)";
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

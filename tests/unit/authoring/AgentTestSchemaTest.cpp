@@ -6,7 +6,7 @@
 #include "tests/unit/authoring/Payloads.h"
 #include "tests/unit/core/RecordRules.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 constexpr const char* fullText =
@@ -189,4 +189,4 @@ TEST(AgentTestSchemaTest, FilesAreReadBack) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

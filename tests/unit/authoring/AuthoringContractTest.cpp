@@ -4,21 +4,21 @@
 
 #include <vector>
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 constexpr const char* noExtra = "(no extra guidance — see create_test.inputSchema)";
 
 /// Whether `parts` occur in `text`, each after the one before it.
-testing::AssertionResult holdsInOrder(const std::string& text,
-                                      const std::vector<std::string>& parts) {
+::testing::AssertionResult holdsInOrder(const std::string& text,
+                                        const std::vector<std::string>& parts) {
   std::size_t from = 0;
   for (const auto& part : parts) {
     const auto at = text.find(part, from);
-    if (at == std::string::npos) return testing::AssertionFailure() << "missing: " << part;
+    if (at == std::string::npos) return ::testing::AssertionFailure() << "missing: " << part;
     from = at + part.size();
   }
-  return testing::AssertionSuccess();
+  return ::testing::AssertionSuccess();
 }
 
 TEST(AuthoringContractTest, HasItsVersion) {
@@ -116,4 +116,4 @@ TEST(AuthoringContractTest, TheWholeTextEndsWithEveryHint) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

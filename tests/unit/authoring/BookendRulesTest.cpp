@@ -2,7 +2,7 @@
 
 #include "tests/unit/authoring/Payloads.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 using Payloads::look;
@@ -111,4 +111,4 @@ TEST(BookendRulesTest, TheTestIsNamed) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

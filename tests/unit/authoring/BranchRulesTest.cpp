@@ -2,7 +2,7 @@
 
 #include "tests/unit/authoring/Payloads.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 /// A sound child of each type but for its condition, which is left to the test.
@@ -190,4 +190,4 @@ TEST(BranchRulesTest, ChildrenAreCheckedOneAfterTheOther) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -2,7 +2,7 @@
 
 #include "tests/unit/authoring/Payloads.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 constexpr const char* commands =
@@ -114,4 +114,4 @@ TEST(BuiltInRulesTest, GoBackInABranchIsForAndroidToo) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

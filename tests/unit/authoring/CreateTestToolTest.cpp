@@ -8,7 +8,7 @@
 #include "tests/support/PrintJson.h"
 #include "tests/support/ToolBench.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 constexpr const char* bookendSteps =
@@ -25,7 +25,7 @@ std::string arguments(const std::string& steps = "", const std::string& more = "
          std::string(bookendSteps) + steps + lastStep + "]" + more + "}";
 }
 
-class CreateTestToolTest : public testing::Test {
+class CreateTestToolTest : public ::testing::Test {
  protected:
   ToolsCallResult call(std::optional<std::string_view> arguments) {
     return bench.call(makeCreateTestTool(bench.services), arguments);
@@ -386,4 +386,4 @@ TEST_F(CreateTestToolTest, EveryPublishedArgumentIsRead) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

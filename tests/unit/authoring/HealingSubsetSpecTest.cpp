@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 constexpr const char* regions =
@@ -55,4 +55,4 @@ TEST(HealingSubsetSpecTest, ListsTheCommandsOfARunningApp) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

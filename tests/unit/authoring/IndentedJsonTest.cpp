@@ -5,7 +5,7 @@
 #include "CorvaneCore/json/JsonReader.h"
 #include "CorvaneCore/json/JsonWriter.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 TEST(IndentedJsonTest, EveryMemberAndElementHasItsLine) {
@@ -55,4 +55,4 @@ TEST(IndentedJsonTest, IndentationHasAnEnd) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -5,7 +5,7 @@
 #include "tests/support/PrintJson.h"
 #include "tests/unit/authoring/Payloads.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 const AnyCodable& at(const AnyCodable& value, const std::vector<std::string>& keys) {
@@ -306,4 +306,4 @@ TEST(InputSchemaTest, EveryTypeIsDescribed) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

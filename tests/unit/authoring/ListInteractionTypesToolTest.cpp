@@ -6,7 +6,7 @@
 #include "CorvaneCore/json/JsonWriter.h"
 #include "tests/support/ToolBench.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 /// The text that the tool answers to these arguments, a JSON text, or to none.
@@ -52,4 +52,4 @@ TEST(ListInteractionTypesToolTest, TheSchemaListsTheTypes) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -2,7 +2,7 @@
 
 #include "tests/unit/authoring/Payloads.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 std::string stepText(const std::string& type, const std::string& parameters) {
@@ -139,4 +139,4 @@ TEST(ParameterRulesTest, PointsLieOnTheScreen) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -4,7 +4,7 @@
 #include "tests/support/TemporaryHome.h"
 #include "tests/unit/authoring/Payloads.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 constexpr const char* id = "0b5f7a0e-9c1d-4e2f-8a3b-abcdef012345";
@@ -127,4 +127,4 @@ TEST(PayloadFileNameTest, TheFileSystemTakesTheLongest) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -9,7 +9,7 @@
 #include "CorvaneCore/json/JsonReader.h"
 #include "CorvaneCore/json/JsonWriter.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 /// Payloads as tests need them: sound ones, into which a test puts the one thing it is about.
 namespace Payloads {
@@ -117,4 +117,4 @@ using IssueLines = std::vector<std::string>;
                      "C");
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

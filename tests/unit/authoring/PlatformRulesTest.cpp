@@ -2,7 +2,7 @@
 
 #include "tests/unit/authoring/Payloads.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 using Payloads::look;
@@ -119,4 +119,4 @@ TEST(PlatformRulesTest, IssuesStandInTheOrderOfTheRules) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

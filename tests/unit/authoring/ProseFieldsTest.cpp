@@ -6,7 +6,7 @@
 #include "CorvaneCore/authoring/AuthoringContract.h"
 #include "CorvaneCore/authoring/InputSchemaBuilder.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 using Names = std::set<std::string>;
@@ -113,4 +113,4 @@ TEST(ProseFieldsTest, OtherNamesAreNoticed) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

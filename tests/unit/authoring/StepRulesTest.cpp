@@ -2,7 +2,7 @@
 
 #include "tests/unit/authoring/Payloads.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 constexpr const char* composition =
@@ -152,4 +152,4 @@ TEST(StepRulesTest, AReuseStepSaysItsRange) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -4,7 +4,7 @@
 
 #include "tests/unit/authoring/Payloads.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 /// A sound step of every type; what it needs beside its parameters, and those.
@@ -123,4 +123,4 @@ TEST(StrayParameterTest, EveryTypeTakesEveryParameterAsItsRulesSay) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

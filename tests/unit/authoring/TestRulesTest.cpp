@@ -2,7 +2,7 @@
 
 #include "tests/unit/authoring/Payloads.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 using Payloads::look;
@@ -157,4 +157,4 @@ TEST(TestRulesTest, IssuesStandInTheOrderOfTheRules) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

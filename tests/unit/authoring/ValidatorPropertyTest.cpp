@@ -5,7 +5,7 @@
 
 #include "tests/unit/authoring/Payloads.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 using Words = std::vector<std::string>;
@@ -155,4 +155,4 @@ TEST(ValidatorPropertyTest, DeepBranchesAreJudgedLikeShallowOnes) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

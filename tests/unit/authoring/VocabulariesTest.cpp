@@ -3,7 +3,7 @@
 #include "CorvaneCore/authoring/InteractionType.h"
 #include "CorvaneCore/authoring/Vocabularies.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 /// Every row parses back to its own value, and nothing but its exact text does.
@@ -112,4 +112,4 @@ TEST(VocabulariesTest, EveryRegionHasItsRectangle) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

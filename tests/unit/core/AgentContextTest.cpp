@@ -7,7 +7,7 @@
 #include "tests/support/TemporaryHome.h"
 #include "tests/unit/core/RecordRules.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 constexpr const char* fullText =
@@ -170,4 +170,4 @@ TEST(AgentContextTest, ReadErrorsAreThrown) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -5,7 +5,7 @@
 #include "CorvaneCore/files/Files.h"
 #include "tests/support/TemporaryHome.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 TEST(AgentPathsTest, NamesEveryFolderAndFile) {
@@ -75,4 +75,4 @@ TEST(AgentPathsTest, EnsureIgnoresThatItCannotCreate) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -7,7 +7,7 @@
 #include "tests/support/TemporaryHome.h"
 #include "tests/unit/core/RecordRules.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 using Target = AgentRunRequest::Target;
@@ -186,4 +186,4 @@ TEST(AgentRunRequestTest, ReadAndWriteErrorsAreThrown) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

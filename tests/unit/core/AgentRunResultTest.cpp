@@ -7,7 +7,7 @@
 #include "tests/support/TemporaryHome.h"
 #include "tests/unit/core/RecordRules.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 constexpr const char* id = "0b5f7a0e-9c1d-4e2f-8a3b-abcdef012345";
@@ -244,4 +244,4 @@ TEST(AgentRunResultTest, WritesAndReadsItsFile) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -2,7 +2,7 @@
 
 #include "CorvaneCore/results/AnswerTexts.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 using AnswerTexts::Standing;
@@ -90,4 +90,4 @@ TEST(AnswerTextsTest, TheRequestIdStandsInItsColumnAndIsReadAgain) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -8,7 +8,7 @@
 #include "CorvaneCore/json/JsonWriter.h"
 #include "tests/support/PrintJson.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 using Array = AnyCodable::Array;
@@ -173,4 +173,4 @@ TEST(AnyCodableTest, AssignsAcrossKinds) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

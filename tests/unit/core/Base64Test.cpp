@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 TEST(Base64Test, PadsToWholeGroups) {
@@ -54,4 +54,4 @@ TEST(Base64Test, CanBeReadBack) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

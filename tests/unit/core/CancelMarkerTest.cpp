@@ -5,7 +5,7 @@
 #include "tests/support/TemporaryHome.h"
 #include "tests/unit/core/RecordRules.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 constexpr const char* fullText =
@@ -33,4 +33,4 @@ TEST(CancelMarkerTest, IsWrittenBesideTheRequests) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -5,7 +5,7 @@
 #include "tests/support/TemporaryHome.h"
 #include "tests/unit/core/RecordRules.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 constexpr const char* fullText =
@@ -42,4 +42,4 @@ TEST(CaptureSessionTest, IsWrittenIntoItsFolder) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -4,7 +4,7 @@
 
 #include <clocale>
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 bool same(std::string_view left, std::string_view right) {
@@ -70,4 +70,4 @@ TEST(CaseFoldingTest, TheLocaleMeansNothing) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

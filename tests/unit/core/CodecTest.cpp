@@ -8,7 +8,7 @@
 #include "CorvaneCore/json/AnyCodable.h"
 #include "tests/support/ErrorText.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 template <class T>
@@ -75,4 +75,4 @@ TEST(CodecTest, WhatIsNoJsonIsADecodeError) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

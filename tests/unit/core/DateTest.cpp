@@ -4,7 +4,7 @@
 
 #include <random>
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 using namespace std::chrono;
@@ -140,4 +140,4 @@ TEST(DateTest, CurrentDateFollowsTheSystemClock) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 TEST(FileErrorTest, SaysWhatFailedWhereAndWhy) {
@@ -24,4 +24,4 @@ TEST(FileErrorTest, DisplayPathIsValidText) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -8,7 +8,7 @@
 #include "tests/support/ErrorText.h"
 #include "tests/support/TemporaryHome.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 namespace fs = std::filesystem;
@@ -135,4 +135,4 @@ TEST(FilesReadTest, ListsVisibleEntriesByName) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -11,7 +11,7 @@
 #include "tests/support/ErrorText.h"
 #include "tests/support/TemporaryHome.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 namespace fs = std::filesystem;
@@ -155,4 +155,4 @@ TEST(FilesWriteTest, AReaderSeesOneVersionOrTheOtherWhole) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

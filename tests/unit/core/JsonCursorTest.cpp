@@ -10,7 +10,7 @@
 #include "CorvaneCore/json/JsonWriter.h"
 #include "tests/support/ErrorText.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 /// Where each member of the object that `text` holds begins and ends when it is skipped.
@@ -96,4 +96,4 @@ TEST(JsonCursorTest, AskingForTheWrongContainerFails) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -8,7 +8,7 @@
 #include "tests/support/ErrorText.h"
 #include "tests/support/PrintJson.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 std::string membersOf(std::string_view text, const std::vector<std::string_view>& names) {
@@ -62,4 +62,4 @@ TEST(JsonMembersTest, ChecksTheWholeText) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -9,7 +9,7 @@
 #include "CorvaneCore/text/Unicode.h"
 #include "tests/support/PrintJson.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 constexpr std::array<std::string_view, 8> seeds{
@@ -135,4 +135,4 @@ TEST(JsonMutationTest, DamagedTextsAreRefusedInOneLineOrReachAFixedPoint) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

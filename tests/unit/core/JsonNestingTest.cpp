@@ -4,7 +4,7 @@
 #include "CorvaneCore/json/JsonReader.h"
 #include "CorvaneCore/json/JsonWriter.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 std::string repeated(std::string_view part, std::size_t count) {
@@ -109,4 +109,4 @@ TEST(JsonNestingTest, MembersAreFoundBesideDeepOnes) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
@@ -163,4 +163,4 @@ TEST(ParseIntegerTest, RefusesEverythingElse) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -6,7 +6,7 @@
 #include "CorvaneCore/json/JsonWriter.h"
 #include "tests/support/PrintJson.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 TEST(JsonObjectTest, KeepsItsKeysSorted) {
@@ -62,4 +62,4 @@ TEST(JsonObjectTest, FindsExactKeysOnly) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -9,7 +9,7 @@
 #include "tests/support/ErrorText.h"
 #include "tests/support/PrintJson.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 std::string rereading(std::string_view text) {
@@ -229,4 +229,4 @@ TEST(JsonReaderTest, ReadsWideValuesWhole) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

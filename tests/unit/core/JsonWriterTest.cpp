@@ -15,7 +15,7 @@
 #include "CorvaneCore/json/JsonScalars.h"
 #include "tests/support/PrintJson.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 using Array = AnyCodable::Array;
@@ -240,4 +240,4 @@ TEST(JsonWriterTest, AnyIntegerReadsBackAsItself) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

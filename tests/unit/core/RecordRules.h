@@ -12,7 +12,7 @@
 #include "CorvaneCore/json/AnyCodable.h"
 #include "tests/support/ErrorText.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 /// How a record takes it that a member is missing or null.
 enum class Presence {
@@ -167,4 +167,4 @@ void expectRecordRules(std::string_view full, const std::vector<PlaceRule>& rule
   }
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

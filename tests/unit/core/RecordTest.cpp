@@ -6,7 +6,7 @@
 #include "CorvaneCore/json/AnyCodable.h"
 #include "tests/support/ErrorText.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 struct Leaf {
@@ -223,4 +223,4 @@ TEST(RecordTest, DeeperRecordsAreRefusedWithoutUsingUpTheStack) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -4,7 +4,7 @@
 
 #include "CorvaneCore/results/AgentRunResult.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 TEST(RunStatusTest, EveryStatusHasItsPlaceAndItsTerminalFlag) {
@@ -38,4 +38,4 @@ TEST(RunStatusTest, OtherTextsNameNoStatus) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -6,7 +6,7 @@
 #include "CorvaneCore/json/AnyCodable.h"
 #include "tests/support/ErrorText.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 enum class ShapeKind { circle, rectangle, nothing };
@@ -62,21 +62,28 @@ struct Order {
 };
 
 }  // namespace
+}  // namespace corvane::testing
+
+namespace corvane {
 
 template <>
-struct Vocabulary<Shape::Kind> {
-  using Row = VocabularyRow<Shape::Kind>;
-  static constexpr std::array rows{Row{Shape::Kind::circle, "circle"},
-                                   Row{Shape::Kind::rectangle, "rectangle"},
-                                   Row{Shape::Kind::nothing, "nothing"}};
+struct Vocabulary<testing::Shape::Kind> {
+  using Row = VocabularyRow<testing::Shape::Kind>;
+  static constexpr std::array rows{Row{testing::Shape::Kind::circle, "circle"},
+                                   Row{testing::Shape::Kind::rectangle, "rectangle"},
+                                   Row{testing::Shape::Kind::nothing, "nothing"}};
 };
 
 template <>
-struct Vocabulary<Order::Kind> {
-  using Row = VocabularyRow<Order::Kind>;
-  static constexpr std::array rows{Row{Order::Kind::go, "go"}, Row{Order::Kind::stop, "stop"}};
+struct Vocabulary<testing::Order::Kind> {
+  using Row = VocabularyRow<testing::Order::Kind>;
+  static constexpr std::array rows{Row{testing::Order::Kind::go, "go"},
+                                   Row{testing::Order::Kind::stop, "stop"}};
 };
 
+}  // namespace corvane
+
+namespace corvane::testing {
 namespace {
 
 // Fail when the order of the alternatives, or how many there are, is not compared with the kinds.
@@ -141,4 +148,4 @@ TEST(TaggedUnionTest, CasesOfOneTypeAreToldApart) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -8,7 +8,7 @@
 
 #include "CorvaneCore/paths/AgentPaths.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 /// Sets or unsets an environment variable and puts back what it was at the end of its life.
@@ -73,4 +73,4 @@ TEST(UserFoldersTest, RelativeAndEmptyVariablesCountAsUnset) {
 #endif
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 constexpr const char* replacement = "\xEF\xBF\xBD";
@@ -86,4 +86,4 @@ TEST(Utf8Test, EscapingLeavesForeignBytesInPlace) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -4,7 +4,7 @@
 
 #include <set>
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 TEST(UuidTest, FreshIdsAreCanonicalRandomUuids) {
@@ -56,4 +56,4 @@ TEST(UuidTest, RefusesEverythingElse) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

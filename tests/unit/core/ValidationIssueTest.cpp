@@ -4,7 +4,7 @@
 
 #include "tests/unit/core/RecordRules.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 using Code = ValidationIssue::Code;
@@ -89,4 +89,4 @@ TEST(ValidationIssueTest, UnknownCodesAndSeveritiesDoNotDecode) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -9,7 +9,7 @@
 #include "CorvaneCore/json/AnyCodable.h"
 #include "tests/support/ErrorText.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 enum class Season { autumn, spring, summer };
@@ -19,39 +19,47 @@ enum class Swapped { first, second };
 enum class Nameless { first };
 
 }  // namespace
+}  // namespace corvane::testing
+
+namespace corvane {
 
 template <>
-struct Vocabulary<Season> {
+struct Vocabulary<testing::Season> {
   struct Row {
-    Season value;
+    testing::Season value;
     std::string_view rawValue;
     bool warm;
   };
-  static constexpr std::array rows{Row{Season::autumn, "autumn", false},
-                                   Row{Season::spring, "spring", false},
-                                   Row{Season::summer, "highSummer", true}};
+  static constexpr std::array rows{Row{testing::Season::autumn, "autumn", false},
+                                   Row{testing::Season::spring, "spring", false},
+                                   Row{testing::Season::summer, "highSummer", true}};
 };
 template <>
-struct Vocabulary<OneTooMany> {
-  static constexpr std::array rows{VocabularyRow<OneTooMany>{OneTooMany::only, "only"}};
-};
-template <>
-struct Vocabulary<OneTooFew> {
+struct Vocabulary<testing::OneTooMany> {
   static constexpr std::array rows{
-      VocabularyRow<OneTooFew>{OneTooFew::first, "first"},
-      VocabularyRow<OneTooFew>{static_cast<OneTooFew>(1), "second"},
+      VocabularyRow<testing::OneTooMany>{testing::OneTooMany::only, "only"}};
+};
+template <>
+struct Vocabulary<testing::OneTooFew> {
+  static constexpr std::array rows{
+      VocabularyRow<testing::OneTooFew>{testing::OneTooFew::first, "first"},
+      VocabularyRow<testing::OneTooFew>{static_cast<testing::OneTooFew>(1), "second"},
   };
 };
 template <>
-struct Vocabulary<Swapped> {
-  static constexpr std::array rows{VocabularyRow<Swapped>{Swapped::second, "second"},
-                                   VocabularyRow<Swapped>{Swapped::first, "first"}};
+struct Vocabulary<testing::Swapped> {
+  static constexpr std::array rows{
+      VocabularyRow<testing::Swapped>{testing::Swapped::second, "second"},
+      VocabularyRow<testing::Swapped>{testing::Swapped::first, "first"}};
 };
 template <>
-struct Vocabulary<Nameless> {
-  static constexpr std::array rows{VocabularyRow<Nameless>{Nameless::first, ""}};
+struct Vocabulary<testing::Nameless> {
+  static constexpr std::array rows{VocabularyRow<testing::Nameless>{testing::Nameless::first, ""}};
 };
 
+}  // namespace corvane
+
+namespace corvane::testing {
 namespace {
 
 // Fail when a table is no longer compared with its enumeration.
@@ -99,4 +107,4 @@ TEST(VocabularyTest, IsReadAndWrittenAsItsRawValue) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

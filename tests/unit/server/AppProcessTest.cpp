@@ -7,14 +7,14 @@
 #include <csignal>
 #include <system_error>
 
-#include "tests/support/Patience.h"
 #include "tests/support/Pipe.h"
 #include "tests/support/ProcessFacts.h"
 #include "tests/support/TemporaryApp.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/TestFiles.h"
+#include "tests/support/Timeout.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 namespace fs = std::filesystem;
@@ -30,7 +30,7 @@ std::error_code startFailure(const fs::path& bundle) {
 }
 
 // The bundles here have a name of their own, so that these programs are not taken for the app.
-class AppProcessTest : public testing::Test {
+class AppProcessTest : public ::testing::Test {
  protected:
   TemporaryHome home;
   fs::path bundle = home.path() / "Double.app";
@@ -133,4 +133,4 @@ TEST_F(AppProcessTest, JoinsArgumentsWithBlanks) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -9,7 +9,7 @@
 #include "tests/support/ErrorText.h"
 #include "tests/support/ToolBench.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 namespace fs = std::filesystem;
@@ -17,7 +17,7 @@ using Lines = std::vector<std::string>;
 
 const std::string id = "0a1b2c3d-0000-4000-8000-00000000abcd";
 
-class CancelRunToolTest : public testing::Test {
+class CancelRunToolTest : public ::testing::Test {
  protected:
   std::string cancel(const std::string& requestId = id) {
     const auto result = bench.call(tool, R"({"requestId":")" + requestId + "\"}");
@@ -169,4 +169,4 @@ TEST_F(CancelRunToolTest, TellsWhenARequestCannotBeRemoved) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -4,7 +4,7 @@
 
 #include "tests/support/ToolBench.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 using namespace std::chrono_literals;
@@ -50,4 +50,4 @@ TEST(ClockTest, EndsSleepsTogetherThatAreDueAtAboutTheSameTime) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

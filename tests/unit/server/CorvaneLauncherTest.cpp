@@ -9,7 +9,7 @@
 #include "tests/support/TemporaryApp.h"
 #include "tests/support/ToolBench.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 namespace fs = std::filesystem;
@@ -34,7 +34,7 @@ class EnvironmentVariable {
 
 constexpr const char* suppress = "CORVANE_MCP_SUPPRESS_LAUNCH";
 
-class CorvaneLauncherTest : public testing::Test {
+class CorvaneLauncherTest : public ::testing::Test {
  protected:
   [[nodiscard]] CorvaneLauncher launcher(fs::path program = {}) {
     return {{.program = std::move(program), .home = home, .systemApplications = system},
@@ -202,4 +202,4 @@ TEST_F(CorvaneLauncherAppTest, KnowsWhetherTheAppRuns) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

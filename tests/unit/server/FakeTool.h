@@ -6,7 +6,7 @@
 
 #include "corvane_mcp/server/MCPTool.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 /// A tool that does what a test says.
 inline MCPTool fakeTool(std::string_view name, decltype(MCPTool::action) action,
@@ -15,4 +15,4 @@ inline MCPTool fakeTool(std::string_view name, decltype(MCPTool::action) action,
           std::move(action)};
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -8,14 +8,14 @@
 #include "tests/support/TemporaryApp.h"
 #include "tests/support/ToolBench.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 using namespace std::chrono_literals;
 
 const std::string id = "0a1b2c3d-0000-4000-8000-00000000abcd";
 
-class GetResultToolTest : public testing::Test {
+class GetResultToolTest : public ::testing::Test {
  protected:
   /// The arguments of a call for the request, and these more.
   static std::string arguments(const std::string& more = "") {
@@ -273,4 +273,4 @@ TEST_F(GetResultToolAppTest, IsNoFailureWhenTheTimeIsUp) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -4,7 +4,7 @@
 
 #include "tests/support/ToolBench.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 TEST(HealthToolTest, ShowsWhereEverythingLies) {
@@ -46,4 +46,4 @@ TEST(HealthToolTest, TakesNoArguments) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -5,7 +5,7 @@
 #include "CorvaneCore/json/AgentWire.h"
 #include "tests/support/ErrorText.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 std::string echoed(std::string_view json) {
@@ -138,4 +138,4 @@ TEST(JSONRPCResponseTest, ReadsWhatItWrites) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -8,7 +8,7 @@
 
 #include "tests/support/Pipe.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 constexpr const char* overlong = "(too long)";
@@ -160,4 +160,4 @@ TEST(LineReaderTest, TakesAnInputThatCannotBeReadForOneThatHasEnded) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -21,14 +21,14 @@
 #include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/json/Date.h"
 #include "tests/support/LogLines.h"
-#include "tests/support/Patience.h"
 #include "tests/support/Pipe.h"
 #include "tests/support/ProcessFacts.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/TestFiles.h"
+#include "tests/support/Timeout.h"
 #include "tests/unit/server/StandardStreamCapture.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 namespace fs = std::filesystem;
@@ -37,7 +37,7 @@ using namespace std::string_view_literals;
 /// The largest file that is kept.
 constexpr std::size_t keptSize = 1'048'576;
 
-class LogFileTest : public testing::Test {
+class LogFileTest : public ::testing::Test {
  protected:
   TemporaryHome home;
   fs::path file = home.path() / "mcp.log";
@@ -222,7 +222,7 @@ TEST_F(LogFileTest, IsRotatedByProcessesThatShareIt) {
   EXPECT_LE(fs::file_size(file), keptSize + 1100);
 }
 
-class LoggerTest : public testing::Test {
+class LoggerTest : public ::testing::Test {
  protected:
   LoggerTest() { std::signal(SIGPIPE, SIG_IGN); }
 
@@ -386,4 +386,4 @@ TEST_F(LoggerTest, RotatesItsFile) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

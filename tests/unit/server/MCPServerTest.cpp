@@ -13,7 +13,7 @@
 #include "tests/support/ToolBench.h"
 #include "tests/unit/server/FakeTool.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -23,7 +23,7 @@ bool contains(const Lines& lines, std::string_view line) {
 }
 
 /// A server with tools of the test's own.
-class MCPServerTest : public testing::Test {
+class MCPServerTest : public ::testing::Test {
  protected:
   void add(std::string_view name, decltype(MCPTool::action) action) {
     registry.add(fakeTool(name, std::move(action)));
@@ -163,4 +163,4 @@ TEST_F(MCPServerTest, FinishesCallsWhenItsInputEnds) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -9,7 +9,7 @@
 #include "tests/support/ToolBench.h"
 #include "tests/unit/server/FakeTool.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 MCPTool answering(std::string_view name, std::string answer) {
@@ -76,4 +76,4 @@ TEST(ToolRegistryTest, HoldsToolsWhoseSchemasDescribeObjects) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -5,7 +5,7 @@
 #include "CorvaneCore/json/AgentWire.h"
 #include "tests/support/ErrorText.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 /// Why `json` is no Record.
@@ -117,4 +117,4 @@ TEST(ToolsCallResultTest, NeedsBothFields) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

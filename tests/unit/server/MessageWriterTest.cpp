@@ -18,7 +18,7 @@
 #include "corvane_mcp/server/LineReader.h"
 #include "tests/support/Pipe.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 /// What can be read now without waiting.
@@ -34,7 +34,7 @@ std::string readyText(int descriptor) {
   return text;
 }
 
-class MessageWriterTest : public testing::Test {
+class MessageWriterTest : public ::testing::Test {
  protected:
   MessageWriterTest() { std::signal(SIGPIPE, SIG_IGN); }
 
@@ -293,4 +293,4 @@ TEST(ProgressReporterTest, DropsWhatHasNoJsonForm) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

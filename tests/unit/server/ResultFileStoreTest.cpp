@@ -7,7 +7,7 @@
 
 #include "tests/support/ToolBench.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 namespace fs = std::filesystem;
@@ -16,7 +16,7 @@ using Snapshot = ResultFileStore::Snapshot;
 
 constexpr const char* id = "11111111-0000-4000-8000-000000000001";
 
-class ResultFileStoreTest : public testing::Test {
+class ResultFileStoreTest : public ::testing::Test {
  protected:
   /// Polls and tells the outcome: a snapshot's text, or the outcome's name. `updates` has the texts
   /// that were reported on the way.
@@ -321,4 +321,4 @@ TEST_F(ResultFileStoreTest, CopesWithTimesBeyondAllClocks) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

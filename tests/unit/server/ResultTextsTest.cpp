@@ -6,7 +6,7 @@
 
 #include "tests/support/ToolBench.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 std::string progress(std::string status, std::string rawJSON) {
@@ -103,7 +103,7 @@ constexpr const char* noTrace =
 constexpr const char* noStep =
     "(run has a capture session but no step indices; pass traceStepIndex to pick a step)";
 
-class StepTraceChoiceTest : public testing::Test {
+class StepTraceChoiceTest : public ::testing::Test {
  protected:
   Texts texts(std::string_view rawJSON) const { return textsOf(choice.blocks(rawJSON)); }
 
@@ -174,4 +174,4 @@ TEST_F(StepTraceChoiceTest, SaysWhenThereIsNoSuchTest) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

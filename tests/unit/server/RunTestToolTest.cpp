@@ -6,10 +6,10 @@
 #include "tests/support/ErrorText.h"
 #include "tests/support/ToolBench.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
-class RunTestToolTest : public testing::Test {
+class RunTestToolTest : public ::testing::Test {
  protected:
   /// The refusal of these arguments, which must leave no file.
   std::string refusal(std::string_view arguments) {
@@ -196,4 +196,4 @@ TEST_F(RunTestToolTest, FailsWhenTheRequestCannotBeWritten) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -9,7 +9,7 @@
 #include "CorvaneCore/files/Files.h"
 #include "tests/support/TestFiles.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 /// Puts another descriptor in the place of standard output or error for a while.
 class StandardStreamReplacement {
@@ -44,4 +44,4 @@ class StandardStreamCapture {
   StandardStreamReplacement replacement;
 };
 
-}  // namespace corvane
+}  // namespace corvane::testing

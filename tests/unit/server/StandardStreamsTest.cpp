@@ -12,7 +12,7 @@
 
 #include "tests/support/Pipe.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 /// What a child process writes to its standard output and error while it runs `act`.
@@ -92,7 +92,7 @@ TEST(StandardStreamsTest, LeadsAClosedOutputNowhereAndKeepsTheRest) {
 
 using namespace std::chrono_literals;
 
-class ErrorStreamTest : public testing::Test {
+class ErrorStreamTest : public ::testing::Test {
  protected:
   static std::string line(char letter, std::size_t length) {
     return std::string(length, letter) + "\n";
@@ -161,4 +161,4 @@ TEST_F(ErrorStreamTest, AReaderThatIsGoneHoldsUpNobody) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

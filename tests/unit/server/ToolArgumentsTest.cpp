@@ -5,7 +5,7 @@
 #include "CorvaneCore/json/JsonReader.h"
 #include "corvane_mcp/protocol/JsonRpc.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 struct Sample {
@@ -107,4 +107,4 @@ TEST(ToolArgumentsTest, RefusesACallWithoutAnObject) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

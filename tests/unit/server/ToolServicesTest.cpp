@@ -6,7 +6,7 @@
 #include "tests/support/TemporaryApp.h"
 #include "tests/support/ToolBench.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -85,4 +85,4 @@ TEST(DispatchAppTest, ReportsAnAppThatCannotBeStarted) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -10,7 +10,7 @@
 #include <latch>
 #include <thread>
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 Task<void> sleepThenCount(std::chrono::milliseconds time, std::atomic<int>& count) {
@@ -77,4 +77,4 @@ TEST(ToolTasksTest, CanBecomeIdleAgainAndAgain) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

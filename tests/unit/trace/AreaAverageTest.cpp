@@ -4,7 +4,7 @@
 
 #include "tests/unit/trace/TestPictures.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 std::span<const std::uint8_t> rowOf(const Picture& picture, int y) {
@@ -34,11 +34,11 @@ Picture averagedScattered(const Picture& picture, PictureSize to) {
   return average.take();
 }
 
-std::string nameOf(const testing::TestParamInfo<PictureSize>& size) {
-  return testing::PrintToString(size.param);
+std::string nameOf(const ::testing::TestParamInfo<PictureSize>& size) {
+  return ::testing::PrintToString(size.param);
 }
 
-class AreaAverageTest : public testing::TestWithParam<PictureSize> {};
+class AreaAverageTest : public ::testing::TestWithParam<PictureSize> {};
 
 TEST_P(AreaAverageTest, IsTheAverageOfTheAreaThatAPixelCovers) {
   const Picture picture = noisyPicture({97, 61});
@@ -48,10 +48,10 @@ TEST_P(AreaAverageTest, IsTheAverageOfTheAreaThatAPixelCovers) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Sizes, AreaAverageTest,
-                         testing::Values(PictureSize{97, 61}, PictureSize{96, 61},
-                                         PictureSize{97, 60}, PictureSize{49, 30},
-                                         PictureSize{13, 7}, PictureSize{1, 61}, PictureSize{97, 1},
-                                         PictureSize{1, 1}),
+                         ::testing::Values(PictureSize{97, 61}, PictureSize{96, 61},
+                                           PictureSize{97, 60}, PictureSize{49, 30},
+                                           PictureSize{13, 7}, PictureSize{1, 61},
+                                           PictureSize{97, 1}, PictureSize{1, 1}),
                          nameOf);
 
 TEST(AreaAverageTest, KeepsAPictureOfTheSameSizeAsItIs) {
@@ -73,4 +73,4 @@ TEST(AreaAverageTest, KeepsOneColourExactlyAtAnyScale) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -4,7 +4,7 @@
 
 #include "CorvaneCore/json/AnyCodable.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 std::string frame(std::int64_t step, const std::string& status, const std::string& name) {
@@ -118,4 +118,4 @@ TEST(CaptureManifestTest, OtherTextsAreNoManifest) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

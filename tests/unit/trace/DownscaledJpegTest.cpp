@@ -8,7 +8,7 @@
 #include "tests/unit/trace/PictureFiles.h"
 #include "tests/unit/trace/TestPictures.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 std::string downscaled(const std::string& file, const std::vector<Touch>& touches = {}) {
@@ -191,4 +191,4 @@ TEST(GoldenPicturesTest, DragsOnATurnedJpegOneOfThemOutOfIt) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

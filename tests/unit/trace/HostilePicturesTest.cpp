@@ -7,7 +7,7 @@
 #include "tests/unit/trace/PictureFiles.h"
 #include "tests/unit/trace/TestPictures.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 std::string downscaled(const std::string& file) {
@@ -68,7 +68,7 @@ std::string withSize(std::string jpeg, int frameMarker, std::uint32_t width, std
 constexpr int baselineFrame = 0xC0;
 constexpr int progressiveFrame = 0xC2;
 
-class HostilePicturesTest : public testing::Test {
+class HostilePicturesTest : public ::testing::Test {
  protected:
   std::string png = pngFile(noisyPicture({23, 17}));
   std::string interlacedPng = pngFile(noisyPicture({23, 17}), {.interlaced = true});
@@ -193,4 +193,4 @@ TEST_F(HostilePicturesTest, SegmentsOfImpossibleLengthAreRefused) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

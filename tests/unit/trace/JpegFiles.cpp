@@ -8,7 +8,7 @@
 
 #include "tests/unit/trace/PictureFiles.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 namespace {
 
@@ -112,4 +112,4 @@ Picture pictureInJpeg(std::string_view file) {
   return picture;
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

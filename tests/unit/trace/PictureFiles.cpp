@@ -2,7 +2,7 @@
 
 #include <initializer_list>
 
-namespace corvane {
+namespace corvane::testing {
 
 namespace {
 
@@ -62,4 +62,4 @@ std::string colourProfile(std::string_view colourSpace, std::size_t size) {
   return profile;
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -9,7 +9,7 @@
 #include "corvane_mcp/trace/Picture.h"
 #include "corvane_mcp/trace/PictureInput.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 /// The bytes of a file held in memory, as the decoders take them.
 [[nodiscard]] std::span<const std::uint8_t> asBytes(std::string_view file);
@@ -75,4 +75,4 @@ struct JpegOptions {
 /// The picture in a JPEG, decoded by the plainest road.
 [[nodiscard]] Picture pictureInJpeg(std::string_view file);
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -5,7 +5,7 @@
 #include "tests/unit/trace/PictureFiles.h"
 #include "tests/unit/trace/TestPictures.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 constexpr int unscaled = 800;
@@ -38,11 +38,11 @@ std::vector<PngKind> allKinds() {
   return kinds;
 }
 
-std::string nameOfPng(const testing::TestParamInfo<PngKind>& kind) {
-  return testing::PrintToString(kind.param);
+std::string nameOfPng(const ::testing::TestParamInfo<PngKind>& kind) {
+  return ::testing::PrintToString(kind.param);
 }
 
-class PngKindTest : public testing::TestWithParam<PngKind> {};
+class PngKindTest : public ::testing::TestWithParam<PngKind> {};
 
 TEST_P(PngKindTest, ShowsEveryPixelOnBlack) {
   const MadePng made = randomPng(GetParam(), {37, 29});
@@ -58,7 +58,7 @@ TEST_P(PngKindTest, IsScaledDown) {
   EXPECT_LE(distance(picture.picture, averagedByDefinition(made.shown, {20, 13})).largest, 1);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, PngKindTest, testing::ValuesIn(allKinds()), nameOfPng);
+INSTANTIATE_TEST_SUITE_P(All, PngKindTest, ::testing::ValuesIn(allKinds()), nameOfPng);
 
 TEST(PngDecoderTest, InterlacedPicturesMayLackPasses) {
   for (int width = 1; width <= 9; ++width) {
@@ -114,11 +114,11 @@ void PrintTo(const JpegKind& kind, std::ostream* out) {
   *out << kind.name;
 }
 
-std::string nameOfJpeg(const testing::TestParamInfo<JpegKind>& kind) {
+std::string nameOfJpeg(const ::testing::TestParamInfo<JpegKind>& kind) {
   return kind.param.name;
 }
 
-class JpegKindTest : public testing::TestWithParam<JpegKind> {};
+class JpegKindTest : public ::testing::TestWithParam<JpegKind> {};
 
 Picture shownBy(const Picture& picture, const JpegOptions& options) {
   if (options.samples != JpegOptions::Samples::grey) return picture;
@@ -155,7 +155,7 @@ TEST_P(JpegKindTest, IsScaledDown) {
 
 INSTANTIATE_TEST_SUITE_P(
     All, JpegKindTest,
-    testing::Values(
+    ::testing::Values(
         JpegKind{"Baseline", {}}, JpegKind{"HalvedColour", {.halvesColour = true}},
         JpegKind{"Progressive", {.progressive = true}},
         JpegKind{"ProgressiveHalvedColour", {.progressive = true, .halvesColour = true}},
@@ -198,4 +198,4 @@ TEST(JpegDecoderTest, KnowsItsFilesByTheirStart) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

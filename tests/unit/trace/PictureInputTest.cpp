@@ -9,7 +9,7 @@
 #include "tests/support/ErrorText.h"
 #include "tests/support/TemporaryHome.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 std::string readAll(PictureInput input) {
@@ -24,7 +24,7 @@ std::string readAll(PictureInput input) {
   }
 }
 
-class PictureInputTest : public testing::Test {
+class PictureInputTest : public ::testing::Test {
  protected:
   [[nodiscard]] std::string refusal(std::string_view name) const {
     return errorText<PictureError>([&] { (void)PictureInput::open(folder, name); });
@@ -91,4 +91,4 @@ TEST_F(PictureInputTest, RefusesEmptyMissingAndHugeFiles) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -6,7 +6,7 @@
 #include "tests/unit/trace/PictureFiles.h"
 #include "tests/unit/trace/TestPictures.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 std::string refusal(std::uint32_t width, std::uint32_t height) {
@@ -121,4 +121,4 @@ TEST(OrientationTest, IsUprightWhenTheDirectoryLiesElsewhere) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

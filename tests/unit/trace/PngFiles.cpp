@@ -8,7 +8,7 @@
 
 #include "tests/unit/trace/PictureFiles.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 namespace {
 
@@ -195,4 +195,4 @@ MadePng randomPng(const PngKind& kind, PictureSize size) {
   return RandomSamples(kind, size).make();
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -6,7 +6,7 @@
 #include <numbers>
 #include <stdexcept>
 
-namespace corvane {
+namespace corvane::testing {
 
 namespace {
 
@@ -123,4 +123,4 @@ Picture averagedByDefinition(const Picture& picture, PictureSize to) {
   return drawn(to, [&](int x, int y) { return averageOfCell(picture, x, y, width, height); });
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -7,7 +7,7 @@
 
 #include "corvane_mcp/trace/Picture.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 using Rgb = std::array<std::uint8_t, 3>;
 
@@ -45,4 +45,4 @@ struct PictureDistance {
 /// `picture` scaled down by area, worked out pixel by pixel from the definition.
 [[nodiscard]] Picture averagedByDefinition(const Picture& picture, PictureSize to);
 
-}  // namespace corvane
+}  // namespace corvane::testing

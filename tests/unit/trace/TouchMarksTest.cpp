@@ -4,7 +4,7 @@
 
 #include "tests/unit/trace/TestPictures.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 constexpr Rgb grey{128, 128, 128};
@@ -141,4 +141,4 @@ TEST(TouchMarksTest, FitOnASinglePixel) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

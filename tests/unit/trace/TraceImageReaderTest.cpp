@@ -12,7 +12,7 @@
 #include "tests/unit/trace/PictureFiles.h"
 #include "tests/unit/trace/TestPictures.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 std::string textOf(const ContentBlock& block) {
@@ -35,7 +35,7 @@ std::string captionFor(int step, const std::string& labels) {
   return "step " + std::to_string(step) + " screenshots (" + labels + noteAfterLabels;
 }
 
-class TraceImageReaderTest : public testing::Test {
+class TraceImageReaderTest : public ::testing::Test {
  protected:
   void writeManifest(const std::string& text) const {
     writeFileWhole(folder / "session.json", text);
@@ -196,4 +196,4 @@ TEST_F(TraceImageReaderTest, MayBeCalledFromSeveralThreads) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -6,7 +6,7 @@
 #include "tests/support/TestFiles.h"
 #include "tests/unit/core/RecordRules.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 constexpr const char* fullText =
@@ -95,4 +95,4 @@ TEST(AgentActivityTest, AFailedWriteIsThrown) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -6,7 +6,7 @@
 #include "tests/support/TestFiles.h"
 #include "tests/unit/core/RecordRules.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 constexpr const char* id = "0b5f7a0e-9c1d-4e2f-8a3b-abcdef012345";
@@ -97,4 +97,4 @@ TEST(AgentExploreRequestTest, ReadAndWriteErrorsAreThrown) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

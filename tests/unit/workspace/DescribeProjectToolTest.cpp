@@ -6,7 +6,7 @@
 #include "tests/support/TemporaryApp.h"
 #include "tests/unit/workspace/WorkspaceBench.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 const std::string staleNote =
@@ -20,7 +20,7 @@ const std::string nothingOpenNote =
 const std::string noProjectsNote =
     "note: no projects are published yet — create_test will create one.";
 
-class DescribeProjectToolTest : public testing::Test {
+class DescribeProjectToolTest : public ::testing::Test {
  protected:
   void publish(std::string_view text) const {
     TestFiles::write(bench.paths.agentContextFile(), text);
@@ -259,4 +259,4 @@ TEST_F(DescribeProjectToolTest, NeitherWritesNorLaunches) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

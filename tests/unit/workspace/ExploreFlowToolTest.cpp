@@ -6,12 +6,12 @@
 #include "tests/support/TemporaryApp.h"
 #include "tests/unit/workspace/WorkspaceBench.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 constexpr std::string_view suffix = ".explorerequest.json";
 
-class ExploreFlowToolTest : public testing::Test {
+class ExploreFlowToolTest : public ::testing::Test {
  protected:
   [[nodiscard]] WorkspaceBench::Answer call(std::string_view arguments) const {
     return bench.call<makeExploreFlowTool>(arguments);
@@ -260,4 +260,4 @@ TEST_F(ExploreFlowToolTest, AFailedWriteIsAProtocolError) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -5,7 +5,7 @@
 #include "tests/support/TemporaryApp.h"
 #include "tests/unit/workspace/WorkspaceBench.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 const std::string diedNote =
@@ -17,7 +17,7 @@ std::string wedgedNote(int seconds) {
          std::to_string(seconds) + "s (heartbeat is ~20s) — Corvane may be wedged.\n\n";
 }
 
-class GetStatusToolTest : public testing::Test {
+class GetStatusToolTest : public ::testing::Test {
  protected:
   void publish(std::string_view text) const {
     TestFiles::write(bench.paths.agentActivityFile(), text);
@@ -175,4 +175,4 @@ TEST_F(GetStatusToolTest, NeitherWritesNorLaunches) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

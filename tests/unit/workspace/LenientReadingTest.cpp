@@ -6,7 +6,7 @@
 #include "CorvaneCore/json/JsonReader.h"
 #include "CorvaneCore/results/AgentRunResult.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 using Result = AgentRunResult;
@@ -79,4 +79,4 @@ TEST(LenientReadingTest, TakesTheFieldsThatFit) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -5,7 +5,7 @@
 #include "tests/support/TemporaryApp.h"
 #include "tests/unit/workspace/WorkspaceBench.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 constexpr std::string_view suffix = ".libraryrequest.json";
@@ -37,7 +37,7 @@ std::string extraction(const std::string& key = {}, const std::string& value = {
   return text + "}";
 }
 
-class LibraryToolsTest : public testing::Test {
+class LibraryToolsTest : public ::testing::Test {
  protected:
   [[nodiscard]] std::string requestId() const {
     const std::string name = bench.onlyRequest().filename();
@@ -237,4 +237,4 @@ TEST_F(LibraryToolsTest, AFailedWriteIsAProtocolError) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -6,7 +6,7 @@
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/TestFiles.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 std::optional<PublishedContext> contextOf(std::string_view text) {
@@ -142,4 +142,4 @@ TEST(PublishedContextTest, WhatIsNoObjectIsNothing) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -7,7 +7,7 @@
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/TestFiles.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 using std::chrono::milliseconds;
@@ -16,7 +16,7 @@ using std::chrono::seconds;
 const FileTime now{seconds(1769860800)};
 
 /// A results folder in which the test puts files of any age.
-class RecentResultsTest : public testing::Test {
+class RecentResultsTest : public ::testing::Test {
  protected:
   void put(const std::string& name, std::string_view text, milliseconds age) {
     TestFiles::write(folder / name, text);
@@ -120,4 +120,4 @@ TEST_F(RecentResultsTest, WithoutAFolderThereIsNothing) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -8,7 +8,7 @@
 #include "corvane_mcp/tools/Tools.h"
 #include "tests/unit/workspace/WorkspaceBench.h"
 
-namespace corvane {
+namespace corvane::testing {
 namespace {
 
 namespace fs = std::filesystem;
@@ -50,7 +50,7 @@ class Meanwhile {
   std::thread worker;
 };
 
-class UnsteadyFilesTest : public testing::Test {
+class UnsteadyFilesTest : public ::testing::Test {
  protected:
   [[nodiscard]] WorkspaceBench::Answer describe() const {
     return bench.call<makeDescribeProjectTool>();
@@ -232,4 +232,4 @@ TEST_F(UnsteadyFilesTest, ResultsThatVanishWhileTheyAreListedAreSkipped) {
 }
 
 }  // namespace
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -11,7 +11,7 @@
 #include "corvane_mcp/protocol/JsonRpc.h"
 #include "tests/support/ToolBench.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 /// A bench for tools that answer with one text. It is 2026-01-31T12:00:00Z.
 class WorkspaceBench : public ToolBench {
@@ -60,4 +60,4 @@ class WorkspaceBench : public ToolBench {
   }
 };
 
-}  // namespace corvane
+}  // namespace corvane::testing

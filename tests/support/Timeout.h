@@ -6,16 +6,16 @@
 #include <string_view>
 #include <thread>
 
-namespace corvane {
+namespace corvane::testing {
 
 /// How long tests wait for something that happens at once on a healthy machine.
-inline constexpr std::chrono::seconds patience{30};
+inline constexpr std::chrono::seconds testTimeout{30};
 
 /// Returns when `condition` holds. Throws std::runtime_error naming `what` when it does not come
 /// to hold.
 template <class Condition>
 void waitUntil(std::string_view what, Condition condition) {
-  const auto deadline = std::chrono::steady_clock::now() + patience;
+  const auto deadline = std::chrono::steady_clock::now() + testTimeout;
   while (!condition()) {
     if (std::chrono::steady_clock::now() > deadline) {
       throw std::runtime_error(std::string("waited in vain until ").append(what));
@@ -24,4 +24,4 @@ void waitUntil(std::string_view what, Condition condition) {
   }
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing
