@@ -13,7 +13,7 @@
 #include "CorvaneCore/requests/AgentExploreRequest.h"
 #include "CorvaneCore/requests/AgentLibraryRequest.h"
 #include "CorvaneCore/requests/AgentRunRequest.h"
-#include "corvane_standin/program/StandInLog.h"
+#include "corvane_standin/program/Environment.h"
 
 namespace corvane::standin {
 

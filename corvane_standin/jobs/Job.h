@@ -5,9 +5,22 @@
 #include <string_view>
 
 #include "CorvaneCore/results/AgentRunResult.h"
-#include "corvane_standin/jobs/RequestRefused.h"
+#include "corvane_standin/Settings.h"
+#include "corvane_standin/capture/Captures.h"
+#include "corvane_standin/program/Environment.h"
+#include "corvane_standin/workspace/Workspace.h"
 
 namespace corvane::standin {
+
+/// What jobs of every kind work with. All of it outlives them.
+struct Services {
+  const Clock& clock;
+  const StandInSettings& settings;
+  WorkspaceStore& workspace;
+  /// The credits left, which jobs draw on.
+  double& creditBalance;
+  Captures& captures;
+};
 
 /// One request in the app's hands, from received to a terminal status. Each kind of request has its
 /// own; the queue drives them all and publishes what they say.

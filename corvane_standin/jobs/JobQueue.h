@@ -3,14 +3,63 @@
 #include <deque>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 
+#include "CorvaneCore/paths/AgentPaths.h"
+#include "CorvaneCore/results/AgentRunResult.h"
 #include "CorvaneCore/workspace/AgentActivity.h"
 #include "corvane_standin/jobs/Job.h"
-#include "corvane_standin/jobs/ResultPublisher.h"
-#include "corvane_standin/program/Clock.h"
+#include "corvane_standin/program/Environment.h"
 
 namespace corvane::standin {
+
+/// The only writer of result files.
+class ResultPublisher {
+ public:
+  ResultPublisher(const AgentPaths& paths, const Clock& clock, const StandInLog& log)
+      : paths(paths), clock(clock), log(log) {}
+
+  /// Dates `result` now and writes its file. A failure is logged and leaves the file as it was.
+  void publish(AgentRunResult result) const;
+  /// Publishes a later version of `result`, unless its file was taken away: that happens when a
+  /// home is being deleted, and a file written then would be in the way.
+  void publishAgain(AgentRunResult result) const;
+
+  /// Ends, as an error, every request that an earlier life of the app left unfinished.
+  void settleOrphans() const;
+
+ private:
+  const AgentPaths& paths;
+  const Clock& clock;
+  const StandInLog& log;
+};
+
+/// The only writer of the activity file.
+class ActivityPublisher {
+ public:
+  ActivityPublisher(const AgentPaths& paths, const Clock& clock, const StandInLog& log,
+                    Clock::Duration heartbeat)
+      : paths(paths), clock(clock), log(log), heartbeat(heartbeat) {}
+
+  /// Dates `activity` now and writes it if it differs from what was published last, or if that was
+  /// a heartbeat ago. A file that was taken away is not brought back: its home is being deleted. A
+  /// failure is logged.
+  void publish(AgentActivity activity);
+
+ private:
+  struct Published {
+    std::string undated;
+    Clock::Time at;
+    bool written = true;
+  };
+
+  const AgentPaths& paths;
+  const Clock& clock;
+  const StandInLog& log;
+  Clock::Duration heartbeat;
+  std::optional<Published> last;
+};
 
 /// The jobs in the app's hands: one active, the others behind it, first in first out. Publishes
 /// every change of theirs and keeps unchanged results fresh.
