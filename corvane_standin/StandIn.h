@@ -8,7 +8,6 @@
 #include "corvane_standin/capture/Captures.h"
 #include "corvane_standin/jobs/DropFolder.h"
 #include "corvane_standin/jobs/Job.h"
-#include "corvane_standin/jobs/JobQueue.h"
 #include "corvane_standin/program/Environment.h"
 #include "corvane_standin/workspace/Workspace.h"
 
