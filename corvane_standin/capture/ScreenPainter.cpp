@@ -351,8 +351,9 @@ class Painting {
       return area;
     };
     for (std::size_t i = 0; i < icons.size(); ++i) {
-      const double row = static_cast<double>(i / columns);
-      const Rect area = paintIcon(icons[i], i % columns, frame.statusHeight + 34 + 100 * row);
+      const std::size_t row = i / columns;
+      const Rect area = paintIcon(icons[i], i % columns,
+                                  frame.statusHeight + 34 + 100 * static_cast<double>(row));
       canvas.write({area.centre().x - pitch / 2 + 4, area.bottom() + 1, pitch - 8, 24},
                    icons[i].label, {12, Weight::medium}, white, Align::centre);
       if (i + 1 == icons.size()) note(Part::appIcon, 0, area);

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 
+#include "CorvaneCore/json/AgentWire.h"
 #include "corvane_standin/steps/Steps.h"
 
 namespace corvane::standin {

@@ -84,8 +84,8 @@ std::optional<Arrival> arrivalByTap(const NamedPart& part) {
 
 /// Where a step leads; nothing when the page stays.
 std::optional<Arrival> leadsTo(const StepWords& step) {
-  if (step.is(ScreenAct::otherSteps)) return Arrival{Way::otherSteps};
-  if (const auto way = wayByCommand(step)) return Arrival{*way};
+  if (step.is(ScreenAct::otherSteps)) return Arrival{Way::otherSteps, {}};
+  if (const auto way = wayByCommand(step)) return Arrival{*way, {}};
   const bool isTap = step.is(ScreenAct::tap) && !step.named().empty();
   return isTap ? arrivalByTap(step.named().front()) : std::nullopt;
 }

@@ -19,7 +19,7 @@ struct Arrival {
 
   Way way = Way::start;
   /// The label of what was tapped.
-  std::string label = {};
+  std::string label;
 };
 
 /// Steps that are taken on one page of an app, one after the other: all but the last leave it in
