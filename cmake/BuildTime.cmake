@@ -32,20 +32,3 @@ function(corvane_precompile target)
   string(MD5 fingerprint "${fingerprint}")
   target_compile_definitions(${target} PRIVATE CORVANE_PRECOMPILED_${fingerprint})
 endfunction()
-
-option(CORVANE_COMPILE_TOGETHER "Compile several sources at a time" OFF)
-
-# Has the sources of a target compiled several at a time where the option is set, for whole runs: most
-# of what a source compiles to without optimisation are inline functions that all of them share. Sources
-# that use a name for something of their own which another uses as well are listed as APART.
-function(corvane_compile_together target)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "APART")
-  set_target_properties(${target} PROPERTIES
-    UNITY_BUILD ${CORVANE_COMPILE_TOGETHER} UNITY_BUILD_BATCH_SIZE 6)
-  if(arg_APART)
-    get_target_property(directory ${target} SOURCE_DIR)
-    list(TRANSFORM arg_APART PREPEND ${directory}/)
-    set_source_files_properties(${arg_APART} TARGET_DIRECTORY ${target}
-      PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
-  endif()
-endfunction()

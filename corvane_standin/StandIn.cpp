@@ -6,9 +6,9 @@
 #include "corvane_standin/exploration/ExploreJob.h"
 #include "corvane_standin/imports/ImportJob.h"
 #include "corvane_standin/library/LibraryJob.h"
-#include "corvane_standin/program/StandInPaths.h"
+#include "corvane_standin/program/Environment.h"
 #include "corvane_standin/runs/RunJob.h"
-#include "corvane_standin/workspace/FirstWorkspace.h"
+#include "corvane_standin/workspace/Workspace.h"
 
 namespace corvane::standin {
 

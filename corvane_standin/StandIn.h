@@ -4,16 +4,12 @@
 #include <string>
 
 #include "CorvaneCore/paths/AgentPaths.h"
-#include "corvane_standin/StandInSettings.h"
-#include "corvane_standin/activity/ActivityPublisher.h"
+#include "corvane_standin/Settings.h"
 #include "corvane_standin/capture/Captures.h"
 #include "corvane_standin/jobs/DropFolder.h"
-#include "corvane_standin/jobs/JobQueue.h"
-#include "corvane_standin/jobs/ResultPublisher.h"
-#include "corvane_standin/jobs/Services.h"
-#include "corvane_standin/program/Clock.h"
-#include "corvane_standin/program/StandInLog.h"
-#include "corvane_standin/workspace/WorkspaceStore.h"
+#include "corvane_standin/jobs/Job.h"
+#include "corvane_standin/program/Environment.h"
+#include "corvane_standin/workspace/Workspace.h"
 
 namespace corvane::standin {
 

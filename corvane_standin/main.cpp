@@ -10,13 +10,10 @@
 
 #include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/paths/AgentPaths.h"
+#include "corvane_standin/Settings.h"
 #include "corvane_standin/StandIn.h"
-#include "corvane_standin/StandInSettings.h"
-#include "corvane_standin/program/Clock.h"
-#include "corvane_standin/program/InstanceLock.h"
-#include "corvane_standin/program/StandInLog.h"
-#include "corvane_standin/program/StandInPaths.h"
-#include "corvane_standin/program/StopSignals.h"
+#include "corvane_standin/program/Environment.h"
+#include "corvane_standin/program/Instance.h"
 
 namespace {
 
@@ -52,8 +49,8 @@ StandInSettings overriddenBy(const Options& options, StandInSettings settings) {
 }
 
 int quitRunningInstance(const StandInPaths& files) {
-  constexpr auto patience = 10s;
-  if (quitInstance(files.lockFile(), patience)) return 0;
+  constexpr auto timeout = 10s;
+  if (quitInstance(files.lockFile(), timeout)) return 0;
   std::cerr << "Corvane does not quit.\n";
   return 1;
 }

@@ -1,62 +1,85 @@
 #pragma once
 
-#include <cstddef>
+#include <cairo.h>
+
 #include <cstdint>
+#include <initializer_list>
+#include <memory>
 #include <span>
+#include <string>
+#include <string_view>
 #include <vector>
 
-#include "corvane_standin/capture/Colour.h"
-#include "corvane_standin/capture/Geometry.h"
+#include "corvane_standin/story/Screen.h"
 
 namespace corvane::standin {
 
-/// A picture that is drawn on. It holds at most 256 colours, a byte for each pixel: that makes it
-/// quick to fill and quick to write. Edges are smooth; what reaches out of the picture is cut.
+/// 0xRRGGBB.
+using Colour = std::uint32_t;
+
+/// `over` laid on `under`, covering the given share of it, 0 to 1.
+[[nodiscard]] Colour mixed(Colour under, Colour over, double share);
+
+struct Font {
+  enum class Weight { regular, medium, bold };
+
+  double size = 17;
+  Weight weight = Weight::regular;
+};
+
+/// A picture that is drawn on in points, each three pixels long. Texts are in the system's sans
+/// serif font; what is no UTF-8 in them is drawn as a replacement character.
 class Canvas {
  public:
-  /// `size` is in points, each `scale` pixels long.
-  Canvas(Size size, int scale, Colour background);
+  static constexpr int scale = 3;
 
-  void fill(Rect area, Colour colour) { fillRounded(area, 0, colour); }
-  void fillRounded(Rect area, double radius, Colour colour);
-  void fillCircle(Point centre, double radius, Colour colour);
-  /// The inside of a closed shape with straight edges.
-  void fillPolygon(std::span<const Point> corners, Colour colour);
-  void drawRing(Point centre, double radius, double width, Colour colour);
-  /// Lines from point to point, with round ends and joints.
-  void drawLines(std::span<const Point> points, double width, Colour colour);
-  /// Paints where `mask`, a row of `width` pixels after the other, says how much: 0 to 255. Its
-  /// upper left pixel comes to the pixel `left`, `top`.
-  void paintMask(std::span<const std::uint8_t> mask, int width, int left, int top, Colour colour);
+  Canvas(Size size, Colour ground);
+
+  /// With corners rounded by `radius`.
+  void fill(Rect area, Colour colour, double radius = 0);
+  void circle(Point centre, double radius, Colour colour);
+  /// A line from point to point, with round ends and joints.
+  void line(std::span<const Point> points, double width, Colour colour);
   /// Lays `colour` over all there is, covering the given share of it.
   void cover(Colour colour, double share);
+  /// Keeps what is drawn from now on inside of `area`, until release().
+  void clip(Rect area, double radius);
+  void release();
+  /// Draws what `sketched` says, in units that are `unit` long and count from `origin`. A shape is
+  /// a letter and numbers: R x y width height radius fills a rectangle, C x y radius a circle, H x
+  /// y radiusX radiusY the lower half of an ellipse and P x y x y ... a polygon; O x y radius width
+  /// draws a ring, A x y radius width its upper half and L width x y x y ... a line. #RRGGBB sets
+  /// the colour of what follows. Throws std::logic_error for anything else.
+  void sketch(Point origin, double unit, std::string_view sketched, Colour colour = 0);
 
-  [[nodiscard]] Size size() const { return {points.width, points.height}; }
-  [[nodiscard]] int scale() const { return pixelsPerPoint; }
-  [[nodiscard]] int width() const { return columns; }
-  [[nodiscard]] int height() const { return rows; }
-  /// The pixels, row by row from the top, as places in the palette.
-  [[nodiscard]] std::span<const std::uint8_t> pixels() const { return inks; }
-  [[nodiscard]] std::span<const Colour> palette() const { return colours; }
+  enum class Align { left, centre, right };
+  /// Writes one line of text in the middle of `area`'s height, cut to its width.
+  void write(Rect area, std::string_view text, Font font, Colour colour, Align align = Align::left);
+  /// Writes lines that are as wide as `area`, `pitch` apart, the first with its middle at the top.
+  /// Gives where the middle of a further line would be.
+  double writeLines(Rect area, double pitch, std::string_view text, Font font, Colour colour,
+                    Align align);
+
+  [[nodiscard]] double width(std::string_view text, Font font) const;
+  /// `text`, or as much of its front as fits into `space` with "…" after it.
+  [[nodiscard]] std::string cut(std::string_view text, Font font, double space) const;
+  /// The words of `text` in lines no wider than `space`, as far as single words are not.
+  [[nodiscard]] std::vector<std::string> wrapped(std::string_view text, Font font,
+                                                 double space) const;
+
+  /// The picture as the bytes of a PNG. Throws std::runtime_error when it could not be drawn.
+  [[nodiscard]] std::string png() const;
 
  private:
-  /// Fills where `distance`, from a point to the edge of a shape, is negative. It may underrate
-  /// distances but never overrate them.
-  template <class Distance>
-  void fillShape(Rect bounds, Colour colour, Distance distance);
-  [[nodiscard]] std::uint8_t inkFor(Colour colour);
-  /// The ink nearest to `colour`, a new one when none is very near and there is room to spare.
-  [[nodiscard]] std::uint8_t similarInk(Colour colour);
-  void blend(std::uint8_t& pixel, std::uint8_t ink, double coverage);
+  struct Destroy {
+    void operator()(cairo_t* context) const { cairo_destroy(context); }
+  };
 
-  Size points;
-  int pixelsPerPoint;
-  int columns;
-  int rows;
-  std::vector<std::uint8_t> inks;
-  std::vector<Colour> colours;
-  /// By ink below, ink above and coverage, the ink that comes of it; 0 while it is not known.
-  std::vector<std::uint8_t> blends;
+  void select(Font font) const;
+  void setColour(Colour colour, double opacity = 1) const;
+  void drawShape(char shape, std::span<const double> numbers);
+
+  std::unique_ptr<cairo_t, Destroy> context;
 };
 
 }  // namespace corvane::standin

@@ -1,17 +1,59 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
-#include "corvane_standin/capture/ScreenPainter.h"
-#include "corvane_standin/capture/TestCapture.h"
-#include "corvane_standin/program/Clock.h"
-#include "corvane_standin/program/StandInLog.h"
-#include "corvane_standin/runs/RunPlan.h"
+#include "CorvaneCore/capture/CaptureSession.h"
+#include "CorvaneCore/results/AgentRunResult.h"
+#include "corvane_standin/program/Environment.h"
+#include "corvane_standin/runs/TestRun.h"
+#include "corvane_standin/story/ScreenStory.h"
 
 namespace corvane::standin {
+
+/// Records the capture session of one test as it runs. What goes wrong is logged and ends the
+/// recording, never the run.
+class TestCapture {
+ public:
+  /// `folder` exists and is empty. The others outlive this.
+  TestCapture(std::filesystem::path folder, ScreenStory story, const Clock& clock,
+              const StandInLog& log);
+  TestCapture(const TestCapture&) = delete;
+  TestCapture& operator=(const TestCapture&) = delete;
+
+  void beforeStep(std::size_t step);
+  /// Follows beforeStep for the same step.
+  void afterStep(std::size_t step, bool failed);
+
+  /// Where the session lies, as results tell it; nothing while it is empty.
+  [[nodiscard]] std::optional<AgentRunResult::TraceInfo> trace() const;
+
+ private:
+  /// One picture serves as the end of a step and the beginning of the next.
+  struct Shot {
+    std::string fileName;
+    std::vector<Touch> touches;
+  };
+
+  void record(std::size_t step, FrameStatus status, std::size_t moment);
+  [[nodiscard]] const Shot& shotBefore(std::size_t step);
+
+  std::filesystem::path folder;
+  ScreenStory story;
+  const Clock& clock;
+  const StandInLog& log;
+  std::map<std::size_t, Shot> shots;
+  CaptureSession session;
+  std::optional<std::int64_t> failedStep;
+  bool ended = false;
+};
 
 /// The capture sessions of this home: a folder for each run, numbered in their order, with a folder
 /// for each of its tests. Those of old runs are removed as new ones begin.
@@ -41,7 +83,6 @@ class Captures {
   bool enabled;
   const Clock& clock;
   const StandInLog& log;
-  ScreenPainter painter;
 };
 
 }  // namespace corvane::standin

@@ -1,12 +1,15 @@
 #include "corvane_standin/capture/ElementPainter.h"
 
-#include "corvane_standin/capture/GoodsPictures.h"
-#include "corvane_standin/capture/Symbols.h"
+#include <algorithm>
+#include <array>
 
 namespace corvane::standin {
 
+using namespace palette;
+
 namespace {
 
+using Align = Canvas::Align;
 using Kind = Element::Kind;
 using Weight = Font::Weight;
 
@@ -15,264 +18,230 @@ constexpr Font strongFont{17, Weight::medium};
 constexpr Font smallFont{14};
 constexpr double paragraphLine = 24;
 
-Rect paintSearchField(const Element& element, Rect area, const Brush& brush) {
-  const Rect box = area.inset(0, 4);
-  const auto& look = brush.look;
-  if (element.strong) brush.canvas.fillRounded(box.inset(-2), 14, look.accent);
-  brush.canvas.fillRounded(box, 12, element.strong ? look.card : rgb(0xE7E5DF));
-  drawMagnifier(brush.canvas, {box.x + 22, box.centre().y}, look.quiet);
+/// Writes the label at the left end of `area` and the detail at the right one.
+void writePair(const Brush& brush, Rect area, const Element& element, Font labelFont,
+               Font detailFont, Colour labelColour, Colour detailColour) {
+  brush.canvas.write(area, element.detail, detailFont, detailColour, Align::right);
+  area.width -= brush.canvas.width(element.detail, detailFont) + 10;
+  brush.canvas.write(area, element.label, labelFont, labelColour);
+}
+
+void paintCaret(const Brush& brush, Rect text, std::string_view before) {
+  const double used = std::min(brush.canvas.width(before, bodyFont), text.width - 2);
+  brush.canvas.fill({text.x + 1 + used, text.centre().y - 11, 2, 22}, brush.accent, 1);
+}
+
+Rect paintSearchField(const Element& element, Rect box, const Brush& brush) {
+  if (element.strong) brush.canvas.fill(box.inset(-2), brush.accent, 14);
+  brush.canvas.fill(box, element.strong ? white : 0xE7E5DF, 12);
+  brush.canvas.sketch({box.x + 22, box.centre().y}, 1, symbols::magnifier, quiet);
   const bool isEmpty = element.detail.empty();
-  const std::string& text = isEmpty ? element.label : element.detail;
-  const double space = box.width - 56;
-  brush.line(box.x + 42, box.centre().y, space, text, bodyFont, isEmpty ? look.quiet : look.ink);
-  if (element.strong) {
-    const double used = isEmpty ? 0 : brush.letters.width(text, bodyFont);
-    brush.canvas.fillRounded({box.x + 43 + used, box.centre().y - 11, 2, 22}, 1, look.accent);
-  }
+  const Rect text{box.x + 42, box.y, box.width - 56, box.height};
+  brush.canvas.write(text, isEmpty ? element.label : element.detail, bodyFont,
+                     isEmpty ? quiet : ink);
+  if (element.strong) paintCaret(brush, text, element.detail);
   return box;
 }
 
-void paintParagraph(const Element& element, Rect area, const Brush& brush) {
-  double y = area.y + paragraphLine / 2;
-  for (const auto& line : brush.letters.wrapped(element.label, bodyFont, area.width)) {
-    brush.line(area.x, y, area.width, line, bodyFont, brush.look.quiet);
-    y += paragraphLine;
-  }
-}
-
 Rect paintCard(const Element& element, Rect area, const Brush& brush) {
-  const Rect card = area.inset(0, 6);
-  brush.canvas.fillRounded(card.moved(0, 1.5), 16, brush.look.line);
-  brush.canvas.fillRounded(card, 16, brush.look.card);
-  const Rect picture{card.x + 8, card.y + 8, card.width - 16, card.height - 66};
-  drawGoods(brush.canvas, picture, 10, element.label);
-  brush.line(card.x + 12, card.bottom() - 40, card.width - 24, element.label, {15, Weight::medium},
-             brush.look.ink);
-  brush.line(card.x + 12, card.bottom() - 18, card.width - 24, element.detail, smallFont,
-             brush.look.quiet);
-  return card;
+  brush.canvas.fill({area.x, area.y + 1.5, area.width, area.height}, hairline, 16);
+  brush.canvas.fill(area, white, 16);
+  drawGoods(brush.canvas, {area.x + 8, area.y + 8, area.width - 16, area.height - 66}, 10,
+            element.label);
+  brush.canvas.write({area.x + 12, area.bottom() - 52, area.width - 24, 24}, element.label,
+                     {15, Weight::medium}, ink);
+  brush.canvas.write({area.x + 12, area.bottom() - 30, area.width - 24, 24}, element.detail,
+                     smallFont, quiet);
+  return area;
 }
 
-Rect paintRow(const Element& element, Rect area, const Brush& brush) {
-  Rect row = area.inset(0, 3);
+Rect paintRow(const Element& element, Rect row, const Brush& brush) {
   Rect touched = row;
   if (!element.swipeAction.empty()) {
     constexpr double uncovered = 104;
-    brush.canvas.fillRounded(row, 14, brush.look.danger);
+    brush.canvas.fill(row, danger, 14);
     touched = {row.right() - uncovered, row.y, uncovered, row.height};
-    brush.centred(touched.centre(), element.swipeAction, strongFont, white);
+    brush.canvas.write(touched.inset(6, 0), element.swipeAction, strongFont, white, Align::centre);
     row = {row.x - 16, row.y, row.width - uncovered + 8, row.height};
   }
-  brush.canvas.fillRounded(row, 14, brush.look.card);
+  brush.canvas.fill(row, white, 14);
   double left = row.x + 16;
   if (element.picture != Element::Picture::none) {
     const Rect tile{row.x + 8, row.y + 8, row.height - 16, row.height - 16};
-    if (element.picture == Element::Picture::goods) {
-      drawGoods(brush.canvas, tile, 9, element.label);
-    } else {
-      drawRoute(brush.canvas, tile, 9, element.label, brush.look.accent);
-    }
+    element.picture == Element::Picture::goods
+        ? drawGoods(brush.canvas, tile, 9, element.label)
+        : drawRoute(brush.canvas, tile, 9, element.label, brush.accent);
     left = tile.right() + 14;
   }
-  double right = row.right() - 16;
-  const double middle = row.centre().y;
-  if (element.strong) {
-    drawTick(brush.canvas, {right - 8, middle}, 16, 2.4, brush.look.accent);
-  } else {
-    drawChevron(brush.canvas, {right, middle}, false, brush.look.disabled);
-  }
-  right -= 22;
-  brush.endingAt({right, middle}, element.detail, smallFont, brush.look.quiet);
-  right -= brush.letters.width(element.detail, smallFont) + 10;
-  brush.line(left, middle, right - left, element.label, bodyFont, brush.look.ink);
+  const Point end{row.right() - 16, row.centre().y};
+  element.strong ? brush.canvas.sketch({end.x - 8, end.y}, 16, symbols::tick, brush.accent)
+                 : brush.canvas.sketch(end, 1, symbols::rightChevron, disabled);
+  writePair(brush, {left, row.y, end.x - 22 - left, row.height}, element, bodyFont, smallFont, ink,
+            quiet);
   return touched;
 }
 
 Rect paintField(const Element& element, Rect area, const Brush& brush) {
   const Rect box{area.x, area.y + 24, area.width, area.height - 34};
-  const auto& look = brush.look;
-  brush.line(area.x + 2, area.y + 12, area.width, element.label, smallFont, look.quiet);
-  brush.canvas.fillRounded(box, 12, element.strong ? look.accent : look.line);
-  brush.canvas.fillRounded(box.inset(element.strong ? 2 : 1), element.strong ? 10.0 : 11.0,
-                           look.card);
-  brush.line(box.x + 14, box.centre().y, box.width - 28, element.detail, bodyFont, look.ink);
-  if (element.strong) {
-    const double used = std::min(brush.letters.width(element.detail, bodyFont), box.width - 30);
-    brush.canvas.fillRounded({box.x + 15 + used, box.centre().y - 11, 2, 22}, 1, look.accent);
-  }
+  brush.canvas.write({area.x + 2, area.y, area.width, 24}, element.label, smallFont, quiet);
+  brush.canvas.fill(box, element.strong ? brush.accent : hairline, 12);
+  brush.canvas.fill(box.inset(element.strong ? 2 : 1), white, element.strong ? 10 : 11);
+  brush.canvas.write(box.inset(14, 0), element.detail, bodyFont, ink);
+  if (element.strong) paintCaret(brush, box.inset(14, 0), element.detail);
   return box;
 }
 
-Rect paintToggle(const Element& element, Rect area, const Brush& brush) {
-  const Rect row = area.inset(0, 3);
-  brush.canvas.fillRounded(row, 14, brush.look.card);
+Rect paintToggle(const Element& element, Rect row, const Brush& brush) {
+  brush.canvas.fill(row, white, 14);
   const Rect track{row.right() - 67, row.centre().y - 15, 51, 31};
-  brush.canvas.fillRounded(track, 15.5, element.strong ? brush.look.accent : brush.look.disabled);
-  const double knob = element.strong ? track.right() - 15.5 : track.x + 15.5;
-  brush.canvas.fillCircle({knob, track.centre().y}, 13.5, white);
-  brush.line(row.x + 16, row.centre().y, track.x - row.x - 30, element.label, bodyFont,
-             brush.look.ink);
+  brush.canvas.fill(track, element.strong ? brush.accent : disabled, 15.5);
+  brush.canvas.circle({element.strong ? track.right() - 15.5 : track.x + 15.5, track.centre().y},
+                      13.5, white);
+  brush.canvas.write({row.x + 16, row.y, track.x - row.x - 30, row.height}, element.label, bodyFont,
+                     ink);
   return track;
 }
 
-Rect paintSlider(const Element& element, Rect area, const Brush& brush) {
-  const auto& look = brush.look;
-  const Rect box = area.inset(0, 3);
-  brush.canvas.fillRounded(box, 14, look.card);
-  brush.line(box.x + 16, box.y + 22, 200, element.label, strongFont, look.ink);
-  brush.endingAt({box.right() - 16, box.y + 22}, element.detail, smallFont, look.quiet);
+Rect paintSlider(const Element& element, Rect box, const Brush& brush) {
+  brush.canvas.fill(box, white, 14);
+  writePair(brush, {box.x + 16, box.y + 10, box.width - 32, 24}, element, strongFont, smallFont,
+            ink, quiet);
   const Rect track{box.x + 28, box.bottom() - 30, box.width - 56, 4};
   const double handle = track.x + track.width * element.share;
-  brush.canvas.fillRounded(track, 2, look.line);
-  brush.canvas.fillRounded({track.x, track.y, handle - track.x, 4}, 2, look.accent);
+  brush.canvas.fill(track, hairline, 2);
+  brush.canvas.fill({track.x, track.y, handle - track.x, 4}, brush.accent, 2);
   for (const double x : {track.x, handle}) {
-    brush.canvas.fillCircle({x, track.centre().y + 1}, 13.5, look.disabled);
-    brush.canvas.fillCircle({x, track.centre().y}, 13, white);
+    brush.canvas.circle({x, track.centre().y + 1}, 13.5, disabled);
+    brush.canvas.circle({x, track.centre().y}, 13, white);
   }
   return {handle - 13, track.centre().y - 13, 26, 26};
 }
 
-void paintAmount(const Element& element, Rect area, const Brush& brush) {
-  const Font font = element.strong ? Font{20, Weight::bold} : bodyFont;
-  const Colour colour = element.strong ? brush.look.ink : brush.look.quiet;
-  brush.line(area.x, area.centre().y, area.width, element.label, font, colour);
-  brush.endingAt({area.right(), area.centre().y}, element.detail, font, colour);
-}
-
-Rect paintMap(const Element& element, Rect area, const Brush& brush) {
-  const Rect map = area.inset(0, 6);
-  drawRoute(brush.canvas, map, 18, element.label, brush.look.accent);
-  brush.canvas.fillRounded({map.x + 12, map.bottom() - 76, map.width - 24, 64}, 14, white);
-  brush.line(map.x + 30, map.bottom() - 44, 180, element.label, {17, Weight::medium},
-             brush.look.ink);
-  brush.endingAt({map.right() - 30, map.bottom() - 44}, element.detail, {24, Weight::bold},
-                 brush.look.accent);
+Rect paintMap(const Element& element, Rect map, const Brush& brush) {
+  drawRoute(brush.canvas, map, 18, element.label, brush.accent);
+  const Rect caption{map.x + 12, map.bottom() - 76, map.width - 24, 64};
+  brush.canvas.fill(caption, white, 14);
+  writePair(brush, caption.inset(18, 0), element, strongFont, {24, Weight::bold}, ink,
+            brush.accent);
   return map;
 }
 
-void paintNotice(const Element& element, Rect area, const Brush& brush) {
+Rect paintNotice(const Element& element, Rect area, const Brush& brush) {
   const Point sign{area.centre().x, area.y + area.height * 0.4};
-  const Colour colour = element.strong ? brush.look.accent : brush.look.disabled;
-  brush.canvas.fillCircle(sign, 46, element.strong ? brush.look.accentTint : brush.look.line);
+  brush.canvas.circle(sign, 46, element.strong ? brush.tint : hairline);
   if (element.strong) {
-    drawTick(brush.canvas, sign, 44, 6, colour);
+    brush.canvas.sketch(sign, 44, symbols::tick, brush.accent);
   } else {
-    const Point corner = sign - Point{20, 14};
-    brush.canvas.fillRounded({corner.x, corner.y, 40, 32}, 6, brush.look.quiet);
-    brush.canvas.fillRounded({corner.x + 4, corner.y + 4, 32, 24}, 3, brush.look.line);
+    brush.canvas.fill({sign.x - 20, sign.y - 14, 40, 32}, quiet, 6);
+    brush.canvas.fill({sign.x - 16, sign.y - 10, 32, 24}, hairline, 3);
   }
-  const Font font{20, Weight::bold};
-  double y = sign.y + 84;
-  for (const auto& line : brush.letters.wrapped(element.label, font, area.width - 40)) {
-    brush.centred({area.centre().x, y}, line, font, brush.look.ink);
-    y += 28;
-  }
-  for (const auto& line : brush.letters.wrapped(element.detail, bodyFont, area.width - 60)) {
-    brush.centred({area.centre().x, y}, line, bodyFont, brush.look.quiet);
-    y += paragraphLine;
-  }
+  const double y = brush.canvas.writeLines({area.x + 20, sign.y + 84, area.width - 40, 0}, 28,
+                                           element.label, {20, Weight::bold}, ink, Align::centre);
+  brush.canvas.writeLines({area.x + 30, y, area.width - 60, 0}, paragraphLine, element.detail,
+                          bodyFont, quiet, Align::centre);
+  return area;
 }
 
-Rect paintButton(const Element& element, Rect area, const Brush& brush) {
-  const Rect button = area.inset(0, 5);
-  const auto& look = brush.look;
-  const Colour face = !element.enabled ? look.disabled
-                      : element.strong ? look.accent
-                                       : look.accentTint;
-  const Colour text = !element.enabled || element.strong ? white : look.accent;
-  brush.canvas.fillRounded(button, 14, face);
-  brush.centred(button.centre(), brush.letters.cut(element.label, strongFont, button.width - 24),
-                strongFont, text);
+Rect paintButton(const Element& element, Rect button, const Brush& brush) {
+  const bool isFilled = !element.enabled || element.strong;
+  brush.canvas.fill(button, !element.enabled ? disabled : isFilled ? brush.accent : brush.tint, 14);
+  brush.canvas.write(button.inset(12, 0), element.label, strongFont,
+                     isFilled ? white : brush.accent, Align::centre);
   return button;
 }
 
 Rect paintRoundButton(const Element& element, Rect area, const Brush& brush) {
-  const Point centre = area.centre() - Point{0, 10};
+  const Point centre{area.centre().x, area.centre().y - 10};
   constexpr double radius = 34;
-  brush.canvas.fillCircle(centre + Point{0, 2}, radius, brush.look.line);
-  brush.canvas.fillCircle(centre, radius, brush.look.accent);
-  brush.canvas.fillCircle(centre, 12, white);
-  brush.centred({centre.x, centre.y + radius + 14}, element.label, {14, Weight::medium},
-                brush.look.accent);
+  brush.canvas.circle({centre.x, centre.y + 2}, radius, hairline);
+  brush.canvas.circle(centre, radius, brush.accent);
+  brush.canvas.circle(centre, 12, white);
+  brush.canvas.write({area.x, centre.y + radius + 2, area.width, 24}, element.label,
+                     {14, Weight::medium}, brush.accent, Align::centre);
   return {centre.x - radius, centre.y - radius, 2 * radius, 2 * radius};
 }
 
+Rect paintHeading(const Element& element, Rect area, const Brush& brush) {
+  brush.canvas.write({area.x, area.y + 3, area.width, area.height}, element.label,
+                     {22, Weight::bold}, ink);
+  return area;
+}
+
+Rect paintParagraph(const Element& element, Rect area, const Brush& brush) {
+  brush.canvas.writeLines({area.x, area.y + paragraphLine / 2, area.width, 0}, paragraphLine,
+                          element.label, bodyFont, quiet, Align::left);
+  return area;
+}
+
+Rect paintAmount(const Element& element, Rect area, const Brush& brush) {
+  const Font font = element.strong ? Font{20, Weight::bold} : bodyFont;
+  const Colour colour = element.strong ? ink : quiet;
+  writePair(brush, area, element, font, font, colour, colour);
+  return area;
+}
+
+Rect paintHero(const Element& element, Rect area, const Brush& brush) {
+  drawGoods(brush.canvas, area, 18, element.label);
+  return area;
+}
+
+/// How elements of a kind are shown.
+struct ElementLook {
+  Kind kind;
+  double height;
+  /// Left free above and below.
+  double space;
+  bool isAtFoot;
+  Rect (*paint)(const Element& element, Rect area, const Brush& brush);
+};
+
+/// In the order of Element::Kind.
+constexpr std::array looks{
+    ElementLook{Kind::searchField, 52, 4, false, paintSearchField},
+    ElementLook{Kind::heading, 46, 0, false, paintHeading},
+    // Higher by its lines.
+    ElementLook{Kind::paragraph, 14, 0, false, paintParagraph},
+    ElementLook{Kind::card, 218, 6, false, paintCard},
+    ElementLook{Kind::row, 56, 3, false, paintRow},
+    ElementLook{Kind::field, 82, 0, false, paintField},
+    ElementLook{Kind::toggle, 58, 3, false, paintToggle},
+    ElementLook{Kind::slider, 96, 3, false, paintSlider},
+    ElementLook{Kind::amount, 34, 0, true, paintAmount},
+    ElementLook{Kind::hero, 330, 6, false, paintHero},
+    ElementLook{Kind::map, 420, 6, false, paintMap},
+    ElementLook{Kind::notice, 380, 0, false, paintNotice},
+    ElementLook{Kind::button, 62, 5, true, paintButton},
+    ElementLook{Kind::roundButton, 112, 0, true, paintRoundButton},
+};
+
+const ElementLook& lookOf(const Element& element) {
+  return looks[static_cast<std::size_t>(element.kind)];
+}
+
+static_assert(looks.size() == static_cast<std::size_t>(Kind::roundButton) + 1);
+static_assert(std::is_sorted(looks.begin(), looks.end(),
+                             [](const auto& a, const auto& b) { return a.kind < b.kind; }));
+
 }  // namespace
 
-double heightOf(const Element& element, double width, Lettering& letters) {
-  switch (element.kind) {
-    case Kind::searchField:
-      return 52;
-    case Kind::heading:
-      return 46;
-    case Kind::paragraph: {
-      const auto lines = letters.wrapped(element.label, bodyFont, width).size();
-      return paragraphLine * static_cast<double>(lines) + 14;
-    }
-    case Kind::card:
-      return 218;
-    case Kind::row:
-      return element.picture == Element::Picture::none ? 56 : 76;
-    case Kind::field:
-      return 82;
-    case Kind::toggle:
-      return 58;
-    case Kind::slider:
-      return 96;
-    case Kind::amount:
-      return element.strong ? 44 : 34;
-    case Kind::hero:
-      return 330;
-    case Kind::map:
-      return 420;
-    case Kind::notice:
-      return 380;
-    case Kind::button:
-      return 62;
-    case Kind::roundButton:
-      return 112;
+double heightOf(const Element& element, double width, const Canvas& canvas) {
+  double height = lookOf(element).height;
+  if (element.kind == Kind::paragraph) {
+    const auto lines = canvas.wrapped(element.label, bodyFont, width).size();
+    height += paragraphLine * static_cast<double>(lines);
   }
-  return 0;
+  if (element.kind == Kind::row && element.picture != Element::Picture::none) height += 20;
+  if (element.kind == Kind::amount && element.strong) height += 10;
+  return height;
+}
+
+bool isAtFoot(const Element& element) {
+  return lookOf(element).isAtFoot;
 }
 
 Rect paintElement(const Element& element, Rect area, const Brush& brush) {
-  switch (element.kind) {
-    case Kind::searchField:
-      return paintSearchField(element, area, brush);
-    case Kind::heading:
-      brush.line(area.x, area.centre().y + 3, area.width, element.label, {22, Weight::bold},
-                 brush.look.ink);
-      return area;
-    case Kind::paragraph:
-      paintParagraph(element, area, brush);
-      return area;
-    case Kind::card:
-      return paintCard(element, area, brush);
-    case Kind::row:
-      return paintRow(element, area, brush);
-    case Kind::field:
-      return paintField(element, area, brush);
-    case Kind::toggle:
-      return paintToggle(element, area, brush);
-    case Kind::slider:
-      return paintSlider(element, area, brush);
-    case Kind::amount:
-      paintAmount(element, area, brush);
-      return area;
-    case Kind::hero:
-      drawGoods(brush.canvas, area.inset(0, 6), 18, element.label);
-      return area;
-    case Kind::map:
-      return paintMap(element, area, brush);
-    case Kind::notice:
-      paintNotice(element, area, brush);
-      return area;
-    case Kind::button:
-      return paintButton(element, area, brush);
-    case Kind::roundButton:
-      return paintRoundButton(element, area, brush);
-  }
-  return area;
+  const ElementLook& look = lookOf(element);
+  return look.paint(element, area.inset(0, look.space), brush);
 }
 
 }  // namespace corvane::standin

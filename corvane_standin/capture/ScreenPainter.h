@@ -2,11 +2,10 @@
 
 #include <optional>
 #include <string>
-#include <vector>
+#include <string_view>
 
-#include "corvane_standin/capture/Lettering.h"
-#include "corvane_standin/capture/PhoneFrame.h"
-#include "corvane_standin/capture/Screen.h"
+#include "corvane_standin/capture/Canvas.h"
+#include "corvane_standin/story/Screen.h"
 
 namespace corvane::standin {
 
@@ -16,16 +15,10 @@ struct PaintedScreen {
   std::optional<Rect> target;
 };
 
-/// Paints screens of phones, three pixels to a point. Used by one thread at a time.
-class ScreenPainter {
- public:
-  /// Throws std::runtime_error when the picture cannot be encoded.
-  [[nodiscard]] PaintedScreen paint(const Screen& screen);
+/// The same picture for the same screen. Throws std::runtime_error when it cannot be drawn.
+[[nodiscard]] PaintedScreen paint(const Screen& screen);
 
- private:
-  static constexpr int scale = 3;
-
-  Lettering letters{scale};
-};
+/// What stands out in an app: every app has a colour of its own, always the same one.
+[[nodiscard]] Colour accentOf(std::string_view appName);
 
 }  // namespace corvane::standin

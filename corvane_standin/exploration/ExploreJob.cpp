@@ -3,9 +3,8 @@
 #include <cmath>
 #include <utility>
 
-#include "corvane_standin/runs/StepText.h"
-#include "corvane_standin/workspace/Changes.h"
-#include "corvane_standin/workspace/Lookup.h"
+#include "corvane_standin/steps/Steps.h"
+#include "corvane_standin/workspace/Workspace.h"
 
 namespace corvane::standin {
 

@@ -6,8 +6,7 @@
 
 #include "CorvaneCore/authoring/AgentTestSchema.h"
 #include "corvane_standin/jobs/Job.h"
-#include "corvane_standin/jobs/Services.h"
-#include "corvane_standin/program/Stopwatch.h"
+#include "corvane_standin/program/Environment.h"
 #include "corvane_standin/runs/RunJob.h"
 
 namespace corvane::standin {

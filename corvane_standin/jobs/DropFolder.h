@@ -11,7 +11,7 @@
 #include "CorvaneCore/authoring/AgentTestSchema.h"
 #include "CorvaneCore/paths/AgentPaths.h"
 #include "CorvaneCore/requests/Requests.h"
-#include "corvane_standin/program/StandInLog.h"
+#include "corvane_standin/program/Environment.h"
 
 namespace corvane::standin {
 

@@ -2,7 +2,6 @@
 
 #include "CorvaneCore/requests/Requests.h"
 #include "corvane_standin/jobs/Job.h"
-#include "corvane_standin/jobs/Services.h"
 
 namespace corvane::standin {
 

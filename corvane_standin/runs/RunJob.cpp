@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "corvane_standin/runs/RunSummary.h"
+#include "corvane_standin/runs/TestRun.h"
 
 namespace corvane::standin {
 

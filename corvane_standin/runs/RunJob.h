@@ -6,9 +6,7 @@
 
 #include "CorvaneCore/requests/Requests.h"
 #include "corvane_standin/jobs/Job.h"
-#include "corvane_standin/jobs/Services.h"
-#include "corvane_standin/program/Stopwatch.h"
-#include "corvane_standin/runs/RunPlan.h"
+#include "corvane_standin/program/Environment.h"
 #include "corvane_standin/runs/TestRun.h"
 
 namespace corvane::standin {

@@ -1,13 +1,52 @@
 #pragma once
 
+#include <cstddef>
+#include <map>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "CorvaneCore/requests/Requests.h"
 #include "CorvaneCore/results/AgentRunResult.h"
-#include "corvane_standin/program/Clock.h"
-#include "corvane_standin/runs/RunPlan.h"
+#include "CorvaneCore/workspace/AgentContext.h"
+#include "corvane_standin/Settings.h"
+#include "corvane_standin/program/Environment.h"
 
 namespace corvane::standin {
+
+struct PlannedStep {
+  std::string title;
+  std::string description;
+  /// The interaction type as the workspace has it.
+  std::string type = {};
+};
+
+struct PlannedTest {
+  std::string id;
+  std::string name;
+  std::vector<PlannedStep> steps;
+  TestOutcome outcome;
+  /// The step at which the outcome shows; a step of the test, unless the test has none.
+  std::size_t turningStep = 0;
+};
+
+/// Everything that a run is going to do.
+struct RunPlan {
+  std::string platform;
+  AgentRunResult::AppIdentity app;
+  bool builds = false;
+  std::vector<PlannedTest> tests;
+
+  [[nodiscard]] std::size_t stepCount() const;
+  /// Why the build is going to fail, if it is.
+  [[nodiscard]] std::optional<std::string> buildFailure() const;
+};
+
+/// What `request` runs in `workspace`, by test name turning out as `outcomes` say. Throws
+/// RequestRefused.
+[[nodiscard]] RunPlan planRun(const AgentRunRequest& request, const AgentContext& workspace,
+                              const std::map<std::string, TestOutcome>& outcomes);
 
 /// One test as far as it has run.
 class TestRun {
@@ -40,7 +79,14 @@ class TestRun {
   AgentRunResult::Test outcome;
 };
 
-/// `duration` in seconds to the millisecond, as results carry it.
-[[nodiscard]] double roundedSeconds(Clock::Duration duration);
+/// The status of a run whose tests all ran: failed, warning or passed.
+[[nodiscard]] RunStatus overallStatus(const std::vector<AgentRunResult::Test>& tests);
+
+/// What there is to say about such a run: how many tests passed and which of them deserve a look.
+/// `tests` are the outcomes of the tests of `plan`, in its order.
+[[nodiscard]] std::string overallMessage(const RunPlan& plan,
+                                         const std::vector<AgentRunResult::Test>& tests);
+
+[[nodiscard]] AgentRunResult::Summary summaryOf(const std::vector<AgentRunResult::Test>& tests);
 
 }  // namespace corvane::standin

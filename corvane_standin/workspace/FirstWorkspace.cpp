@@ -1,4 +1,4 @@
-#include "corvane_standin/workspace/FirstWorkspace.h"
+#include "corvane_standin/workspace/Workspace.h"
 
 #include <utility>
 #include <vector>
@@ -235,7 +235,7 @@ AgentContext::UdiContext fillShippingAddress() {
 
 AgentContext firstWorkspace() {
   AgentContext workspace;
-  workspace.appVersion = "0.2.0";
+  workspace.appVersion = CORVANE_VERSION;
   workspace.currentProjectName = "Corner Shop";
   workspace.projects = {cornerShop(), trailLog()};
   workspace.device = AgentContext::DeviceContext{.platform = "iOS",

@@ -13,6 +13,7 @@
 namespace {
 
 using namespace corvane;
+using namespace corvane::testing;
 
 /// How many of the scripts did not go as they say.
 int play(const std::filesystem::path& server, const std::vector<std::string_view>& files) {

@@ -6,13 +6,16 @@
 #include "corvane_mcp/trace/PictureFormats.h"
 #include "tests/unit/standin/StandInFixture.h"
 
-namespace corvane::standin {
+namespace corvane::testing {
+
+using namespace standin;
+
 namespace {
 
-using testing::ElementsAre;
-using testing::Field;
-using testing::IsEmpty;
-using testing::SizeIs;
+using ::testing::ElementsAre;
+using ::testing::Field;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
 
 class CaptureTest : public StandInFixture {
  protected:
@@ -161,4 +164,4 @@ TEST_F(CaptureTest, ARunGoesOnWhereNothingCanBeRecorded) {
 }
 
 }  // namespace
-}  // namespace corvane::standin
+}  // namespace corvane::testing

@@ -1,18 +1,21 @@
-#include "corvane_standin/jobs/DropFolder.h"
-
 #include <gmock/gmock.h>
+
 #include <sys/stat.h>
 
 #include <fstream>
 
+#include "corvane_standin/jobs/DropFolder.h"
 #include "tests/unit/standin/StandInFixture.h"
 
-namespace corvane::standin {
+namespace corvane::testing {
+
+using namespace standin;
+
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
 
 class DropFolderTest : public StandInFixture {
  protected:
@@ -110,4 +113,4 @@ TEST_F(DropFolderTest, AMissingFolderIsAnEmptyOne) {
 }
 
 }  // namespace
-}  // namespace corvane::standin
+}  // namespace corvane::testing

@@ -3,11 +3,14 @@
 #include "tests/support/TestFiles.h"
 #include "tests/unit/standin/StandInFixture.h"
 
-namespace corvane::standin {
+namespace corvane::testing {
+
+using namespace standin;
+
 namespace {
 
+using ::testing::ElementsAre;
 using namespace std::chrono_literals;
-using testing::ElementsAre;
 
 AgentInteraction interaction(const std::string& type, const std::string& description = "") {
   AgentInteraction interaction;
@@ -286,4 +289,4 @@ TEST_F(ImportTest, APayloadDroppedByHandIsTakenUnderAnyName) {
 }
 
 }  // namespace
-}  // namespace corvane::standin
+}  // namespace corvane::testing

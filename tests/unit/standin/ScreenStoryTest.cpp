@@ -1,17 +1,19 @@
-#include "corvane_standin/capture/ScreenStory.h"
-
 #include <gmock/gmock.h>
 
 #include <algorithm>
 
-#include "corvane_standin/workspace/FirstWorkspace.h"
+#include "corvane_standin/story/ScreenStory.h"
+#include "corvane_standin/workspace/Workspace.h"
 
-namespace corvane::standin {
+namespace corvane::testing {
+
+using namespace standin;
+
 namespace {
 
-using testing::Contains;
-using testing::IsSupersetOf;
-using testing::Not;
+using ::testing::Contains;
+using ::testing::IsSupersetOf;
+using ::testing::Not;
 using Kind = Element::Kind;
 using Part = Target::Part;
 
@@ -86,7 +88,7 @@ TEST(ScreenStoryTest, WhatIsTypedIsInItsField) {
                              {"input", "geheim"},
                              {"tap", "Tap the button \"Sign in\""}});
   const auto screen = storyOf(test).screenAt(4);
-  EXPECT_THAT(labels(screen, Kind::field), testing::ElementsAre("E-mail", "Password"));
+  EXPECT_THAT(labels(screen, Kind::field), ::testing::ElementsAre("E-mail", "Password"));
   EXPECT_EQ(screen.elements[0].detail, "ada@example.com");
   EXPECT_EQ(screen.elements[1].detail, "••••••");
   EXPECT_FALSE(screen.elements[0].strong);
@@ -185,5 +187,32 @@ TEST(ScreenStoryTest, EveryStepHasAScreenWhateverItSays) {
   EXPECT_EQ(storyOf(PlannedTest()).screenAt(0).title, "Corner Shop");
 }
 
+TEST(TouchesTest, AScrollMovesTheFingerTheOtherWay) {
+  const auto down = touchesOf(StepWords("scroll", "Scroll down to the end"), std::nullopt).at(0);
+  EXPECT_GT(down.y, down.endY.value());
+  const auto up = touchesOf(StepWords("scroll", "Scroll up"), std::nullopt).at(0);
+  EXPECT_LT(up.y, up.endY.value());
+}
+
+TEST(TouchesTest, ADragFollowsItsWords) {
+  const Rect row{0.1, 0.4, 0.8, 0.1};
+  const auto left =
+      touchesOf(StepWords("drag", "Drag the row \"Mug\" to the left edge"), row).at(0);
+  EXPECT_GT(left.x, left.endX.value());
+  EXPECT_EQ(left.y, left.endY.value());
+  const auto handle =
+      touchesOf(StepWords("drag", "Drag the right handle of \"Price\" to the middle"),
+                Rect{0.8, 0.4, 0.05, 0.02})
+          .at(0);
+  EXPECT_EQ(handle.endX, 0.5);
+}
+
+TEST(TouchesTest, OnlyGesturesTouch) {
+  const Rect area{0.1, 0.1, 0.2, 0.2};
+  EXPECT_TRUE(touchesOf(StepWords("visualAssert", "The \"Mug\""), area).empty());
+  EXPECT_TRUE(touchesOf(StepWords("input", "text"), area).empty());
+  EXPECT_TRUE(touchesOf(StepWords("tap", "Tap \"Mug\""), std::nullopt).empty());
+}
+
 }  // namespace
-}  // namespace corvane::standin
+}  // namespace corvane::testing

@@ -11,14 +11,30 @@
 #include "CorvaneCore/text/Unicode.h"
 #include "CorvaneCore/text/Uuid.h"
 #include "corvane_standin/StandIn.h"
-#include "corvane_standin/program/StandInPaths.h"
+#include "corvane_standin/program/Environment.h"
 #include "tests/support/TemporaryHome.h"
-#include "tests/unit/standin/ManualClock.h"
 
-namespace corvane::standin {
+namespace corvane::testing {
+
+using namespace standin;
+
+/// A clock that a test moves.
+class ManualClock final : public Clock {
+ public:
+  [[nodiscard]] Time now() const override { return Time(elapsed); }
+  [[nodiscard]] Date date() const override {
+    const Date start = std::chrono::sys_days(std::chrono::year(2026) / 3 / 1);
+    return start + std::chrono::floor<std::chrono::seconds>(elapsed);
+  }
+
+  void advance(Duration time) { elapsed += time; }
+
+ private:
+  Duration elapsed{};
+};
 
 /// A stand-in in a home of its own, whose time passes only when a test lets it.
-class StandInFixture : public testing::Test {
+class StandInFixture : public ::testing::Test {
  protected:
   StandInFixture() {
     ensureDirectoryExists(StandInPaths(paths).directory());
@@ -136,4 +152,4 @@ class StandInFixture : public testing::Test {
   std::optional<StandIn> standIn;
 };
 
-}  // namespace corvane::standin
+}  // namespace corvane::testing

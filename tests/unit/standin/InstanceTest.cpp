@@ -1,0 +1,84 @@
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <thread>
+
+#include "corvane_standin/program/Instance.h"
+#include "tests/unit/standin/StandInFixture.h"
+
+namespace corvane::testing {
+
+using namespace standin;
+
+namespace {
+
+using namespace std::chrono_literals;
+
+class InstanceLockTest : public StandInFixture {
+ protected:
+  const std::filesystem::path file = StandInPaths(paths).lockFile();
+};
+
+TEST_F(InstanceLockTest, OnlyTheFirstGetsIt) {
+  const auto lock = InstanceLock::tryAcquire(file);
+  ASSERT_TRUE(lock);
+  EXPECT_FALSE(InstanceLock::tryAcquire(file));
+  EXPECT_EQ(readFile(file), std::to_string(::getpid()) + "\n");
+}
+
+TEST_F(InstanceLockTest, IsInPlaceAsLongAsItsFileIs) {
+  const auto lock = InstanceLock::tryAcquire(file);
+  ASSERT_TRUE(lock);
+  EXPECT_TRUE(lock->inPlace());
+  std::filesystem::remove_all(file.parent_path());
+  EXPECT_FALSE(lock->inPlace());
+  ensureDirectoryExists(file.parent_path());
+  const auto next = InstanceLock::tryAcquire(file);
+  ASSERT_TRUE(next);
+  EXPECT_FALSE(lock->inPlace()) << "another instance's file stands in the place now";
+  EXPECT_TRUE(next->inPlace());
+}
+
+TEST_F(InstanceLockTest, AFileThatCannotBeMadeIsAnError) {
+  EXPECT_THROW((void)InstanceLock::tryAcquire(file / "below"), FileError);
+}
+
+TEST_F(InstanceLockTest, QuittingNobodySucceeds) {
+  EXPECT_TRUE(quitInstance(file, 0s));
+  writeFileWhole(file, std::to_string(::getpid()));
+  EXPECT_TRUE(quitInstance(file, 0s)) << "the id of a process that died long ago means nothing";
+}
+
+TEST_F(InstanceLockTest, QuittingWaitsUntilTheInstanceIsGone) {
+  const pid_t child = ::fork();
+  if (child == 0) {
+    const auto lock = InstanceLock::tryAcquire(file);
+    while (true) ::pause();
+  }
+  while (!fileExists(file) || readFile(file).empty()) std::this_thread::yield();
+  EXPECT_TRUE(quitInstance(file, 30s));
+  int status = 0;
+  EXPECT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM);
+}
+
+/// In a process of its own, as signals held back stay so for the rest of its life.
+TEST(StopSignalsDeathTest, SignalsAreSeenAndDoNotEndTheProcess) {
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+    EXPECT_EXIT(
+        {
+          const StopSignals stop;
+          if (stop.arrived()) std::_Exit(1);
+          std::raise(signal);
+          std::_Exit(stop.arrived() ? 0 : 2);
+        },
+        ::testing::ExitedWithCode(0), "")
+        << signal;
+  }
+}
+
+}  // namespace
+}  // namespace corvane::testing
