@@ -97,7 +97,7 @@ std::string unreadableText(const std::filesystem::path& path) {
 
 std::string snapshotHeader(const ResultFileStore::Snapshot& snapshot,
                            const ToolServices& services) {
-  std::string header = "status: " + snapshot.status;
+  const std::string header = "status: " + snapshot.status;
   if (snapshot.terminal) return header + " (terminal)";
 
   std::optional<std::int64_t> seconds;
