@@ -90,7 +90,12 @@ void takeFieldIfFits(const Field<Record, Member>& field, JsonObject::iterator& n
   while (next != end && (order = next->key.compare(field.key)) < 0) ++next;
   if (next == end || order != 0) return;
   auto value = decodeIfFits<typename FieldValue<Member>::Type>(std::move(next->value));
-  if (value) record.*field.member = std::move(*value);
+  if (!value) return;
+  if constexpr (record_detail::IsOptional<Member>::value) {
+    record.*field.member = std::move(value);
+  } else {
+    record.*field.member = std::move(*value);
+  }
 }
 
 }  // namespace lenient_detail

@@ -27,15 +27,17 @@ Result runTask(Task<Result> task) {
   asio::io_context context;
   std::exception_ptr failure;
   if constexpr (std::is_void_v<Result>) {
-    asio::co_spawn(context, std::move(task), [&](std::exception_ptr thrown) { failure = thrown; });
+    asio::co_spawn(context, std::move(task),
+                   [&](const std::exception_ptr& thrown) { failure = thrown; });
     context.run();
     if (failure) std::rethrow_exception(failure);
   } else {
     Result result;
-    asio::co_spawn(context, std::move(task), [&](std::exception_ptr thrown, Result returned) {
-      failure = thrown;
-      result = std::move(returned);
-    });
+    asio::co_spawn(context, std::move(task),
+                   [&](const std::exception_ptr& thrown, Result returned) {
+                     failure = thrown;
+                     result = std::move(returned);
+                   });
     context.run();
     if (failure) std::rethrow_exception(failure);
     return result;

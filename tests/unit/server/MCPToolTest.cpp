@@ -13,7 +13,9 @@ namespace corvane::testing {
 namespace {
 
 MCPTool answering(std::string_view name, std::string answer) {
-  return fakeTool(name, [answer](const ToolCall&) { return ToolsCallResult::success(answer); });
+  return fakeTool(name, [answer = std::move(answer)](const ToolCall&) {
+    return ToolsCallResult::success(answer);
+  });
 }
 
 TEST(ToolRegistryTest, ListsToolsSortedByName) {
