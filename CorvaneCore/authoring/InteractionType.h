@@ -95,7 +95,7 @@ struct Vocabulary<InteractionType> {
     Required<std::string_view> chipTitle;
     Required<Role> role;
     /// Where the type stands among all when authors are told of them: 0 for the first.
-    Required<std::size_t> place;
+    Required<int> place;
     Required<Description> description;
     Required<Branching> branching;
     Required<InteractionDefinition (*)()> definition;
@@ -235,9 +235,10 @@ struct Vocabulary<InteractionType> {
   std::array<InteractionType, Words::rows.size()> types{};
   std::array<bool, Words::rows.size()> taken{};
   for (const auto& row : Words::rows) {
+    const auto place = static_cast<std::size_t>(row.place);
     // Two types in one place do not compile.
-    if (std::exchange(taken.at(row.place), true)) throw "two types stand in one place";
-    types.at(row.place) = row.value;
+    if (std::exchange(taken.at(place), true)) throw "two types stand in one place";
+    types.at(place) = row.value;
   }
   return types;
 }
