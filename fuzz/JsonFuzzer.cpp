@@ -13,7 +13,7 @@
 namespace {
 
 using corvane::AnyCodable;
-using corvane::require;
+using corvane::testing::require;
 using Other = nlohmann::json;
 
 std::optional<AnyCodable> read(corvane::JsonReader& reader, std::string_view text) {

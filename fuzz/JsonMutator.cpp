@@ -20,7 +20,7 @@
 /// What the fuzzer does to bytes by itself, with the words of its dictionary.
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t maxSize);
 
-namespace corvane {
+namespace corvane::testing {
 
 namespace {
 
@@ -167,11 +167,11 @@ std::size_t join(const PickedLine& from, const AnyCodable& line, std::uint8_t* i
 
 }  // namespace
 
-}  // namespace corvane
+}  // namespace corvane::testing
 
 extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size,
                                                std::size_t maxSize, unsigned seed) {
-  using namespace corvane;
+  using namespace corvane::testing;
   ValueMutator mutator(seed);
   const auto picked = pickLine(asText(data, size), mutator.below(size + 1));
   // Now and then the text is damaged as any other would be.
@@ -187,7 +187,7 @@ extern "C" std::size_t LLVMFuzzerCustomCrossOver(const std::uint8_t* data, std::
                                                  const std::uint8_t* other, std::size_t otherSize,
                                                  std::uint8_t* out, std::size_t maxOut,
                                                  unsigned seed) {
-  using namespace corvane;
+  using namespace corvane::testing;
   ValueMutator mutator(seed);
   const auto picked = pickLine(asText(data, size), mutator.below(size + 1));
   const auto line = pickLine(asText(other, otherSize), mutator.below(otherSize + 1)).line;

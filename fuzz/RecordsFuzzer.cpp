@@ -20,6 +20,7 @@
 namespace {
 
 using namespace corvane;
+using namespace corvane::testing;
 
 std::optional<AnyCodable> read(std::string_view text) {
   try {

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace corvane {
+namespace corvane::testing {
 
 /// Ends a fuzzer with a finding unless `holds`. `promise` says what should have held; it reaches
 /// the report even while standard error is closed to the code under test.
@@ -16,4 +16,4 @@ inline void require(bool holds, std::string_view promise) {
   std::abort();
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

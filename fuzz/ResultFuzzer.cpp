@@ -13,6 +13,7 @@
 namespace {
 
 using namespace corvane;
+using namespace corvane::testing;
 
 constexpr std::string_view requestId = "0a1b2c3d-0000-4000-8000-00000000abcd";
 

@@ -18,6 +18,7 @@
 namespace {
 
 using namespace corvane;
+using namespace corvane::testing;
 
 /// A clock on which every wait is over at once, for calls on several threads.
 class HastyClock final : public Clock {

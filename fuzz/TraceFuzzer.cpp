@@ -21,7 +21,7 @@ namespace {
 
 using Block = corvane::ContentBlock;
 using corvane::PictureInput;
-using corvane::require;
+using corvane::testing::require;
 namespace TraceImageReader = corvane::TraceImageReader;
 
 /// Whatever comes out is a JPEG that fits: it is read back with the same limits.
@@ -43,9 +43,9 @@ void show(std::span<const std::uint8_t> picture, const corvane::CaptureFrame& fr
 
 /// Shows step 0 of a capture session of these files, as get_result does.
 void showSession(std::string_view manifest, std::string_view picture) {
-  static const corvane::TemporaryHome session;
-  corvane::TestFiles::write(corvane::CaptureSession::fileURL(session.path()), manifest);
-  corvane::TestFiles::write(session.path() / "a", picture);
+  static const corvane::testing::TemporaryHome session;
+  corvane::testing::TestFiles::write(corvane::CaptureSession::fileURL(session.path()), manifest);
+  corvane::testing::TestFiles::write(session.path() / "a", picture);
   const auto blocks = TraceImageReader::blocks(session.path(), 0);
   require(!blocks.empty() && std::holds_alternative<Block::Text>(blocks.front().choice),
           "a step has a caption");

@@ -12,6 +12,7 @@
 namespace {
 
 using namespace corvane;
+using namespace corvane::testing;
 
 void checkJudgement(const AgentTestSchema& payload) {
   const std::string before = AgentWire::encode(payload);

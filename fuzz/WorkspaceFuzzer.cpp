@@ -13,6 +13,7 @@
 namespace {
 
 using namespace corvane;
+using namespace corvane::testing;
 
 std::optional<AnyCodable> readObject(const std::string& text) {
   try {

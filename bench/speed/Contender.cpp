@@ -17,7 +17,7 @@
 #include "tests/support/Pipe.h"
 #include "tests/support/ProcessFacts.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 namespace {
 
@@ -155,4 +155,4 @@ void Contender::failToTalk(const char* what) const {
   throw std::runtime_error(std::string(what) + " " + name + " failed");
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

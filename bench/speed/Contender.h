@@ -9,7 +9,7 @@
 
 #include "CorvaneCore/files/Files.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 /// A program that is measured: started over pipes, spoken to in lines, with its standard error
 /// leading nowhere. Reads and writes block; a program that ends too early is an error, thrown as
@@ -61,4 +61,4 @@ class Contender {
   std::size_t taken = 0;
 };
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -7,7 +7,7 @@
 #include "CorvaneCore/results/AgentRunResult.h"
 #include "CorvaneCore/workspace/AgentContext.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 namespace {
 
@@ -161,4 +161,4 @@ std::string Documents::createTestArguments() {
                            {"interactions", std::move(interactions)}});
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -5,7 +5,7 @@
 
 #include "CorvaneCore/paths/AgentPaths.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 /// The large documents that rows are measured on, always the same.
 namespace Documents {
@@ -25,4 +25,4 @@ void writeRunningResult(std::string_view requestId, const AgentPaths& in);
 
 }  // namespace Documents
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstdio>
 
-namespace corvane {
+namespace corvane::testing {
 
 std::string shortNumber(double value) {
   const double magnitude = std::abs(value);
@@ -32,4 +32,4 @@ Finding timesAtMost(std::string what, double allowed, double measured) {
           ""};
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace corvane {
+namespace corvane::testing {
 
 /// One line of the table: what was required and what was measured.
 struct Finding {
@@ -23,4 +23,4 @@ struct Finding {
 /// A finding about how many times as much we take; `allowed` as a largest factor.
 [[nodiscard]] Finding timesAtMost(std::string what, double allowed, double measured);
 
-}  // namespace corvane
+}  // namespace corvane::testing

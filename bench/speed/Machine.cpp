@@ -10,7 +10,7 @@
 #include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/json/JsonReader.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 namespace {
 
@@ -58,4 +58,4 @@ std::string loadAverages() {
   return text.data();
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

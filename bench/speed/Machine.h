@@ -4,7 +4,7 @@
 
 #include "bench/speed/Setting.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 /// What the figures were measured on, as a Markdown list: processor, system, compilers, versions.
 [[nodiscard]] std::string describeMachine(const Setting& setting);
@@ -12,4 +12,4 @@ namespace corvane {
 /// How busy the machine is right now: the load averages of one, five and fifteen minutes.
 [[nodiscard]] std::string loadAverages();
 
-}  // namespace corvane
+}  // namespace corvane::testing

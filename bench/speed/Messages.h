@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace corvane {
+namespace corvane::testing {
 
 /// Requests as lines, each with its line feed.
 namespace Messages {
@@ -29,4 +29,4 @@ namespace Messages {
 
 }  // namespace Messages
 
-}  // namespace corvane
+}  // namespace corvane::testing

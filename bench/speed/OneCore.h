@@ -2,7 +2,7 @@
 
 #include <sched.h>
 
-namespace corvane {
+namespace corvane::testing {
 
 /// While it lives, this thread and whatever it starts share one core. Which core a process wakes on
 /// is otherwise the scheduler's choice, and waking another core costs several times what answering
@@ -24,4 +24,4 @@ class OneCore {
   cpu_set_t before{};
 };
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -4,7 +4,7 @@
 
 #include "bench/speed/Finding.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 void RoundTrips::addRound(Contender& contender, std::size_t count,
                           const std::function<std::string(std::size_t)>& request,
@@ -26,4 +26,4 @@ std::string RoundTrips::text() const {
   return shortNumber(median()) + " / " + shortNumber(percentile99()) + " µs";
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -7,7 +7,7 @@
 #include "bench/speed/Contender.h"
 #include "bench/speed/Samples.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 /// How long one request after the other took, in microseconds, over several rounds. What a round
 /// says is the median of the rounds, so that one disturbed round does not count.
@@ -28,4 +28,4 @@ class RoundTrips {
   Samples percentiles;
 };
 
-}  // namespace corvane
+}  // namespace corvane::testing

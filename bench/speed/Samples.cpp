@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace corvane {
+namespace corvane::testing {
 
 void Samples::add(const Samples& others) {
   values.insert(values.end(), others.values.begin(), others.values.end());
@@ -16,4 +16,4 @@ double Samples::quantile(double share) const {
   return *at;
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

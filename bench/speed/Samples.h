@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <vector>
 
-namespace corvane {
+namespace corvane::testing {
 
 /// Measured figures of one kind, in any unit.
 class Samples {
@@ -20,4 +20,4 @@ class Samples {
   std::vector<double> values;
 };
 
-}  // namespace corvane
+}  // namespace corvane::testing

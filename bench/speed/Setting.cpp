@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-namespace corvane {
+namespace corvane::testing {
 
 namespace {
 
@@ -37,4 +37,4 @@ Contender::Command Setting::nodeJob(const std::string& program,
   return command;
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -7,7 +7,7 @@
 
 #include "bench/speed/Contender.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 /// Where the contenders are and how often each is measured.
 struct Setting {
@@ -38,4 +38,4 @@ struct Setting {
       .count();
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

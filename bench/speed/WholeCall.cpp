@@ -2,7 +2,7 @@
 
 #include "CorvaneCore/json/AgentWire.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 void WholeCall::addServerRound() {
   Contender contender(setting.serverIn(home));
@@ -41,4 +41,4 @@ std::string megabytes(const std::filesystem::path& file) {
   return shortNumber(static_cast<double>(std::filesystem::file_size(file)) / 1e6) + " MB";
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -9,7 +9,7 @@
 #include "bench/speed/Samples.h"
 #include "bench/speed/Setting.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 /// A call of a tool, from the request written to the reply read, against a program for Node.js.
 /// Both are warm: of each process the first few times do not count.
@@ -56,4 +56,4 @@ class WholeCall {
 /// The size of a file, e.g. "23.4 MB".
 [[nodiscard]] std::string megabytes(const std::filesystem::path& file);
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -13,6 +13,7 @@
 namespace {
 
 using namespace corvane;
+using namespace corvane::testing;
 
 void print(const Finding& finding) {
   std::cout << "| " << finding.what << " | " << finding.required << " | " << finding.measured

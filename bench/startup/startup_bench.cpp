@@ -22,6 +22,7 @@
 namespace {
 
 using namespace corvane;
+using namespace corvane::testing;
 
 double millisecondsToRun(const std::string& program, const std::filesystem::path& home) {
   posix_spawn_file_actions_t actions;

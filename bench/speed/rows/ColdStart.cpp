@@ -2,7 +2,7 @@
 #include "bench/speed/rows/Rows.h"
 #include "tests/support/TemporaryHome.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 namespace {
 
@@ -36,4 +36,4 @@ Rows::Findings Rows::coldStart(const Setting& setting) {
   return {toSdk, toFloor};
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

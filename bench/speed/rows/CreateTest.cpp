@@ -10,7 +10,7 @@
 #include "bench/speed/rows/Rows.h"
 #include "tests/support/TemporaryHome.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 namespace {
 
@@ -73,4 +73,4 @@ Rows::Findings Rows::createTest(const Setting& setting) {
   return {whole, validation};
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -4,7 +4,7 @@
 #include "bench/speed/rows/Rows.h"
 #include "tests/support/TemporaryHome.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 Rows::Findings Rows::describeProject(const Setting& setting) {
   const TemporaryHome home;
@@ -23,4 +23,4 @@ Rows::Findings Rows::describeProject(const Setting& setting) {
   return {finding};
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -5,7 +5,7 @@
 #include "bench/speed/rows/Rows.h"
 #include "tests/support/TemporaryHome.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 Rows::Findings Rows::getResult(const Setting& setting) {
   const TemporaryHome home;
@@ -26,4 +26,4 @@ Rows::Findings Rows::getResult(const Setting& setting) {
   return {finding};
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -3,7 +3,7 @@
 #include "bench/speed/rows/Rows.h"
 #include "tests/support/TemporaryHome.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 namespace {
 
@@ -34,4 +34,4 @@ Rows::Findings Rows::healthCall(const Setting& setting) {
   return {finding};
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

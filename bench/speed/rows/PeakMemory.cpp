@@ -3,7 +3,7 @@
 #include "bench/speed/rows/Rows.h"
 #include "tests/support/TemporaryHome.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 namespace {
 
@@ -41,4 +41,4 @@ Rows::Findings Rows::peakMemory(const Setting& setting) {
   return {finding};
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -4,7 +4,7 @@
 #include "bench/speed/rows/Rows.h"
 #include "tests/support/TemporaryHome.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 namespace {
 
@@ -68,4 +68,4 @@ Rows::Findings Rows::ping(const Setting& setting) {
   return findings;
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

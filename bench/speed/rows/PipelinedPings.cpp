@@ -3,7 +3,7 @@
 #include "bench/speed/rows/Rows.h"
 #include "tests/support/TemporaryHome.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 namespace {
 
@@ -62,4 +62,4 @@ Rows::Findings Rows::pipelinedPings(const Setting& setting) {
   return {rate, memory};
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

@@ -7,7 +7,7 @@
 #include "bench/speed/Finding.h"
 #include "bench/speed/Setting.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 /// The rows of the table. Each measures its contenders in turn, round by round.
 namespace Rows {
@@ -48,4 +48,4 @@ inline constexpr std::array all{
 
 }  // namespace Rows
 
-}  // namespace corvane
+}  // namespace corvane::testing

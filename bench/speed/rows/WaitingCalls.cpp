@@ -8,7 +8,7 @@
 #include "bench/speed/rows/Rows.h"
 #include "tests/support/TemporaryHome.h"
 
-namespace corvane {
+namespace corvane::testing {
 
 namespace {
 
@@ -66,4 +66,4 @@ Rows::Findings Rows::waitingCalls(const Setting& setting) {
            shortNumber(kilobytes) + " KiB", kilobytes < 16, shortNumber(kilobytes) + " KiB", "—"}};
 }
 
-}  // namespace corvane
+}  // namespace corvane::testing

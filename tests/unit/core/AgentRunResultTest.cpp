@@ -1,8 +1,8 @@
-#include "CorvaneCore/results/AgentRunResult.h"
-
 #include <gtest/gtest.h>
 
+#include "CorvaneCore/capture/CaptureSession.h"
 #include "CorvaneCore/json/AnyCodable.h"
+#include "CorvaneCore/results/AgentRunResult.h"
 #include "tests/support/ErrorText.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/unit/core/RecordRules.h"
@@ -241,6 +241,69 @@ TEST(AgentRunResultTest, WritesAndReadsItsFile) {
   EXPECT_EQ(file, home.paths().agentResultsDirectory() / (std::string(id) + ".json"));
   EXPECT_EQ(readFile(file), fullText);
   EXPECT_EQ(AgentWire::encode(AgentRunResult::read(file)), fullText);
+}
+
+TEST(RunStatusTest, EveryStatusHasItsPlaceAndItsTerminalFlag) {
+  const std::vector<std::pair<const char*, bool>> expected{
+      {"received", false}, {"queued", false},     {"validating", false}, {"importFailed", true},
+      {"building", false}, {"buildFailed", true}, {"running", false},    {"authoring", false},
+      {"imported", true},  {"authored", true},    {"extracted", true},   {"deleted", true},
+      {"passed", true},    {"failed", true},      {"warning", true},     {"cancelled", true},
+      {"blocked", true},   {"error", true},
+  };
+  ASSERT_EQ(Vocabulary<RunStatus>::rows.size(), expected.size());
+  for (std::size_t i = 0; i < expected.size(); ++i) {
+    const auto& [raw, terminal] = expected[i];
+    const auto status = static_cast<RunStatus>(i);
+    EXPECT_EQ(rawValue(status), raw);
+    EXPECT_EQ(fromRawValue<RunStatus>(raw), status);
+    EXPECT_EQ(isTerminal(status), terminal) << raw;
+
+    AgentRunResult result;
+    result.terminal = !terminal;
+    result.setStatus(status);
+    EXPECT_EQ(result.status, raw);
+    EXPECT_EQ(result.terminal, terminal) << raw;
+  }
+}
+
+TEST(RunStatusTest, OtherTextsNameNoStatus) {
+  for (const char* raw : {"", "Passed", "canceled", "done", "import_failed", "passed "}) {
+    EXPECT_EQ(fromRawValue<RunStatus>(raw), std::nullopt) << raw;
+  }
+}
+
+constexpr const char* fullManifest =
+    R"({"frames":[{"imageFileName":"1.png","status":"beforeStep","stepIndex":2,)"
+    R"("touches":[{"endX":0.25,"endY":0.5,"x":0.75,"y":0.5}]}]})";
+
+TEST(CaptureSessionTest, EveryMemberFollowsItsRule) {
+  expectRecordRules<CaptureSession>(
+      fullManifest, {
+                        {"frames", "an array", Presence::required},
+                        {"frames[0]", "an object", Presence::entry},
+                        {"frames[0].imageFileName", "a string", Presence::required},
+                        {"frames[0].status", "a string", Presence::required},
+                        {"frames[0].stepIndex", "an integer", Presence::required},
+                        {"frames[0].touches", "an array", Presence::optional},
+                        {"frames[0].touches[0]", "an object", Presence::entry},
+                        {"frames[0].touches[0].endX", "a number", Presence::optional},
+                        {"frames[0].touches[0].endY", "a number", Presence::optional},
+                        {"frames[0].touches[0].x", "a number", Presence::required},
+                        {"frames[0].touches[0].y", "a number", Presence::required},
+                    });
+}
+
+TEST(CaptureSessionTest, IsWrittenIntoItsFolder) {
+  const TemporaryHome home;
+  CaptureSession session;
+  session.frames.push_back({.stepIndex = 2,
+                            .status = FrameStatus::beforeStep,
+                            .imageFileName = "1.png",
+                            .touches = std::vector{Touch{0.75, 0.5, 0.25, 0.5}}});
+  session.write(home.path() / "session");
+  EXPECT_EQ(readFile(home.path() / "session" / "session.json"), fullManifest);
+  EXPECT_EQ(CaptureSession::read(home.path() / "session").frames.at(0).touches->at(0).endX, 0.25);
 }
 
 }  // namespace

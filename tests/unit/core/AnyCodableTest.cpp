@@ -1,9 +1,8 @@
-#include "CorvaneCore/json/AnyCodable.h"
-
 #include <gtest/gtest.h>
 
 #include <limits>
 
+#include "CorvaneCore/json/AnyCodable.h"
 #include "CorvaneCore/json/JsonReader.h"
 #include "CorvaneCore/json/JsonWriter.h"
 #include "tests/support/PrintJson.h"
@@ -170,6 +169,159 @@ TEST(AnyCodableTest, AssignsAcrossKinds) {
       EXPECT_EQ(moved, from);
     }
   }
+}
+
+TEST(JsonObjectTest, KeepsItsKeysSorted) {
+  EXPECT_EQ(toJson(JsonObject{{"b", 1}, {"B", 2}, {"a", 3}, {"", 4}, {"aa", 5}, {"_", 6}}),
+            R"({"":4,"B":2,"_":6,"a":3,"aa":5,"b":1})");
+}
+
+TEST(JsonObjectTest, SortsByCodePoint) {
+  // U+1F600 lies beyond the private use character U+E000 and beyond U+FFFD, although its UTF-16
+  // form begins with a smaller unit.
+  const std::string beyond = "\xF0\x9F\x98\x80";
+  const std::string privateUse = "\xEE\x80\x80";
+  const std::string replacement = "\xEF\xBF\xBD";
+  const std::string accented = "\xC3\xA9";
+  EXPECT_EQ(
+      toJson(JsonObject{{beyond, 1}, {replacement, 2}, {privateUse, 3}, {accented, 4}, {"z", 5}}),
+      "{\"z\":5,\"" + accented + "\":4,\"" + privateUse + "\":3,\"" + replacement + "\":2,\"" +
+          beyond + "\":1}");
+  EXPECT_EQ(
+      toJson(readJson(R"({"\ud83d\ude00":1,"\ue000":2,"\uffff":3,"\u0000":4,"\u007f":5})")),
+      "{\"\\u0000\":4,\"\x7F\":5,\"\xEE\x80\x80\":2,\"\xEF\xBF\xBF\":3,\"" + beyond + "\":1}");
+}
+
+TEST(JsonObjectTest, LastOfSeveralMembersWithOneKeyWins) {
+  EXPECT_EQ(toJson(JsonObject{{"a", 1}, {"a", 2}}), R"({"a":2})");
+  EXPECT_EQ(toJson(JsonObject{{"b", 1}, {"a", 1}, {"b", 2}, {"c", 1}, {"a", 2}, {"b", 3}}),
+            R"({"a":2,"b":3,"c":1})");
+  EXPECT_EQ(toJson(JsonObject{{"a", AnyCodable::Array{1}}, {"b", 1}, {"a", nullptr}}),
+            R"({"a":null,"b":1})");
+}
+
+TEST(JsonObjectTest, SetInsertsAndReplaces) {
+  JsonObject object;
+  EXPECT_TRUE(object.empty());
+  object.set("m", 1);
+  object.set("a", 2);
+  object.set("z", 3);
+  object.set("m", "replaced");
+  EXPECT_EQ(object.size(), 3U);
+  EXPECT_FALSE(object.empty());
+  EXPECT_EQ(toJson(object), R"({"a":2,"m":"replaced","z":3})");
+}
+
+TEST(JsonObjectTest, FindsExactKeysOnly) {
+  JsonObject object{{"a", 1}, {"c", 3}, {std::string("a\0", 2), 2}};
+  EXPECT_EQ(object.find("b"), nullptr);
+  EXPECT_EQ(object.find(""), nullptr);
+  EXPECT_EQ(object.find("cc"), nullptr);
+  EXPECT_EQ(*object.find("a"), AnyCodable(1));
+  EXPECT_EQ(*object.find(std::string_view("a\0", 2)), AnyCodable(2));
+  *object.find("c") = "changed in place";
+  EXPECT_EQ(*object.find("c"), AnyCodable("changed in place"));
+}
+
+std::string repeated(std::string_view part, std::size_t count) {
+  std::string text;
+  text.reserve(part.size() * count);
+  for (std::size_t i = 0; i < count; ++i) text += part;
+  return text;
+}
+
+std::string nestedArrays(std::size_t levels) {
+  return repeated("[", levels) + repeated("]", levels);
+}
+
+std::string nestedObjects(std::size_t levels) {
+  return repeated("{\"a\":", levels) + "null" + repeated("}", levels);
+}
+
+/// Arrays and objects in turn, with something before and after every nested value.
+std::string nestedMixture(std::size_t levels) {
+  return repeated("[1,{\"a\":\"x\",\"b\":", levels) + "0.5" + repeated(",\"c\":[]},{}]", levels);
+}
+
+/// Reads, copies, compares, assigns, destroys and writes `text`, which must come out as it went in.
+void expectFaithful(const std::string& text) {
+  AnyCodable value = readJson(text);
+  AnyCodable copy = value;
+  EXPECT_TRUE(copy == value);
+  value = nullptr;
+  EXPECT_FALSE(copy == value);
+  value = copy;
+  EXPECT_TRUE(copy == value);
+  copy = std::move(value);
+  EXPECT_TRUE(toJson(copy) == text);
+}
+
+TEST(JsonNestingTest, TenThousandLevelsAreKeptFaithfully) {
+  expectFaithful(nestedArrays(10'000));
+  expectFaithful(nestedObjects(10'000));
+  expectFaithful(nestedMixture(10'000));
+}
+
+TEST(JsonNestingTest, AHundredThousandLevelsAreKeptFaithfully) {
+  expectFaithful(nestedArrays(100'000));
+}
+
+TEST(JsonNestingTest, AMillionArraysAreReadAndDestroyed) {
+  EXPECT_NE(readJson(nestedArrays(1'000'000)).array(), nullptr);
+}
+
+TEST(JsonNestingTest, AMillionObjectsAreReadAndDestroyed) {
+  EXPECT_NE(readJson(nestedObjects(1'000'000)).object(), nullptr);
+}
+
+TEST(JsonNestingTest, ADifferenceAtTheBottomIsSeen) {
+  const AnyCodable left = readJson(repeated("[", 10'000) + "1" + repeated("]", 10'000));
+  const AnyCodable right = readJson(repeated("[", 10'000) + "2" + repeated("]", 10'000));
+  EXPECT_FALSE(left == right);
+}
+
+TEST(JsonNestingTest, ValuesBuiltInMemoryNestAsDeeply) {
+  AnyCodable value;
+  for (int level = 0; level < 100'000; ++level) {
+    if (level % 2 == 0) {
+      AnyCodable::Array array;
+      array.push_back(std::move(value));
+      value = std::move(array);
+    } else {
+      AnyCodable::Object object;
+      object.set("a", std::move(value));
+      value = std::move(object);
+    }
+  }
+  const AnyCodable copy = value;
+  EXPECT_TRUE(copy == value);
+  value = nullptr;
+  EXPECT_TRUE(value.isNull());
+}
+
+TEST(JsonNestingTest, AnAncestorIsReplacedByItsDeepDescendant) {
+  AnyCodable value = readJson(repeated("[", 100'000) + "[7]" + repeated("]", 100'000));
+  AnyCodable* inner = &value;
+  for (int level = 0; level < 100'000; ++level) {
+    inner = &std::get<AnyCodable::Array>(inner->value())[0];
+  }
+  value = std::move(*inner);
+  EXPECT_EQ(toJson(value), "[7]");
+}
+
+TEST(JsonNestingTest, DeepTextsThatEndTooEarlyAreRefused) {
+  EXPECT_THROW((void)readJson(repeated("[", 20'000)), DecodeError);
+  EXPECT_THROW((void)readJson(repeated("{\"a\":", 20'000)), DecodeError);
+  EXPECT_THROW((void)readJson(repeated("[", 20'000) + repeated("]", 19'999)), DecodeError);
+  EXPECT_THROW((void)readJson(repeated("[", 20'000) + repeated("]", 20'001)), DecodeError);
+  EXPECT_THROW((void)readJson(nestedArrays(20'000) + "x"), DecodeError);
+  EXPECT_THROW((void)readJson(repeated("[[],", 20'000)), DecodeError);
+}
+
+TEST(JsonNestingTest, MembersAreFoundBesideDeepOnes) {
+  const std::string deep = nestedMixture(20'000);
+  const auto members = readMembers(R"({"a":)" + deep + R"(,"b":1,"c":)" + deep + "}", {"b"});
+  EXPECT_EQ(toJson(members), R"({"b":1})");
 }
 
 }  // namespace

@@ -1,10 +1,11 @@
-#include "CorvaneCore/json/JsonReader.h"
-
 #include <gtest/gtest.h>
 
 #include <initializer_list>
+#include <string>
+#include <vector>
 
 #include "CorvaneCore/json/AnyCodable.h"
+#include "CorvaneCore/json/JsonReader.h"
 #include "CorvaneCore/json/JsonWriter.h"
 #include "tests/support/ErrorText.h"
 #include "tests/support/PrintJson.h"
@@ -226,6 +227,138 @@ TEST(JsonReaderTest, ReadsWideValuesWhole) {
   object.back() = '}';
   EXPECT_EQ(rereading(array), array);
   EXPECT_EQ(rereading(object), object);
+}
+
+/// Where each member of the object that `text` holds begins and ends when it is skipped.
+std::string placesIn(std::string_view text) {
+  std::string places;
+  JsonReader().read(text, [&](JsonCursor& cursor) {
+    cursor.members([&](std::string_view key) {
+      places.append(key).append(" ").append(std::to_string(cursor.position()));
+      cursor.skip();
+      places.append("-").append(std::to_string(cursor.position())).append(" ");
+    });
+    places.append("end ").append(std::to_string(cursor.position()));
+  });
+  return places;
+}
+
+/// What reading fails with when `text` is skipped whole.
+std::string skipError(std::string_view text) {
+  return errorText<DecodeError>(
+      [&] { JsonReader().read(text, [](JsonCursor& cursor) { cursor.skip(); }); });
+}
+
+TEST(JsonCursorTest, ValuesAreWhereTheyBeginAndEndWhereTheTextGoesOn) {
+  EXPECT_EQ(placesIn("{}"), "end 2");
+  EXPECT_EQ(placesIn(R"({"k" : "v"})"), "k 7-10 end 11");
+  EXPECT_EQ(placesIn("{\"a\":{\"b\":[1]\n}\t}\n"), "a 5-16 end 18");
+  EXPECT_EQ(placesIn(R"({"a":1 ,"b":[[],{}],"c":null})"), "a 5-7 b 12-19 c 24-28 end 29");
+}
+
+TEST(JsonCursorTest, TakesMembersAndElementsInTheirOwnOrder) {
+  std::vector<std::string> taken;
+  JsonReader().read(R"({"b":[1,{"x":[true]},"two"],"a":null,"b":[[]],"\u0063":-0.5})",
+                    [&](JsonCursor& cursor) {
+                      ASSERT_TRUE(cursor.atObject());
+                      cursor.members([&](std::string_view key) {
+                        taken.emplace_back(key);
+                        if (!cursor.atArray()) return taken.push_back(toJson(cursor.read()));
+                        cursor.elements([&] { taken.push_back(toJson(cursor.read())); });
+                      });
+                    });
+  EXPECT_EQ(taken, (std::vector<std::string>{"b", "1", R"({"x":[true]})", R"("two")", "a", "null",
+                                             "b", "[]", "c", "-0.5"}));
+}
+
+TEST(JsonCursorTest, EmptyContainersHaveNothingToVisit) {
+  JsonReader().read("[[],{}]", [](JsonCursor& cursor) {
+    cursor.elements([&] {
+      if (cursor.atArray()) return cursor.elements([] { ADD_FAILURE(); });
+      cursor.members([](std::string_view) { ADD_FAILURE(); });
+    });
+  });
+}
+
+TEST(JsonCursorTest, ChecksWhatItSkips) {
+  EXPECT_EQ(skipError("[{\"a\":[1,2.5,\"\\u00e9\",{}]},null,true]"), "(nothing was thrown)");
+  EXPECT_EQ(skipError("[1,tru]"), "not valid JSON: unexpected text at byte 3");
+  EXPECT_EQ(skipError("[1,{\"a\" 1}]"), "not valid JSON: unexpected text at byte 8");
+  EXPECT_EQ(skipError("[1,]"), "not valid JSON: unexpected text at byte 3");
+  EXPECT_EQ(skipError("{\"a\":1,}"), "not valid JSON: unexpected text at byte 7");
+  EXPECT_EQ(skipError("[1}"), "not valid JSON: unexpected text at byte 2");
+  EXPECT_EQ(skipError("[[1]"), "not valid JSON: the text ends too early");
+  EXPECT_EQ(skipError("{\"a\""), "not valid JSON: the text ends too early");
+  EXPECT_EQ(skipError(R"({"\x":1})"), "not valid JSON: a string holds a malformed escape");
+  EXPECT_EQ(skipError(R"(["\udc00"])"), "not valid JSON: a string holds an escaped lone surrogate");
+  EXPECT_EQ(skipError("[1e999]"),
+            "not valid JSON: the number at byte 1 is malformed or beyond the range of a double");
+}
+
+TEST(JsonCursorTest, NothingMayFollowTheValue) {
+  EXPECT_EQ(skipError("[] []"), "not valid JSON: unexpected text at byte 3");
+  EXPECT_EQ(skipError("1 2"), "not valid JSON: unexpected text at byte 2");
+  EXPECT_EQ(skipError("\"a\"b"), "not valid JSON: unexpected text at byte 3");
+}
+
+TEST(JsonCursorTest, AskingForTheWrongContainerFails) {
+  const auto errorOf = [](std::string_view text) {
+    return errorText<DecodeError>([&] {
+      JsonReader().read(text, [](JsonCursor& cursor) { cursor.members([](std::string_view) {}); });
+    });
+  };
+  EXPECT_EQ(errorOf("[]"), "not valid JSON: unexpected text at byte 0");
+  EXPECT_EQ(errorOf("7"), "not valid JSON: unexpected text at byte 0");
+}
+
+std::string membersOf(std::string_view text, const std::vector<std::string_view>& names) {
+  return toJson(readMembers(text, names));
+}
+
+TEST(JsonMembersTest, KeepsTheNamedMembersOnly) {
+  const char* text = R"({"status":"passed","tests":[{"status":"failed","a":[1,{}]}],"n":1.5,)"
+                     R"("updatedAt":"x","o":{"status":null},"z":null,"t":true})";
+  EXPECT_EQ(membersOf(text, {"status"}), R"({"status":"passed"})");
+  EXPECT_EQ(membersOf(text, {"tests", "n"}),
+            R"({"n":1.5,"tests":[{"a":[1,{}],"status":"failed"}]})");
+  EXPECT_EQ(membersOf(text, {"o", "z", "t"}), R"({"o":{"status":null},"t":true,"z":null})");
+  EXPECT_EQ(membersOf(text, {"absent"}), "{}");
+  EXPECT_EQ(membersOf(text, {}), "{}");
+}
+
+TEST(JsonMembersTest, GivesWhatReadingTheWholeWouldGive) {
+  const char* text = R"({"b":[[{"a":1}],{"b":{"c":[]}}],"a":{"b":0.5},"c":"a","b":[2,{"a":[]}]})";
+  const AnyCodable whole = readJson(text);
+  for (const char* name : {"a", "b", "c"}) {
+    const JsonObject members = readMembers(text, {name});
+    ASSERT_EQ(members.size(), 1U);
+    EXPECT_EQ(*members.find(name), *whole.find(name));
+  }
+  EXPECT_EQ(AnyCodable(readMembers(text, {"a", "b", "c"})), whole);
+}
+
+TEST(JsonMembersTest, NamesMatchNoDeeperMember) {
+  EXPECT_EQ(membersOf(R"({"a":{"b":1},"c":[{"b":2}]})", {"b"}), "{}");
+}
+
+TEST(JsonMembersTest, LastOfDuplicateKeysWins) {
+  EXPECT_EQ(membersOf(R"({"a":1,"b":2,"a":[3]})", {"a"}), R"({"a":[3]})");
+}
+
+TEST(JsonMembersTest, RefusesWhatIsNoObject) {
+  for (const char* text : {"null", "true", "1", "0.5", R"("a")", "[]", R"([{"a":1}])"}) {
+    EXPECT_EQ(errorText<DecodeError>([&] { (void)readMembers(text, {"a"}); }), "expected an object")
+        << text;
+  }
+}
+
+TEST(JsonMembersTest, ChecksTheWholeText) {
+  for (const char* text :
+       {R"({"a":1,"b":tru})", R"({"a":1,"b":[1,]})", R"({"a":1})}", R"({"a":1)",
+        R"({"a":1,"b":1e400})", R"({"a":1,"b":"\ud800"})", "{\"a\":1,\"b\":\"\xFF\"}",
+        R"({"a":1,"b":"\x"})", R"({"a":1,"\x":2})", ""}) {
+    EXPECT_THROW((void)readMembers(text, {"a"}), DecodeError) << text;
+  }
 }
 
 }  // namespace

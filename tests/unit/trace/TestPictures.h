@@ -7,7 +7,7 @@
 
 #include "corvane_mcp/trace/Picture.h"
 
-namespace corvane::testing {
+namespace corvane {
 
 using Rgb = std::array<std::uint8_t, 3>;
 
@@ -15,6 +15,12 @@ using Rgb = std::array<std::uint8_t, 3>;
 inline void PrintTo(const PictureSize& size, std::ostream* out) {
   *out << size.width << "x" << size.height;
 }
+
+}  // namespace corvane
+
+namespace corvane::testing {
+
+using Rgb = std::array<std::uint8_t, 3>;
 
 /// A picture whose pixels `colourAt` gives.
 [[nodiscard]] Picture drawn(PictureSize size, const std::function<Rgb(int x, int y)>& colourAt);

@@ -1,9 +1,8 @@
-#include "CorvaneCore/json/LenientReading.h"
-
 #include <gtest/gtest.h>
 
 #include "CorvaneCore/capture/CaptureSession.h"
 #include "CorvaneCore/json/JsonReader.h"
+#include "CorvaneCore/json/LenientReading.h"
 #include "CorvaneCore/results/AgentRunResult.h"
 
 namespace corvane::testing {

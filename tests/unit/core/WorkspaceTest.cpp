@@ -1,16 +1,17 @@
-#include "CorvaneCore/workspace/AgentContext.h"
-
 #include <gtest/gtest.h>
 
 #include "CorvaneCore/json/AnyCodable.h"
+#include "CorvaneCore/workspace/AgentActivity.h"
+#include "CorvaneCore/workspace/AgentContext.h"
 #include "tests/support/ErrorText.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/TestFiles.h"
 #include "tests/unit/core/RecordRules.h"
 
 namespace corvane::testing {
 namespace {
 
-constexpr const char* fullText =
+constexpr const char* fullContext =
     R"({"appVersion":"2.1","currentProjectName":"Shop",)"
     R"("device":{"connected":true,"name":"iPhone 15","platform":"ios","state":"booted","udid":"D1"},)"
     R"("projects":[{"androidBuildConfigured":false,"applicationId":"com.example.shop",)"
@@ -26,13 +27,13 @@ constexpr const char* fullText =
     R"("userDefinedInteractions":[{"id":"u1","name":"login","parameterNames":["user"],)"
     R"("sourceProjectName":"Shop","steps":[{"description":"Tap 'OK'","type":"tap"}]}]})";
 
-constexpr const char* leastText =
+constexpr const char* leastContext =
     R"({"projects":[],"schemaVersion":1,"updatedAt":"2025-03-01T09:30:00Z"})";
 
 TEST(AgentContextTest, EveryMemberFollowsItsRule) {
   using enum Presence;
   expectRecordRules<AgentContext>(
-      fullText,
+      fullContext,
       {
           {"appVersion", "a string", optional},
           {"currentProjectName", "a string", optional},
@@ -98,9 +99,9 @@ TEST(AgentContextTest, EveryMemberFollowsItsRule) {
 }
 
 TEST(AgentContextTest, NoProjectsIsEnough) {
-  const auto context = AgentWire::decode<AgentContext>(leastText);
+  const auto context = AgentWire::decode<AgentContext>(leastContext);
   EXPECT_TRUE(context.projects.empty());
-  EXPECT_EQ(AgentWire::encode(context), leastText);
+  EXPECT_EQ(AgentWire::encode(context), leastContext);
   EXPECT_EQ(AgentContext::currentSchemaVersion, 1);
 }
 
@@ -120,7 +121,7 @@ TEST(AgentContextTest, DatesAreInWholeSeconds) {
   };
   EXPECT_EQ(
       AgentWire::encode(AgentWire::decode<AgentContext>(withDate("2025-03-01T10:30:00+01:00"))),
-      leastText);
+      leastContext);
   EXPECT_EQ(errorText<DecodeError>([&] {
               (void)AgentWire::decode<AgentContext>(withDate("2025-03-01T09:30:00.123Z"));
             }),
@@ -152,10 +153,10 @@ TEST(AgentContextTest, ArraysKeepTheirOrder) {
 
 TEST(AgentContextTest, WritesAndReadsItsFile) {
   const TemporaryHome home;
-  AgentWire::decode<AgentContext>(fullText).write(home.paths());
+  AgentWire::decode<AgentContext>(fullContext).write(home.paths());
   const auto file = home.path() / ".local/share/Corvane/AgentMCP/context.json";
-  EXPECT_EQ(readFile(file), fullText);
-  EXPECT_EQ(AgentWire::encode(AgentContext::read(file)), fullText);
+  EXPECT_EQ(readFile(file), fullContext);
+  EXPECT_EQ(AgentWire::encode(AgentContext::read(file)), fullContext);
   EXPECT_EQ(listVisible(home.paths().agentMCPDirectory()).size(), 1U);
 }
 
@@ -167,6 +168,91 @@ TEST(AgentContextTest, ReadErrorsAreThrown) {
   EXPECT_THROW((void)AgentContext::read(file), DecodeError);
   writeFileWhole(file, R"({"schemaVersion":1,"updatedAt":"2025-03-01T09:30:00Z"})");
   EXPECT_EQ(errorText<DecodeError>([&] { (void)AgentContext::read(file); }), "projects: required");
+}
+
+constexpr const char* fullActivity =
+    R"({"active":{"kind":"run","requestId":"r1","startedAt":"2026-01-31T11:59:00Z"},)"
+    R"("authoringActive":true,"device":{"connected":true,"name":"iPhone 17","platform":"ios"},)"
+    R"("queued":[{"kind":"exploration","position":1,"requestId":"r2"}],"schedulerBusy":false,)"
+    R"("schemaVersion":1,"updatedAt":"2026-01-31T12:00:00Z"})";
+
+constexpr const char* idleText =
+    R"({"authoringActive":false,"queued":[],"schedulerBusy":false,"schemaVersion":1,)"
+    R"("updatedAt":"2026-01-31T12:00:00Z"})";
+
+TEST(AgentActivityTest, EveryMemberFollowsItsRule) {
+  using enum Presence;
+  expectRecordRules<AgentActivity>(fullActivity, {
+                                                     {"active", "an object", optional},
+                                                     {"active.kind", "a string", required},
+                                                     {"active.requestId", "a string", required},
+                                                     {"active.startedAt", "a date", required},
+                                                     {"authoringActive", "a boolean", required},
+                                                     {"device", "an object", optional},
+                                                     {"device.connected", "a boolean", required},
+                                                     {"device.name", "a string", optional},
+                                                     {"device.platform", "a string", required},
+                                                     {"queued", "an array", required},
+                                                     {"queued[0]", "an object", entry},
+                                                     {"queued[0].kind", "a string", required},
+                                                     {"queued[0].position", "an integer", required},
+                                                     {"queued[0].requestId", "a string", required},
+                                                     {"schedulerBusy", "a boolean", required},
+                                                     {"schemaVersion", "an integer", required},
+                                                     {"updatedAt", "a date", required},
+                                                 });
+}
+
+TEST(AgentActivityTest, FieldsStandUnderTheirKeys) {
+  const AgentActivity activity{
+      .updatedAt = *parseDate("2026-01-31T12:00:00Z"),
+      .active = {{"r1", "run", *parseDate("2026-01-31T11:59:00Z")}},
+      .queued = {{"r2", "exploration", 1}},
+      .schedulerBusy = false,
+      .authoringActive = true,
+      .device = {{"ios", "iPhone 17", true}},
+  };
+  EXPECT_EQ(AgentWire::encode(activity), fullActivity);
+}
+
+TEST(AgentActivityTest, NothingActiveMayBeSaidEitherWay) {
+  EXPECT_EQ(AgentWire::encode(AgentWire::decode<AgentActivity>(idleText)), idleText);
+  EXPECT_EQ(AgentWire::encode(AgentWire::decode<AgentActivity>(
+                R"({"active":null,"authoringActive":false,"device":null,"queued":[],)"
+                R"("schedulerBusy":false,"schemaVersion":1,"updatedAt":"2026-01-31T12:00:00Z"})")),
+            idleText);
+}
+
+TEST(AgentActivityTest, WritingCreatesTheFolderAndReadsBack) {
+  const TemporaryHome home;
+  AgentWire::decode<AgentActivity>(fullActivity).write(home.paths());
+  const auto file = home.path() / ".local/share/Corvane/AgentMCP/activity.json";
+  EXPECT_EQ(TestFiles::read(file), fullActivity);
+  const auto read = AgentActivity::read(home.paths());
+  ASSERT_TRUE(read);
+  EXPECT_EQ(AgentWire::encode(*read), fullActivity);
+}
+
+TEST(AgentActivityTest, WhatCannotBeReadIsNothing) {
+  const TemporaryHome home;
+  EXPECT_FALSE(AgentActivity::read(home.paths()));
+  const auto file = home.paths().agentActivityFile();
+  for (const char* text :
+       {"", "{", "[]", R"({"schemaVersion":1})",
+        R"({"authoringActive":false,"queued":[],"schedulerBusy":false,"schemaVersion":1,)"
+        R"("updatedAt":"2026-01-31T12:00:00.5Z"})"}) {
+    TestFiles::write(file, text);
+    EXPECT_FALSE(AgentActivity::read(home.paths())) << text;
+  }
+  std::filesystem::remove(file);
+  std::filesystem::create_directory(file);
+  EXPECT_FALSE(AgentActivity::read(home.paths()));
+}
+
+TEST(AgentActivityTest, AFailedWriteIsThrown) {
+  const TemporaryHome home;
+  TestFiles::write(home.path() / ".local", "in the way");
+  EXPECT_THROW(AgentWire::decode<AgentActivity>(idleText).write(home.paths()), FileError);
 }
 
 }  // namespace
