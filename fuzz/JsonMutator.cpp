@@ -156,11 +156,11 @@ std::string_view asText(const std::uint8_t* data, std::size_t size) {
   return {reinterpret_cast<const char*>(data), size};
 }
 
-/// Writes the changed line between its neighbours; 0 when there is no room.
+/// Writes the changed line between its neighbours; 0 when the buffer is too small.
 std::size_t join(const PickedLine& from, const AnyCodable& line, std::uint8_t* into,
-                 std::size_t room) {
+                 std::size_t capacity) {
   const std::string joined = std::string(from.before).append(toJson(line)).append(from.after);
-  if (joined.size() > room) return 0;
+  if (joined.size() > capacity) return 0;
   std::memcpy(into, joined.data(), joined.size());
   return joined.size();
 }

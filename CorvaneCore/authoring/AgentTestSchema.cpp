@@ -33,13 +33,13 @@ std::string AgentTestSchema::fileName(FileTime now) const {
   const std::string id = requestId.value_or(millisecondsSince1970(now));
   const std::string tail = ("-" + id).append(fileSuffix);
 
-  // Either name may fill its half of the room and what the other one leaves of its own half.
-  const std::size_t room = longestFileName - std::string_view("-").size() - tail.size();
-  const std::size_t half = room / 2;
-  const std::size_t projectRoom = room - std::min(test.size(), half);
-  const std::size_t testRoom = room - std::min(project.size(), projectRoom);
-  std::string name(shortenedTo(project, projectRoom));
-  return name.append("-").append(shortenedTo(test, testRoom)).append(tail);
+  // Either name may fill its half of the length and what the other one leaves of its own half.
+  const std::size_t length = longestFileName - std::string_view("-").size() - tail.size();
+  const std::size_t half = length / 2;
+  const std::size_t projectLength = length - std::min(test.size(), half);
+  const std::size_t testLength = length - std::min(project.size(), projectLength);
+  std::string name(shortenedTo(project, projectLength));
+  return name.append("-").append(shortenedTo(test, testLength)).append(tail);
 }
 
 }  // namespace corvane

@@ -4,7 +4,7 @@
 #include <functional>
 #include <string_view>
 
-#include "CorvaneCore/authoring/StepDefinition.h"
+#include "CorvaneCore/authoring/InteractionDefinition.h"
 #include "CorvaneCore/authoring/Vocabularies.h"
 
 namespace corvane {

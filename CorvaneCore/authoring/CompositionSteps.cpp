@@ -2,7 +2,7 @@
 #include <array>
 
 #include "CorvaneCore/authoring/AuthoringContract.h"
-#include "CorvaneCore/authoring/StepDefinition.h"
+#include "CorvaneCore/authoring/InteractionDefinition.h"
 #include "CorvaneCore/authoring/TestValidator.h"
 #include "CorvaneCore/authoring/Vocabularies.h"
 #include "CorvaneCore/json/JsonScalars.h"

@@ -1,5 +1,5 @@
 #include "CorvaneCore/authoring/AuthoringContract.h"
-#include "CorvaneCore/authoring/StepDefinition.h"
+#include "CorvaneCore/authoring/InteractionDefinition.h"
 #include "CorvaneCore/authoring/TestValidator.h"
 #include "CorvaneCore/authoring/Vocabularies.h"
 

@@ -1,7 +1,7 @@
 #include "CorvaneCore/authoring/InputSchemaBuilder.h"
 
 #include "CorvaneCore/authoring/AuthoringContract.h"
-#include "CorvaneCore/authoring/StepDefinition.h"
+#include "CorvaneCore/authoring/InteractionDefinition.h"
 #include "CorvaneCore/authoring/TestPayloadArguments.h"
 
 namespace corvane {
@@ -30,6 +30,7 @@ JsonObject InputSchemaBuilder::stepsSchema() {
 
 std::vector<IndividualInteractionDescriptor> InputSchemaBuilder::interactionDescriptors() {
   std::vector<IndividualInteractionDescriptor> descriptors;
+  descriptors.reserve(vocabularyRows<InteractionType>().size());
   for (const auto& row : Vocabulary<InteractionType>::rows) {
     descriptors.push_back({std::string(row.rawValue),
                            std::string(AuthoringContract::guidance(row.value)),

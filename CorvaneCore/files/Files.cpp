@@ -69,18 +69,18 @@ std::string readFile(const fs::path& path, std::size_t limit, std::size_t spare)
   std::string contents;
   contents.reserve(size + 1 + spare);
   // The size is only a hint: the file may grow or shrink while it is read.
-  std::size_t room = size + 1;
+  std::size_t capacity = size + 1;
   std::size_t length = 0;
   while (true) {
-    contents.resize(length + room);
-    const ssize_t count = ::read(file.get(), contents.data() + length, room);
+    contents.resize(length + capacity);
+    const ssize_t count = ::read(file.get(), contents.data() + length, capacity);
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) throw FileError("read", path, lastError());
     length += static_cast<std::size_t>(count);
     if (count == 0) break;
     if (length > limit) fail(std::errc::file_too_large);
-    constexpr std::size_t moreRoom = 4096;
-    room = contents.size() > length ? contents.size() - length : moreRoom;
+    constexpr std::size_t smallestStep = 4096;
+    capacity = contents.size() > length ? contents.size() - length : smallestStep;
   }
   contents.resize(length);
   return contents;

@@ -14,7 +14,8 @@
 
 namespace corvane {
 
-/// Owns one file descriptor and closes it at the end of its life.
+/// Owns one file descriptor, or none, and closes it at the end of its life. One that was moved from
+/// owns none.
 class FileDescriptor {
  public:
   FileDescriptor() = default;
@@ -22,7 +23,9 @@ class FileDescriptor {
   FileDescriptor(FileDescriptor&& other) noexcept
       : descriptor(std::exchange(other.descriptor, -1)) {}
   FileDescriptor& operator=(FileDescriptor&& other) noexcept {
-    std::swap(descriptor, other.descriptor);
+    const int taken = std::exchange(other.descriptor, -1);
+    close();
+    descriptor = taken;
     return *this;
   }
   ~FileDescriptor() { close(); }
@@ -72,8 +75,8 @@ inline constexpr std::size_t largestFile = std::size_t{64} << 20;
 [[nodiscard]] std::optional<FileStamp> readStamp(const std::filesystem::path& path);
 
 /// The whole contents of a regular file. Never waits on a FIFO or device put in a file's place.
-/// The text has room to grow by `spare` bytes. Throws FileError, also for other kinds of file and
-/// for one larger than `limit` bytes.
+/// The text has the capacity to grow by `spare` bytes. Throws FileError, also for other kinds of
+/// file and for one larger than `limit` bytes.
 [[nodiscard]] std::string readFile(const std::filesystem::path& path,
                                    std::size_t limit = largestFile, std::size_t spare = 0);
 

@@ -28,8 +28,8 @@ class TemporaryFile {
   /// Whether a file without a name was made.
   [[nodiscard]] bool openNameless();
   void openNamed();
-  /// Gives the nameless file this name; false when something has it already.
-  [[nodiscard]] bool link(const std::filesystem::path& name);
+  /// Gives the nameless file the name `place`; false when something has it already.
+  [[nodiscard]] bool link(const std::filesystem::path& place);
   [[noreturn]] void fail() const;
 
   std::filesystem::path target;

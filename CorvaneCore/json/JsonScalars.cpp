@@ -229,24 +229,24 @@ char plainEscape(char letter) {
 
 }  // namespace
 
-std::string_view unescapeJson(std::string_view content, std::string& room) {
+std::string_view unescapeJson(std::string_view content, std::string& buffer) {
   std::size_t backslash = content.find('\\');
   if (backslash == std::string_view::npos) return content;
-  room.clear();
+  buffer.clear();
   while (backslash != std::string_view::npos) {
-    room.append(content, 0, backslash);
+    buffer.append(content, 0, backslash);
     content.remove_prefix(backslash + 1);
     // The token finder leaves no string that ends in a backslash.
     const char letter = content.front();
     content.remove_prefix(1);
     if (letter == 'u') {
-      appendUtf8(room, takeCodePoint(content));
+      appendUtf8(buffer, takeCodePoint(content));
     } else {
-      room += plainEscape(letter);
+      buffer += plainEscape(letter);
     }
     backslash = content.find('\\');
   }
-  return room.append(content);
+  return buffer.append(content);
 }
 
 }  // namespace corvane

@@ -24,8 +24,8 @@ using JsonNumber = std::variant<std::int64_t, double>;
 [[nodiscard]] std::optional<std::int64_t> parseInteger(std::string_view text);
 
 /// What stands for `content`, the text between the quotes of a JSON string, once its escapes are
-/// resolved: `content` itself when it has none, else `room`, which is overwritten. Throws
+/// resolved: `content` itself when it has none, else `buffer`, which is overwritten. Throws
 /// DecodeError for a malformed escape and for a surrogate without its other half.
-[[nodiscard]] std::string_view unescapeJson(std::string_view content, std::string& room);
+[[nodiscard]] std::string_view unescapeJson(std::string_view content, std::string& buffer);
 
 }  // namespace corvane

@@ -37,9 +37,9 @@ void check(simdjson::error_code error) {
   if (error != simdjson::SUCCESS) fail(error);
 }
 
-/// Room is made for texts of at least this size.
+/// The least capacity, in bytes of text.
 constexpr std::size_t smallSize = std::size_t{4} << 10;
-/// Room for larger texts is given back when a smaller one follows.
+/// A larger capacity is given back when a smaller text follows.
 constexpr std::size_t largeSize = std::size_t{256} << 10;
 
 }  // namespace
@@ -47,12 +47,12 @@ constexpr std::size_t largeSize = std::size_t{256} << 10;
 struct JsonTokens::Finder {
   std::unique_ptr<Stages> stages;
 
-  /// Makes room for a text of `size` bytes.
+  /// Sees to the capacity for a text of `size` bytes.
   void prepare(std::size_t size) {
-    const std::size_t room = stages ? stages->capacity() : 0;
-    if (room >= size && room > 0 && (room <= largeSize || size > largeSize)) return;
+    const std::size_t capacity = stages ? stages->capacity() : 0;
+    if (capacity >= size && capacity > 0 && (capacity <= largeSize || size > largeSize)) return;
     stages.reset();
-    // Nesting is the business of the second stage, so it needs no room.
+    // Nesting is the business of the second stage, so it needs no memory.
     constexpr std::size_t depth = 1;
     check(simdjson::get_active_implementation()->create_dom_parser_implementation(
         std::max(size, smallSize), depth, stages));

@@ -99,7 +99,7 @@ char* putEscaped(std::string_view bytes, SlashStyle slashes, char* out) {
   return out;
 }
 
-/// Strings are escaped by so many bytes at a time, so that the room for the worst stays small.
+/// Strings are escaped by so many bytes at a time, so that the buffer for the worst stays small.
 constexpr std::size_t sliceSize = std::size_t{4} << 10;
 /// A piece leaves when there are this many bytes of it.
 constexpr std::size_t pieceSize = std::size_t{64} << 10;
@@ -110,14 +110,14 @@ char* copy(std::string_view text, char* out) {
 
 }  // namespace
 
-void JsonWriter::makeRoom(std::size_t size) {
+void JsonWriter::grow(std::size_t size) {
   if (drain && used >= pieceSize) {
-    drain(std::string_view(room).substr(0, used));
+    drain(std::string_view(buffer).substr(0, used));
     used = 0;
   }
-  // Most texts are short and get all their room at once.
+  // Most texts are short and need no second allocation.
   constexpr std::size_t first = 240;
-  if (room.size() - used < size) room.resize(std::max({first, 2 * room.size(), used + size}));
+  if (buffer.size() - used < size) buffer.resize(std::max({first, 2 * buffer.size(), used + size}));
 }
 
 char* JsonWriter::beginValue(std::size_t size) {
@@ -146,18 +146,18 @@ void JsonWriter::close(char bracket) {
 }
 
 void JsonWriter::quoted(std::string_view value, std::string_view after) {
-  const auto roomFor = [&after](std::string_view slice) {
+  const auto capacityFor = [&after](std::string_view slice) {
     return longestEscape * slice.size() + sizeof(Escape) + after.size() + 2;
   };
   std::string_view slice = value.substr(0, sliceSize);
-  char* out = beginValue(roomFor(slice));
+  char* out = beginValue(capacityFor(slice));
   *out++ = '"';
   out = putEscaped(slice, slashes, out);
   while (slice.size() < value.size()) {
     put(out);
     value.remove_prefix(slice.size());
     slice = value.substr(0, sliceSize);
-    out = putEscaped(slice, slashes, claim(roomFor(slice)));
+    out = putEscaped(slice, slashes, claim(capacityFor(slice)));
   }
   *out++ = '"';
   put(copy(after, out));
@@ -215,8 +215,8 @@ void JsonWriter::endObject() {
 
 std::string JsonWriter::take() {
   needsComma = false;
-  room.resize(std::exchange(used, 0));
-  return std::exchange(room, {});
+  buffer.resize(std::exchange(used, 0));
+  return std::exchange(buffer, {});
 }
 
 namespace {

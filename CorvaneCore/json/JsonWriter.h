@@ -67,14 +67,14 @@ class JsonWriter final : public JsonSink {
  private:
   /// Where the next `size` bytes go. What is not used of them is given back by put().
   char* claim(std::size_t size) {
-    if (size > room.size() - used) makeRoom(size);
-    return room.data() + used;
+    if (size > buffer.size() - used) grow(size);
+    return buffer.data() + used;
   }
-  void makeRoom(std::size_t size);
+  void grow(std::size_t size);
   /// What was claimed last has been written up to `end`.
-  void put(const char* end) { used = static_cast<std::size_t>(end - room.data()); }
+  void put(const char* end) { used = static_cast<std::size_t>(end - buffer.data()); }
 
-  /// Claims room for a value of `size` bytes, and puts the comma before it that it may need.
+  /// Claims the place of a value of `size` bytes, and puts the comma before it that it may need.
   char* beginValue(std::size_t size);
   void plain(std::string_view value);
   void open(char bracket);
@@ -85,8 +85,9 @@ class JsonWriter final : public JsonSink {
   SlashStyle slashes;
   bool needsComma = false;
   Drain drain;
-  /// The text, and room for more: growing anew for every few bytes would cost more than they do.
-  std::string room;
+  /// The text, and spare capacity behind it: growing for every few bytes would cost more than they
+  /// do.
+  std::string buffer;
   std::size_t used = 0;
 };
 
@@ -144,7 +145,7 @@ class JsonTree final : public JsonSink {
 
   std::vector<Open> open;
   /// What the open objects hold so far, one after the other. One stack for all lets each finished
-  /// object have just the room it needs.
+  /// object have just the capacity it needs.
   std::vector<JsonObject::Member> members;
   /// The open arrays that hold something. They may be the largest things there are, so they are
   /// never copied.

@@ -43,6 +43,20 @@ struct ServerCapabilities {
   }
 };
 
+/// The `params` of `initialize`.
+struct InitializeParams {
+  std::string protocolVersion;
+  ServerCapabilities capabilities;
+  /// What the client says of itself, in the form in which servers do.
+  ServerInfo clientInfo;
+
+  static constexpr auto fields() {
+    using R = InitializeParams;
+    return FieldList(field("protocolVersion", &R::protocolVersion),
+                     field("capabilities", &R::capabilities), field("clientInfo", &R::clientInfo));
+  }
+};
+
 /// What `initialize` answers.
 struct InitializeResult {
   std::string protocolVersion;
@@ -89,6 +103,21 @@ struct ToolsCallParams {
   static constexpr auto fields() {
     using R = ToolsCallParams;
     return FieldList(field("name", &R::name), field("arguments", &R::arguments));
+  }
+};
+
+/// The `params` of a `notifications/progress`.
+struct ProgressParams {
+  /// As the call's `_meta` had it, whatever its kind.
+  AnyCodable progressToken;
+  double progress = 0;
+  std::optional<double> total;
+  std::string message;
+
+  static constexpr auto fields() {
+    using R = ProgressParams;
+    return FieldList(field("progressToken", &R::progressToken), field("progress", &R::progress),
+                     field("total", &R::total), field("message", &R::message));
   }
 };
 

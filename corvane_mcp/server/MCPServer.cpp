@@ -1,6 +1,7 @@
 #include "corvane_mcp/server/MCPServer.h"
 
 #include "CorvaneCore/json/AgentWire.h"
+#include "CorvaneCore/json/LenientReading.h"
 #include "corvane_mcp/protocol/McpRecords.h"
 
 namespace corvane {
@@ -19,7 +20,7 @@ std::string describeId(const std::optional<JSONRPCID>& id) {
 /// The progress token of a call's params; null is a token too.
 std::optional<AnyCodable> progressToken(const AnyCodable& params) {
   const AnyCodable* meta = params.find("_meta");
-  const AnyCodable* token = meta ? meta->find("progressToken") : nullptr;
+  const AnyCodable* token = meta ? rawField<&ProgressParams::progressToken>(*meta) : nullptr;
   return token ? std::optional(*token) : std::nullopt;
 }
 
@@ -96,12 +97,12 @@ AnyCodable MCPServer::dispatch(const JSONRPCRequest& request) {
 
 InitializeResult MCPServer::handleInitialize(const std::optional<AnyCodable>& params) {
   const AnyCodable given = params.value_or(AnyCodable());
-  const auto* clientInfo = given.findAs<JsonObject>("clientInfo");
-  if (const auto* name = clientInfo ? clientInfo->findAs<std::string>("name") : nullptr) {
+  const auto* clientInfo = findField<&InitializeParams::clientInfo>(given);
+  if (const auto* name = clientInfo ? findField<&ServerInfo::name>(*clientInfo) : nullptr) {
     parts.client.setName(*name);
     parts.logger.info("Client identified: " + *name);
   }
-  const auto* requested = given.findAs<std::string>("protocolVersion");
+  const auto* requested = findField<&InitializeParams::protocolVersion>(given);
   const std::string answered = requested ? *requested : std::string(defaultProtocolVersion);
   parts.logger.info("initialize: protocolVersion requested=" + (requested ? *requested : "<none>") +
                     " → responding " + answered);

@@ -2,6 +2,8 @@
 
 #include "CorvaneCore/json/AnyCodable.h"
 #include "CorvaneCore/json/JsonWriter.h"
+#include "corvane_mcp/protocol/JsonRpc.h"
+#include "corvane_mcp/protocol/McpRecords.h"
 #include "corvane_mcp/server/StandardStreams.h"
 
 namespace corvane {
@@ -63,13 +65,13 @@ void MessageWriter::writePending() {
 
 void ProgressReporter::emit(double progress, std::optional<double> total,
                             std::string_view message) const {
-  AnyCodable::Object params{{"progressToken", token}, {"progress", progress}, {"message", message}};
-  if (total) params.set("total", *total);
-  const AnyCodable notification(AnyCodable::Object{
-      {"jsonrpc", "2.0"}, {"method", "notifications/progress"}, {"params", std::move(params)}});
+  const JSONRPCRequest notification{
+      .jsonrpc = "2.0",
+      .method = "notifications/progress",
+      .params = encodeValue(ProgressParams{token, progress, total, std::string(message)})};
   try {
     // Unlike replies, these have always gone out with escaped slashes.
-    writer->send(toJson(notification, SlashStyle::escaped));
+    writer->send(toJson(encodeValue(notification), SlashStyle::escaped));
   } catch (const EncodeError&) {
     // Progress that has no JSON form is dropped; the call goes on.
   }

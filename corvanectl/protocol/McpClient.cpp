@@ -13,30 +13,6 @@ namespace corvane::ctl {
 
 namespace {
 
-/// What the client says of itself at the beginning.
-struct InitializeParams {
-  std::string protocolVersion;
-  ServerCapabilities capabilities;
-  ServerInfo clientInfo;
-
-  static constexpr auto fields() {
-    using R = InitializeParams;
-    return FieldList(field("protocolVersion", &R::protocolVersion),
-                     field("capabilities", &R::capabilities), field("clientInfo", &R::clientInfo));
-  }
-};
-
-/// What a notification about the progress of a request carries, as far as it is used.
-struct ProgressParams {
-  AnyCodable progressToken;
-  std::string message;
-
-  static constexpr auto fields() {
-    using R = ProgressParams;
-    return FieldList(field("progressToken", &R::progressToken), field("message", &R::message));
-  }
-};
-
 std::string encodedMessage(std::string_view method, std::optional<JSONRPCID> id,
                            std::optional<AnyCodable> params) {
   return AgentWire::encode(JSONRPCRequest{.jsonrpc = "2.0",

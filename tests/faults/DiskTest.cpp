@@ -34,7 +34,7 @@ class SmallDisk {
     while (filler.write(block.data(), static_cast<std::streamsize>(block.size())).flush()) {
     }
   }
-  void makeRoom() const { fs::remove(place / "filler"); }
+  void freeSpace() const { fs::remove(place / "filler"); }
 
  private:
   const fs::path place;
@@ -66,7 +66,7 @@ TEST_F(DiskTest, MayBeFull) {
   const fs::path requests = small / ".local" / "share" / "Corvane" / "AgentRunRequests";
   EXPECT_EQ(fs::directory_iterator(requests), fs::directory_iterator());
 
-  disk.makeRoom();
+  disk.freeSpace();
   server.sendLine(call(4, "run_test", anyRun));
   EXPECT_TRUE(textOf(server.readLine()).starts_with("Run request dispatched to Corvane."));
   EXPECT_EQ(listVisible(requests).size(), 1U);

@@ -139,25 +139,25 @@ TEST_F(ErrorStreamTest, FinishesTheLineThatTheReaderStoppedIn) {
 }
 
 TEST_F(ErrorStreamTest, WaitsForASlowReader) {
-  ErrorStream patient(pipe.writing.get(), 60s);
+  ErrorStream stream(pipe.writing.get(), 60s);
   constexpr std::size_t count = 2000;
   std::string text;
   std::thread reader([&] {
     char byte = 0;
     while (text.size() < count * 101 && ::read(pipe.reading.get(), &byte, 1) == 1) text += byte;
   });
-  for (std::size_t i = 0; i < count; ++i) patient.write(line('c', 100));
+  for (std::size_t i = 0; i < count; ++i) stream.write(line('c', 100));
   reader.join();
   EXPECT_EQ(text.size(), count * 101);
 }
 
 TEST_F(ErrorStreamTest, AReaderThatIsGoneHoldsUpNobody) {
-  ErrorStream patient(pipe.writing.get(), 60s);
+  ErrorStream stream(pipe.writing.get(), 60s);
   pipe.reading.close();
   ::signal(SIGPIPE, SIG_IGN);
-  for (int i = 0; i < 1000; ++i) patient.write(line('d', 3000));
+  for (int i = 0; i < 1000; ++i) stream.write(line('d', 3000));
   pipe.writing.close();
-  patient.write("no descriptor any more\n");
+  stream.write("no descriptor any more\n");
 }
 
 }  // namespace

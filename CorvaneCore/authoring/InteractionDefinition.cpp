@@ -1,4 +1,4 @@
-#include "CorvaneCore/authoring/StepDefinition.h"
+#include "CorvaneCore/authoring/InteractionDefinition.h"
 
 #include <functional>
 
