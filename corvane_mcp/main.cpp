@@ -14,6 +14,9 @@ int main(int argumentCount, char** arguments) {
   // file that may not grow any further; the write fails and is reported.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
+  // A client may have been told to ignore its children, and that is inherited; how ours end
+  // matters.
+  std::signal(SIGCHLD, SIG_DFL);
 
   const AgentPaths paths = AgentPaths::current();
   Logger logger(paths.logFile());

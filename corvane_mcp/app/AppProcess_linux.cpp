@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <climits>
 #include <csignal>
+#include <optional>
 #include <string>
 #include <system_error>
 
@@ -39,12 +40,30 @@ std::string commandLine(const fs::path& processFolder) {
   return arguments;
 }
 
+/// The status that a child ended with; nothing when the system does not tell, as it does not to a
+/// process that ignores SIGCHLD.
+std::optional<int> waitFor(pid_t child) {
+  int status = 0;
+  pid_t ended = -1;
+  while ((ended = ::waitpid(child, &status, 0)) < 0 && errno == EINTR) {
+  }
+  if (ended != child) return std::nullopt;
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+/// Tells why the application could not be started, and ends.
+[[noreturn]] void endWith(int reason, int errorPipe) {
+  [[maybe_unused]] const ssize_t told = ::write(errorPipe, &reason, sizeof reason);
+  ::_exit(1);
+}
+
 /// Runs in a fresh child of a process with threads, where only async-signal-safe calls are allowed.
 [[noreturn]] void becomeApplication(const char* program, int errorPipe) {
   ::setsid();
   // A second fork, so that the application is nobody's child and is never waited for.
   const pid_t application = ::fork();
-  if (application != 0) ::_exit(application < 0 ? 1 : 0);
+  if (application < 0) endWith(errno, errorPipe);
+  if (application > 0) ::_exit(0);
 
   struct sigaction defaultAction{};
   defaultAction.sa_handler = SIG_DFL;
@@ -67,9 +86,7 @@ std::string commandLine(const fs::path& processFolder) {
   }
   std::array<char*, 2> arguments{const_cast<char*>(program), nullptr};
   ::execv(program, arguments.data());
-  const int reason = errno;
-  [[maybe_unused]] const ssize_t told = ::write(errorPipe, &reason, sizeof reason);
-  ::_exit(1);
+  endWith(errno, errorPipe);
 }
 
 }  // namespace
@@ -94,9 +111,7 @@ void AppProcess::start(const fs::path& bundle) {
   if (child == 0) becomeApplication(program.c_str(), writeEnd.get());
   writeEnd.close();
 
-  int status = 0;
-  while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
-  }
+  const auto status = waitFor(child);
   int reason = 0;
   ssize_t count = 0;
   while ((count = ::read(readEnd.get(), &reason, sizeof reason)) < 0 && errno == EINTR) {
@@ -104,7 +119,8 @@ void AppProcess::start(const fs::path& bundle) {
   if (count == static_cast<ssize_t>(sizeof reason)) {
     throw std::system_error(reason, std::generic_category());
   }
-  if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
+  // Where the status is not told, the pipe has told that the application runs.
+  if (status.value_or(0) != 0) {
     throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
   }
 }

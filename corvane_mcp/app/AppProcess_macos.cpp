@@ -5,6 +5,8 @@
 
 #include <array>
 #include <cerrno>
+#include <csignal>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <thread>
@@ -44,10 +46,14 @@ pid_t spawnHelper(const std::vector<std::string>& command) {
   return child;
 }
 
-int waitFor(pid_t child) {
+/// The status that a child ended with; nothing when the system does not tell, as it does not to a
+/// process that ignores SIGCHLD.
+std::optional<int> waitFor(pid_t child) {
   int status = 0;
-  while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+  pid_t ended = -1;
+  while ((ended = ::waitpid(child, &status, 0)) < 0 && errno == EINTR) {
   }
+  if (ended != child) return std::nullopt;
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 

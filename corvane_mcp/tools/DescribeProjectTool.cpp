@@ -59,7 +59,11 @@ ToolsCallResult unknownProject(const std::string& name, const PublishedContext& 
   }
   std::sort(known.begin(), known.end());
   std::string names;
-  for (const auto text : known) names.append(names.empty() ? "" : ", ").append(text);
+  for (const auto& text : known) {
+    // A name may be empty, so the names so far do not tell which is the first.
+    if (&text != &known.front()) names += ", ";
+    names += text;
+  }
   return ToolsCallResult::failure(
       "error:unknown_project\n\nNo project named '" + name +
       "' in the published context. Known projects: " + (known.empty() ? "(none)" : names) +

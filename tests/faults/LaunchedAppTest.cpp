@@ -1,5 +1,6 @@
 #include <unistd.h>
 
+#include <csignal>
 #include <string>
 #include <vector>
 
@@ -40,6 +41,22 @@ TEST_F(LaunchedAppTest, StandsOnItsOwn) {
   EXPECT_EQ(server.readToEnd(), std::vector<std::string>());
   EXPECT_EQ(server.wait(), "exit 0");
   EXPECT_TRUE(ProcessFacts::isAlive(process));
+}
+
+// Fails when the server keeps the disposition that it was started with.
+TEST_F(LaunchedAppTest, IsLaunchedForAClientThatIgnoresItsChildren) {
+  auto given = setup();
+  given.ignoredSignals = {SIGCHLD};
+  ServerProcess server(std::move(given));
+  server.sendLine(call(1, "run_test", anyRun));
+  EXPECT_NE(textOf(server.readLine()).find("\n  Corvane.app: " + app.bundle().string() + "\n"),
+            std::string::npos);
+  const pid_t process = app.waitUntilUp();
+  EXPECT_TRUE(ProcessFacts::isAlive(process));
+  EXPECT_TRUE(ProcessFacts::children(server.id()).empty());
+  // SIGCHLD, the 17th, is not among those that it ignores.
+  const auto ignored = std::stoull(ProcessFacts::status(server.id(), "SigIgn"), nullptr, 16);
+  EXPECT_EQ(ignored & (1ULL << (SIGCHLD - 1)), 0U);
 }
 
 TEST_F(LaunchedAppTest, OutlivesAServerThatIsKilled) {

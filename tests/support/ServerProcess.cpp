@@ -59,7 +59,10 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
     ::setrlimit(RLIMIT_FSIZE, &limit);
   }
   // What this process ignores, or was started to ignore, is not the server's affair.
-  for (const int signal : {SIGINT, SIGTERM, SIGPIPE, SIGXFSZ}) std::signal(signal, SIG_DFL);
+  for (const int signal : {SIGINT, SIGTERM, SIGPIPE, SIGXFSZ, SIGCHLD}) {
+    std::signal(signal, SIG_DFL);
+  }
+  for (const int signal : setup.ignoredSignals) std::signal(signal, SIG_IGN);
   ::execve(setup.program.c_str(), arguments, environment);
   ::_exit(127);
 }

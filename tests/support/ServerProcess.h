@@ -31,6 +31,8 @@ class ServerProcess {
     FileDescriptor errors{};
     /// Streams that the server is started without.
     std::vector<int> closedStreams{};
+    /// Signals that the server is started to ignore.
+    std::vector<int> ignoredSignals{};
     /// False when nobody ever reads what it says on standard error.
     bool readsErrors = true;
     /// How large, in bytes, a file that it writes may get.

@@ -71,6 +71,28 @@ TEST_F(AppProcessTest, StartsAProgramThatIsNobodysChildAndLeavesNoZombie) {
   EXPECT_TRUE(ProcessFacts::children(::getpid()).empty());
 }
 
+/// Ignores the ends of this process's children for as long as it lives.
+class IgnoredChildren {
+ public:
+  IgnoredChildren() : before(std::signal(SIGCHLD, SIG_IGN)) {}
+  IgnoredChildren(const IgnoredChildren&) = delete;
+  IgnoredChildren& operator=(const IgnoredChildren&) = delete;
+  ~IgnoredChildren() { std::signal(SIGCHLD, before); }
+
+ private:
+  void (*before)(int);
+};
+
+// Fails when a status that nobody told is taken for a bad one, or when why it could not be started
+// is asked of that status.
+TEST_F(AppProcessTest, StartsWhereNoStatusIsTold) {
+  const IgnoredChildren ignored;
+  EXPECT_EQ(startFailure(bundle), std::errc::no_such_file_or_directory);
+  const TemporaryApp app(bundle);
+  EXPECT_EQ(startFailure(bundle), std::error_code());
+  EXPECT_TRUE(ProcessFacts::isAlive(app.waitUntilUp()));
+}
+
 TEST_F(AppProcessTest, StartsAScriptThatSaysHowItIsRun) {
   const fs::path script = bundle / "Contents" / "MacOS" / "Corvane";
   TestFiles::write(script, "#!/bin/sh\necho ran > \"$(dirname \"$0\")/ran\"\n");

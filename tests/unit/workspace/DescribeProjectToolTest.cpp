@@ -137,6 +137,12 @@ TEST_F(DescribeProjectToolTest, AnUnknownNameIsAnsweredWithTheKnownOnes) {
   expectUnknown("3", "A, a, b");
 }
 
+// Fails when an empty list so far counts as the beginning of the list.
+TEST_F(DescribeProjectToolTest, EmptyNamesKeepTheirSeparators) {
+  publish(R"({"projects":[{"name":""},{"name":"B"},{"name":""}]})");
+  expectUnknown("x", ", , B");
+}
+
 TEST_F(DescribeProjectToolTest, WithoutNamesThereAreNoKnownOnes) {
   for (const char* projects : {"[]", "[{}]", "null", R"({"name":"A"})", R"(["A"])"}) {
     publish(R"({"projects":)" + std::string(projects) + "}");
