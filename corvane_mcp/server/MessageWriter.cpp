@@ -67,6 +67,7 @@ void ProgressReporter::emit(double progress, std::optional<double> total,
                             std::string_view message) const {
   const JSONRPCRequest notification{
       .jsonrpc = "2.0",
+      .id = std::nullopt,
       .method = "notifications/progress",
       .params = encodeValue(ProgressParams{token, progress, total, std::string(message)})};
   try {
