@@ -19,6 +19,11 @@ namespace {
 
 constexpr double pi = std::numbers::pi;
 
+void setColour(cairo_t* context, Colour colour, double opacity = 1) {
+  const auto part = [colour](unsigned shift) { return (colour >> shift & 0xFF) / 255.0; };
+  cairo_set_source_rgba(context, part(16), part(8), part(0), opacity);
+}
+
 void roundedPath(cairo_t* context, Rect area, double radius) {
   const double r = std::min({radius, area.width / 2, area.height / 2});
   cairo_new_sub_path(context);
@@ -43,8 +48,8 @@ void strokePath(cairo_t* context, double width) {
 }
 
 /// The shapes of a sketch, each with how many numbers it has at the least.
-constexpr std::array<std::pair<char, std::size_t>, 7> shapes{
-    {{'R', 5}, {'C', 3}, {'H', 4}, {'P', 6}, {'O', 4}, {'A', 4}, {'L', 5}}};
+constexpr std::array<std::pair<char, std::size_t>, 5> shapes{
+    {{'R', 5}, {'C', 3}, {'P', 6}, {'O', 4}, {'L', 5}}};
 
 [[noreturn]] void fail(const char* reason) {
   throw std::runtime_error(std::string("the picture cannot be drawn: ") + reason);
@@ -70,16 +75,6 @@ std::string encoded(const std::vector<std::uint8_t>& pixels, std::size_t width,
 
 }  // namespace
 
-Colour mixed(Colour under, Colour over, double share) {
-  Colour result = 0;
-  for (const unsigned shift : {0U, 8U, 16U}) {
-    const double from = under >> shift & 0xFF;
-    const double to = over >> shift & 0xFF;
-    result |= static_cast<Colour>(std::lround(from + (to - from) * share)) << shift;
-  }
-  return result;
-}
-
 Canvas::Canvas(Size size, Colour ground) {
   cairo_surface_t* surface =
       cairo_image_surface_create(CAIRO_FORMAT_RGB24, static_cast<int>(size.width) * scale,
@@ -95,56 +90,31 @@ Canvas::Canvas(Size size, Colour ground) {
   cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_OFF);
   cairo_set_font_options(context.get(), options);
   cairo_font_options_destroy(options);
-  cover(ground, 1);
+  fill({0, 0, size.width, size.height}, ground);
 }
 
-void Canvas::setColour(Colour colour, double opacity) const {
-  cairo_set_source_rgba(context.get(), (colour >> 16 & 0xFF) / 255.0, (colour >> 8 & 0xFF) / 255.0,
-                        (colour & 0xFF) / 255.0, opacity);
-}
-
-void Canvas::fill(Rect area, Colour colour, double radius) {
-  setColour(colour);
+void Canvas::fill(Rect area, Colour colour, double radius, double opacity) {
+  setColour(context.get(), colour, opacity);
   roundedPath(context.get(), area, radius);
   cairo_fill(context.get());
 }
 
-void Canvas::circle(Point centre, double radius, Colour colour) {
-  fill({centre.x - radius, centre.y - radius, 2 * radius, 2 * radius}, colour, radius);
-}
-
-void Canvas::line(std::span<const Point> points, double width, Colour colour) {
-  setColour(colour);
-  for (const Point point : points) cairo_line_to(context.get(), point.x, point.y);
-  strokePath(context.get(), width);
-}
-
-void Canvas::cover(Colour colour, double share) {
-  setColour(colour, share);
-  cairo_paint(context.get());
-}
-
-void Canvas::clip(Rect area, double radius) {
-  roundedPath(context.get(), area, radius);
-  cairo_clip(context.get());
-}
-
-void Canvas::release() {
-  cairo_reset_clip(context.get());
+void Canvas::circle(Point centre, double radius, Colour colour, double opacity) {
+  fill({centre.x - radius, centre.y - radius, 2 * radius, 2 * radius}, colour, radius, opacity);
 }
 
 void Canvas::sketch(Point origin, double unit, std::string_view sketched, Colour colour) {
   cairo_save(context.get());
   cairo_translate(context.get(), origin.x, origin.y);
   cairo_scale(context.get(), unit, unit);
-  setColour(colour);
+  setColour(context.get(), colour);
   const std::string text(sketched);
   std::vector<double> numbers;
   for (const char* at = text.c_str(); *at;) {
     const char shape = *at++;
     char* end = nullptr;
     if (shape == '#') {
-      setColour(static_cast<Colour>(std::strtoul(at, &end, 16)));
+      setColour(context.get(), static_cast<Colour>(std::strtoul(at, &end, 16)));
       at = end;
     } else if (shape != ' ') {
       numbers.clear();
@@ -171,23 +141,12 @@ void Canvas::drawShape(char shape, std::span<const double> n) {
     case 'C':
       cairo_arc(to, n[0], n[1], n[2], 0, 2 * pi);
       return cairo_fill(to);
-    case 'H':
-      cairo_save(to);
-      cairo_translate(to, n[0], n[1]);
-      cairo_scale(to, n[2], n[3]);
-      cairo_arc(to, 0, 0, 1, 0, pi);
-      cairo_restore(to);
-      return cairo_fill(to);
     case 'P':
       linePath(to, n);
       return cairo_fill(to);
     case 'O':
       cairo_new_path(to);
       cairo_arc(to, n[0], n[1], n[2], 0, 2 * pi);
-      return strokePath(to, n[3]);
-    case 'A':
-      cairo_new_path(to);
-      cairo_arc(to, n[0], n[1], n[2], pi, 2 * pi);
       return strokePath(to, n[3]);
     case 'L':
       linePath(to, n.subspan(1));
@@ -210,7 +169,7 @@ void Canvas::write(Rect area, std::string_view text, Font font, Colour colour, A
   const std::string shown = cut(text, font, area.width);
   const double left = align == Align::left ? 0 : area.width - width(shown, font);
   const double baseline = area.centre().y + font.size * 0.34;
-  setColour(colour);
+  setColour(context.get(), colour);
   select(font);
   cairo_move_to(context.get(), area.x + (align == Align::centre ? left / 2 : left), baseline);
   if (font.weight != Font::Weight::medium) return cairo_show_text(context.get(), shown.c_str());

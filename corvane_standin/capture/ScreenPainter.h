@@ -2,10 +2,8 @@
 
 #include <optional>
 #include <string>
-#include <string_view>
 
-#include "corvane_standin/capture/Canvas.h"
-#include "corvane_standin/story/Screen.h"
+#include "corvane_standin/capture/Screen.h"
 
 namespace corvane::standin {
 
@@ -17,8 +15,5 @@ struct PaintedScreen {
 
 /// The same picture for the same screen. Throws std::runtime_error when it cannot be drawn.
 [[nodiscard]] PaintedScreen paint(const Screen& screen);
-
-/// What stands out in an app: every app has a colour of its own, always the same one.
-[[nodiscard]] Colour accentOf(std::string_view appName);
 
 }  // namespace corvane::standin
