@@ -161,14 +161,12 @@ Rect paintSearchField(Canvas& canvas, const Element& element, Rect box, Colour a
   return box;
 }
 
-Rect paintField(Canvas& canvas, const Element& element, Rect area, Colour accent) {
-  const Rect box{area.x, area.y + 24, area.width, area.height - 34};
-  canvas.write({area.x + 2, area.y, area.width, 24}, element.label, smallFont, quiet);
-  paintInput(canvas, element, box, box.inset(14, 0), accent);
-  return box;
-}
-
-Rect paintDialogField(Canvas& canvas, const Element& element, Rect box, Colour accent) {
+/// With its name above it, for which a dialog has no space.
+Rect paintField(Canvas& canvas, const Element& element, Rect box, Colour accent) {
+  if (element.kind == Kind::field) {
+    canvas.write({box.x + 2, box.y, box.width, 24}, element.label, smallFont, quiet);
+    box = {box.x, box.y + 24, box.width, box.height - 34};
+  }
   paintInput(canvas, element, box, box.inset(14, 0), accent);
   return box;
 }
@@ -231,12 +229,6 @@ Rect paintSlider(Canvas& canvas, const Element& element, Rect box, Colour accent
   return {handle - 13, track.centre().y - 13, 26, 26};
 }
 
-Rect paintHeading(Canvas& canvas, const Element& element, Rect area, Colour) {
-  canvas.write({area.x, area.y + 3, area.width, area.height}, element.label, {22, Weight::bold},
-               ink);
-  return area;
-}
-
 Rect paintParagraph(Canvas& canvas, const Element& element, Rect area, Colour) {
   canvas.writeLines({area.x, area.y + lineHeight / 2, area.width, area.height}, lineHeight,
                     element.label, bodyFont, quiet, Align::left);
@@ -268,9 +260,15 @@ Rect paintNotice(Canvas& canvas, const Element& element, Rect area, Colour accen
   return area;
 }
 
-Rect paintAmount(Canvas& canvas, const Element& element, Rect area, Colour) {
-  const Font font = element.strong ? Font{20, Weight::bold} : bodyFont;
-  const Colour colour = element.strong ? ink : quiet;
+/// A heading or a line of a bill.
+Rect paintLine(Canvas& canvas, const Element& element, Rect area, Colour) {
+  const bool isHeading = element.kind == Kind::heading;
+  const bool standsOut = isHeading || element.strong;
+  const Font font{isHeading   ? 22.0
+                  : standsOut ? 20
+                              : 17,
+                  standsOut ? Weight::bold : Weight::regular};
+  const Colour colour = standsOut ? ink : quiet;
   writePair(canvas, area, element, font, font, colour, colour);
   return area;
 }
@@ -293,13 +291,9 @@ Rect paintRoundButton(Canvas& canvas, const Element& element, Rect area, Colour 
   return {centre.x - radius, centre.y - radius, 2 * radius, 2 * radius};
 }
 
-Rect paintBack(Canvas& canvas, const Element&, Rect area, Colour accent) {
-  canvas.sketch({area.x + 14, area.centre().y}, 1, leftChevron, accent);
-  return area;
-}
-
-Rect paintSearchIcon(Canvas& canvas, const Element&, Rect area, Colour accent) {
-  canvas.sketch(area.centre(), 1, magnifier, accent);
+Rect paintIcon(Canvas& canvas, const Element& element, Rect area, Colour accent) {
+  element.kind == Kind::back ? canvas.sketch({area.x + 14, area.centre().y}, 1, leftChevron, accent)
+                             : canvas.sketch(area.centre(), 1, magnifier, accent);
   return area;
 }
 
@@ -332,10 +326,10 @@ Rect paintAppIcon(Canvas& canvas, const Element& element, Rect area, Colour) {
 
 /// In the order of Element::Kind.
 constexpr std::array looks{
-    ElementLook{Kind::back, Region::titleBar, 44, 0, paintBack},
-    ElementLook{Kind::searchIcon, Region::titleBar, 44, 0, paintSearchIcon},
+    ElementLook{Kind::back, Region::titleBar, 44, 0, paintIcon},
+    ElementLook{Kind::searchIcon, Region::titleBar, 44, 0, paintIcon},
     ElementLook{Kind::searchField, Region::page, 52, 4, paintSearchField},
-    ElementLook{Kind::heading, Region::page, 46, 0, paintHeading},
+    ElementLook{Kind::heading, Region::page, 46, 0, paintLine},
     ElementLook{Kind::paragraph, Region::page, 14 + 2 * lineHeight, 0, paintParagraph},
     ElementLook{Kind::card, Region::page, 218, 6, paintCard},
     ElementLook{Kind::goods, Region::page, 76, 3, paintRow},
@@ -347,12 +341,12 @@ constexpr std::array looks{
     ElementLook{Kind::hero, Region::page, 330, 6, paintHero},
     ElementLook{Kind::map, Region::page, 420, 6, paintMap},
     ElementLook{Kind::notice, Region::page, 380, 0, paintNotice},
-    ElementLook{Kind::amount, Region::foot, 34, 0, paintAmount},
+    ElementLook{Kind::amount, Region::foot, 34, 0, paintLine},
     ElementLook{Kind::button, Region::foot, 62, 5, paintButton},
     ElementLook{Kind::roundButton, Region::foot, 112, 0, paintRoundButton},
     ElementLook{Kind::tab, Region::tabBar, 54, 0, paintTab},
     ElementLook{Kind::dialog, Region::dialog, 126, 0, paintDialog},
-    ElementLook{Kind::dialogField, Region::dialog, 62, 8, paintDialogField},
+    ElementLook{Kind::dialogField, Region::dialog, 62, 8, paintField},
     ElementLook{Kind::dialogButton, Region::dialog, 70, 10, paintButton},
     ElementLook{Kind::appIcon, Region::homeScreen, 100, 0, paintAppIcon},
 };

@@ -1,6 +1,7 @@
 #include "corvane_standin/capture/Pages.h"
 
 #include <array>
+#include <utility>
 
 #include "CorvaneCore/text/Unicode.h"
 
@@ -196,16 +197,21 @@ std::span<const App> apps() {
   return allApps;
 }
 
-std::vector<Element> itemsNamed(Kind kind, std::string_view word) {
+std::vector<Element> itemsFor(Element element) {
+  const bool isCard = element.kind == Kind::card;
+  const bool isItem = isCard || element.kind == Kind::goods || element.kind == Kind::walk;
+  if (!isItem || !element.detail.empty()) return {std::move(element)};
+  const Kind kind = isCard ? Kind::goods : element.kind;
+  const std::string wanted = asciiLowercase(element.label);
+  std::vector<Element> all;
   std::vector<Element> found;
-  const std::string wanted = asciiLowercase(word);
   for (const auto& item : items) {
-    if (item.kind == kind && (asciiLowercase(item.name).find(wanted) != std::string::npos ||
-                              asciiLowercase(item.group) == wanted)) {
-      found.push_back({kind, std::string(item.name), std::string(item.detail)});
-    }
+    if (item.kind != kind) continue;
+    all.push_back({element.kind, std::string(item.name), std::string(item.detail)});
+    const bool isNamed = asciiLowercase(item.name).find(wanted) != std::string::npos;
+    if (isNamed || asciiLowercase(item.group) == wanted) found.push_back(all.back());
   }
-  return found;
+  return found.empty() ? all : found;
 }
 
 }  // namespace corvane::standin

@@ -48,8 +48,7 @@ struct App {
 /// The made-up apps; the last one stands for every other.
 [[nodiscard]] std::span<const App> apps();
 
-/// The items whose name has `word` in it or that are all in the group of this name. Capitals do
-/// not matter.
-[[nodiscard]] std::vector<Element> itemsNamed(Element::Kind kind, std::string_view word);
+/// What an element stands for: itself, or cards, goods or walks. Capitals do not matter.
+[[nodiscard]] std::vector<Element> itemsFor(Element element);
 
 }  // namespace corvane::standin

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
+#include <iterator>
 #include <map>
 #include <utility>
 
@@ -50,23 +50,6 @@ std::optional<std::string> foundInstead(const TestOutcome& outcome) {
   return reason.substr(begin, reason.find('"', begin) - begin);
 }
 
-/// The element that a step names, of the kind that it says if there is one; what lies over others
-/// comes last.
-std::optional<std::size_t> find(const Screen& screen, const NamedPart& part) {
-  const auto isMeant = [&part](const Element& element) {
-    return isSame(element.label, part.label) ||
-           (!element.buttonUnder.empty() && isSame(element.buttonUnder, part.label));
-  };
-  std::optional<std::size_t> found;
-  for (std::size_t i = 0; i < screen.elements.size(); ++i) {
-    const Element& element = screen.elements[i];
-    const bool isBetter =
-        !found || part.kind != screen.elements[*found].kind || part.kind == element.kind;
-    if (isMeant(element) && isBetter) found = i;
-  }
-  return found;
-}
-
 /// Tells a test step by step: `screen` is what the phone shows, with all on it that is going to be
 /// touched until the next page opens.
 class Teller {
@@ -74,7 +57,7 @@ class Teller {
   Teller(const PlannedTest& test, const std::vector<StepWords>& steps, const App& app,
          Screen firstScreen)
       : test(test), steps(steps), app(app), screen(std::move(firstScreen)) {
-    values = {{"app", screen.appName}, {"tapped", ""}, {"typed", ""}, {"time", "0:00"}};
+    values = {{"app", screen.appName}, {"tapped", ""}, {"typed", ""}, {"time", "0 s"}};
     values["chosen"] = "Kilometres";
   }
 
@@ -83,7 +66,7 @@ class Teller {
     open(isClosed ? app.pages.back() : app.pages.front());
     for (std::size_t i = 0; i < steps.size(); ++i) {
       addParts(i);
-      const auto subject = subjectOf(i);
+      const auto subject = subjectOf(steps[i]);
       const Page* const next = pageAfter(steps[i], subject);
       const bool closesDialog = subject && screen.elements[*subject].kind == Kind::dialogButton &&
                                 steps[i].act == ScreenAct::tap;
@@ -128,23 +111,8 @@ class Teller {
                       substituteParameters(isDefect ? part.defect : part.detail, values),
                       part.strong};
       if (element.kind == Kind::row && element.label == values["chosen"]) element.strong = true;
-      for (auto& each : itemsOf(std::move(element), true)) {
-        screen.elements.push_back(std::move(each));
-      }
+      std::ranges::move(itemsFor(std::move(element)), std::back_inserter(screen.elements));
     }
-  }
-
-  /// The items that an element without a detail stands for.
-  static std::vector<Element> itemsOf(Element element, bool orAll) {
-    const bool isItem =
-        element.kind == Kind::card || element.kind == Kind::goods || element.kind == Kind::walk;
-    if (!isItem || !element.detail.empty()) return {std::move(element)};
-    const Kind kind = element.kind == Kind::card ? Kind::goods : element.kind;
-    auto found = itemsNamed(kind, element.label);
-    if (found.empty() && orAll) found = itemsNamed(kind, "");
-    if (found.empty()) return {std::move(element)};
-    for (auto& item : found) item.kind = element.kind;
-    return found;
   }
 
   /// Sees to it that what a step names is on the screen.
@@ -153,12 +121,14 @@ class Teller {
     const bool isTurn = i == test.turningStep;
     const Trouble trouble = isTurn ? troubleOf(test.outcome) : Trouble::none;
     for (const auto& part : step.parts) {
-      if (trouble != Trouble::missing && !shows(step, part)) add(step, part);
+      const bool isTitle = step.act == ScreenAct::look && isInside(screen.title, part.label);
+      const bool isShown = isTitle || placeOf(part, step.act);
+      if (trouble != Trouble::missing && !isShown) add(step, part);
     }
     if (step.act == ScreenAct::type && std::ranges::none_of(screen.elements, &Element::takesText)) {
       screen.elements.push_back({Kind::field, "Text"});
     }
-    const auto subject = subjectOf(i);
+    const auto subject = subjectOf(steps[i]);
     if (!subject) return;
     Element& element = screen.elements[*subject];
     if (trouble == Trouble::greyedOut) element.enabled = false;
@@ -170,21 +140,6 @@ class Teller {
     if (trouble == Trouble::missing) {
       screen.elements.erase(screen.elements.begin() + static_cast<std::ptrdiff_t>(*subject));
     }
-  }
-
-  [[nodiscard]] bool shows(const StepWords& step, const NamedPart& part) const {
-    if (find(screen, part)) return true;
-    if (step.act != ScreenAct::look) return false;
-    return isInside(screen.title, part.label) || findInside(part.label).has_value();
-  }
-
-  [[nodiscard]] std::optional<std::size_t> findInside(std::string_view text) const {
-    const auto& elements = screen.elements;
-    const auto found = std::ranges::find_if(elements, [text](const Element& element) {
-      return isInside(element.label, text) || isInside(element.detail, text);
-    });
-    if (found == elements.end()) return std::nullopt;
-    return static_cast<std::size_t>(found - elements.begin());
   }
 
   /// Above the others of its kind, where it is in sight, else at the end.
@@ -199,26 +154,40 @@ class Teller {
                            ? screen.elements.end()
                            : std::ranges::find(screen.elements, kind, &Element::kind);
     const bool leadsOn = kind == Kind::button || kind == Kind::dialogButton;
-    screen.elements.insert(place, itemsOf({kind, part.label, {}, leadsOn}, false).front());
+    Element element{kind, part.label, {}, leadsOn};
+    const auto items = itemsFor(element);
+    if (isSame(items.front().label, part.label)) element.detail = items.front().detail;
+    screen.elements.insert(place, std::move(element));
   }
 
-  [[nodiscard]] std::optional<std::size_t> subjectOf(std::size_t i) const {
-    if (steps[i].act == ScreenAct::type) return fieldInUse();
-    if (steps[i].parts.empty()) return std::nullopt;
-    const auto& part = steps[i].parts.front();
-    const auto found = find(screen, part);
-    return found || steps[i].act != ScreenAct::look ? found : findInside(part.label);
+  /// The last element that is wanted: what lies over others comes last.
+  template <class Predicate>
+  [[nodiscard]] std::optional<std::size_t> last(Predicate isWanted) const {
+    const auto found = std::find_if(screen.elements.rbegin(), screen.elements.rend(), isWanted);
+    if (found == screen.elements.rend()) return std::nullopt;
+    return static_cast<std::size_t>(screen.elements.rend() - found) - 1;
   }
 
-  [[nodiscard]] std::optional<std::size_t> fieldInUse() const {
-    std::optional<std::size_t> field;
-    for (std::size_t i = screen.elements.size(); i-- > 0;) {
-      const Element& element = screen.elements[i];
-      if (!element.takesText()) continue;
-      if (element.strong) return i;
-      field = i;
+  /// The element that a step names; one that looks may name a piece of a text.
+  [[nodiscard]] std::optional<std::size_t> placeOf(const NamedPart& part, ScreenAct act) const {
+    const std::string& label = part.label;
+    const auto isNamed = [&](const Element& e) {
+      return isSame(e.label, label) || isSame(e.buttonUnder, label);
+    };
+    auto found = last([&](const Element& e) { return isNamed(e) && part.kind == e.kind; });
+    if (!found) found = last(isNamed);
+    if (found || act != ScreenAct::look) return found;
+    return last(
+        [&](const Element& e) { return isInside(e.label, label) || isInside(e.detail, label); });
+  }
+
+  /// The element that a step is about.
+  [[nodiscard]] std::optional<std::size_t> subjectOf(const StepWords& step) const {
+    if (step.act == ScreenAct::type) {
+      const auto inUse = last([](const Element& e) { return e.takesText() && e.strong; });
+      return inUse ? inUse : last([](const Element& e) { return e.takesText(); });
     }
-    return field;
+    return step.parts.empty() ? std::nullopt : placeOf(step.parts.front(), step.act);
   }
 
   [[nodiscard]] const Page* pageByCommand(const StepWords& step) const {
@@ -275,7 +244,7 @@ class Teller {
   /// Takes the steps before `end` that were not taken yet.
   void takeSteps(std::size_t end) {
     for (std::size_t i = screens.size(); i < end; ++i) {
-      const auto subject = subjectOf(i);
+      const auto subject = subjectOf(steps[i]);
       screens.push_back(screen);
       // What is to be scrolled to is not in sight yet.
       if (steps[i].act != ScreenAct::scroll) screens.back().target = subject;
@@ -345,15 +314,13 @@ class Teller {
   }
 
   /// Lets the seconds pass that a text such as "Wait 5 seconds" speaks of.
-  void letTimePass(const std::string& text) {
-    int seconds = 0;
-    const auto digit = std::min(text.find_first_of("0123456789"), text.size());
-    std::from_chars(text.data() + digit, text.data() + text.size(), seconds);
-    const std::string rest = std::to_string(seconds % 60);
+  void letTimePass(std::string_view text) {
     const std::string before = values["time"];
-    values["time"] = std::to_string(seconds / 60) + (rest.size() < 2 ? ":0" : ":") + rest;
+    for (const auto word : split(text)) {
+      if (word.front() >= '0' && word.front() <= '9') values["time"] = std::string(word) + " s";
+    }
     for (auto& element : screen.elements) {
-      if (element.kind == Kind::map && element.detail == before) element.detail = values["time"];
+      if (element.detail == before) element.detail = values["time"];
     }
   }
 
