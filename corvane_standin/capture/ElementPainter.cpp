@@ -1,4 +1,4 @@
-#include "corvane_standin/capture/ElementPainter.h"
+#include "corvane_standin/capture/ScreenPainter.h"
 
 #include <algorithm>
 #include <array>
@@ -184,7 +184,7 @@ Rect paintCard(Canvas& canvas, const Element& element, Rect area, Colour) {
 
 Rect paintRow(Canvas& canvas, const Element& element, Rect row, Colour accent) {
   Rect touched = row;
-  if (element.swiped) {
+  if (element.moved) {
     constexpr double uncovered = 104;
     canvas.fill(row, danger, 14);
     touched = {row.right() - uncovered, row.y, uncovered, row.height};
@@ -219,7 +219,7 @@ Rect paintSlider(Canvas& canvas, const Element& element, Rect box, Colour accent
   writePair(canvas, {box.x + 16, box.y + 10, box.width - 32, 24}, element, strongFont, smallFont,
             ink, quiet);
   const Rect track{box.x + 28, box.bottom() - 30, box.width - 56, 4};
-  const double handle = track.x + track.width * (element.strong ? 0.5 : 0.92);
+  const double handle = track.x + track.width * (element.moved ? 0.5 : 0.92);
   canvas.fill(track, hairline, 2);
   canvas.fill({track.x, track.y, handle - track.x, 4}, accent, 2);
   for (const double x : {track.x, handle}) {

@@ -44,7 +44,7 @@ constexpr std::array items{
 };
 
 constexpr PagePart shopFront[]{{Kind::searchIcon, "Magnifying glass"},
-                               {Kind::searchField, "Search the shop"},
+                               {Kind::searchField, "Search"},
                                {Kind::heading, "New this week"},
                                {Kind::card, "Enamel mug"},
                                {Kind::card, "Linen apron"},
@@ -102,10 +102,9 @@ constexpr PagePart greeting[]{{Kind::notice, "Hello, $typed",
                                "You are signed in. Your orders and addresses are kept here.", true},
                               {Kind::button, "Sign out"}};
 constexpr PagePart search[]{
-    {Kind::back, "Back"}, {Kind::searchField, "Search the shop", {}, true}, {Kind::goods, ""}};
-constexpr PagePart found[]{{Kind::back, "Back"},
-                           {Kind::searchField, "Search the shop", "$typed"},
-                           {Kind::goods, "$typed"}};
+    {Kind::back, "Back"}, {Kind::searchField, "Search", {}, true}, {Kind::goods, ""}};
+constexpr PagePart found[]{
+    {Kind::back, "Back"}, {Kind::searchField, "Search", "$typed"}, {Kind::goods, "$typed"}};
 constexpr PagePart filter[]{{Kind::back, "Back"},
                             {Kind::toggle, "In stock only", {}, true},
                             {Kind::toggle, "On sale"},

@@ -78,7 +78,8 @@ struct Element {
   bool enabled = true;
   /// The button under a row, which comes out when the row is swiped aside.
   std::string buttonUnder = {};
-  bool swiped = false;
+  /// Whether a row was swiped aside or the handle of a slider was dragged.
+  bool moved = false;
 
   [[nodiscard]] bool takesText() const {
     return kind == Kind::field || kind == Kind::searchField || kind == Kind::dialogField;

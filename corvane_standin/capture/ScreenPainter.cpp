@@ -4,8 +4,6 @@
 #include <array>
 #include <vector>
 
-#include "corvane_standin/capture/ElementPainter.h"
-
 namespace corvane::standin {
 
 using namespace palette;
@@ -44,47 +42,48 @@ class Painting {
   }
 
  private:
+  /// The numbers of the elements of a region.
+  [[nodiscard]] std::vector<std::size_t> of(Region region) const {
+    std::vector<std::size_t> numbers;
+    for (std::size_t i = 0; i < places.size(); ++i) {
+      if (lookOf(screen.elements[i].kind).region == region) numbers.push_back(i);
+    }
+    return numbers;
+  }
+
   /// Places the elements of a region below each other and gives where they end. Those that are
   /// narrower than the area share a line.
   double stack(Region region, Rect area) {
     constexpr double gap = 12;
-    double y = area.y;
-    double x = area.x;
-    for (std::size_t i = 0; i < places.size(); ++i) {
+    const double half = (area.width - gap) / 2;
+    Rect place{area.x, area.y, 0, 0};
+    for (const std::size_t i : of(region)) {
       const Kind kind = screen.elements[i].kind;
-      const ElementLook& look = lookOf(kind);
-      if (look.region != region) continue;
       const bool isHalf = kind == Kind::card || kind == Kind::dialogButton;
-      const double width = isHalf ? (area.width - gap) / 2 : area.width;
-      const bool isBeside = isHalf && x > area.x;
-      if (x > area.x && !isBeside) x = area.x;
-      if (isBeside) y -= look.height;
-      places[i] = {x, y, width, look.height};
-      y += look.height;
-      x = isHalf && !isBeside ? x + width + gap : area.x;
+      const bool isBeside = isHalf && place.width == half && place.x == area.x;
+      place = {isBeside ? area.x + half + gap : area.x, isBeside ? place.y : place.bottom(),
+               isHalf ? half : area.width, lookOf(kind).height};
+      places[i] = place;
     }
-    return y;
+    return place.bottom();
   }
 
   /// Places the elements of a region beside each other, in lines of `columns`.
   void spread(Region region, Rect area, std::size_t columns) {
+    const double width = area.width / static_cast<double>(columns);
     std::size_t count = 0;
-    const double width = area.width / static_cast<double>(std::max<std::size_t>(columns, 1));
-    for (std::size_t i = 0; i < places.size(); ++i) {
-      const ElementLook& look = lookOf(screen.elements[i].kind);
-      if (look.region != region) continue;
+    for (const std::size_t i : of(region)) {
       places[i] = {area.x + width * static_cast<double>(count % columns),
-                   area.y + look.height * static_cast<double>(count / columns), width, look.height};
+                   area.y + area.height * static_cast<double>(count / columns), width, area.height};
       ++count;
     }
   }
 
   void paintRegion(Region region) {
-    for (std::size_t i = 0; i < places.size(); ++i) {
-      const Element& element = screen.elements[i];
-      const ElementLook& look = lookOf(element.kind);
-      if (look.region != region) continue;
-      const Rect touched = look.paint(canvas, element, places[i].inset(0, look.space), accent);
+    for (const std::size_t i : of(region)) {
+      const ElementLook& look = lookOf(screen.elements[i].kind);
+      const Rect area = places[i].inset(0, look.space);
+      const Rect touched = look.paint(canvas, screen.elements[i], area, accent);
       if (screen.target == i) target = touched;
     }
   }
@@ -145,11 +144,9 @@ class Painting {
         ? canvas.write({left, area.y, size.width - 120, titleHeight}, screen.title,
                        {20, Weight::medium}, ink)
         : canvas.write(area.inset(65, 0), screen.title, {17, Weight::bold}, ink, Align::centre);
-    for (std::size_t i = 0; i < places.size(); ++i) {
+    for (const std::size_t i : of(Region::titleBar)) {
       const bool isBack = screen.elements[i].kind == Kind::back;
-      places[i] = lookOf(screen.elements[i].kind).region == Region::titleBar
-                      ? Rect{isBack ? 8 : size.width - 56, area.y + 3, 44, 44}
-                      : places[i];
+      places[i] = {isBack ? 8 : size.width - 56, area.y + 3, 44, 44};
     }
     paintRegion(Region::titleBar);
   }
@@ -166,8 +163,7 @@ class Painting {
   }
 
   void paintTabs() {
-    const auto count =
-        static_cast<std::size_t>(std::ranges::count(screen.elements, Kind::tab, &Element::kind));
+    const std::size_t count = of(Region::tabBar).size();
     if (count == 0) return;
     const double top = size.height - homeHeight - tabsHeight;
     canvas.fill({0, top, size.width, size.height - top}, bar);
@@ -185,8 +181,7 @@ class Painting {
     const double bottom = size.height - homeHeight - (screen.hasKeyboard() ? keyboardHeight : 0);
     const double y = (54 + bottom - height) / 2;
     stack(Region::dialog, {x + 24, y, width - 48, 0});
-    const auto dialog = std::ranges::find(screen.elements, Kind::dialog, &Element::kind);
-    places[static_cast<std::size_t>(dialog - screen.elements.begin())] = {x, y, width, height};
+    places[of(Region::dialog).front()] = {x, y, width, height};
     paintRegion(Region::dialog);
   }
 
@@ -223,7 +218,7 @@ class Painting {
       canvas.fill({0, height * i, size.width, height}, 0xC98F7A, 0, i / (bands - 1.0));
     }
     paintStatusBar(white);
-    spread(Region::homeScreen, {0, pageTop, size.width, 0}, 4);
+    spread(Region::homeScreen, {0, pageTop, size.width, 100}, 4);
     paintRegion(Region::homeScreen);
   }
 

@@ -264,7 +264,8 @@ class Teller {
         screen.scrolled = !step.speakOf("up");
         return;
       case ScreenAct::drag:
-        if (subject) pull(*subject);
+        if (subject) subject->moved = true;
+        if (subject && subject->kind == Kind::slider) subject->detail = "0 – 30";
         return;
       case ScreenAct::command:
         return leaveFields();
@@ -304,13 +305,6 @@ class Teller {
     field.detail = isSecret ? "" : text;
     for (std::size_t i = 0; isSecret && i < countCharacters(text); ++i) field.detail += "•";
     if (!isSecret) values["typed"] = text;
-  }
-
-  static void pull(Element& element) {
-    if (isRow(element.kind)) element.swiped = true;
-    if (element.kind != Kind::slider) return;
-    element.strong = true;
-    element.detail = "0 – 30";
   }
 
   /// Lets the seconds pass that a text such as "Wait 5 seconds" speaks of.

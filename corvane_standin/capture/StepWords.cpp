@@ -14,7 +14,7 @@ namespace {
 using Kind = Element::Kind;
 
 /// What people call the parts of a screen.
-constexpr std::array<std::pair<std::string_view, Kind>, 9> kindWords{
+constexpr std::array<std::pair<std::string_view, Kind>, 8> kindWords{
     {{"button", Kind::button},
      {"tab", Kind::tab},
      {"field box", Kind::field},
@@ -22,8 +22,7 @@ constexpr std::array<std::pair<std::string_view, Kind>, 9> kindWords{
      {"row entry cell option link", Kind::row},
      {"heading title text message list page screen", Kind::heading},
      {"handle slider", Kind::slider},
-     {"switch toggle", Kind::toggle},
-     {"icon", Kind::appIcon}}};
+     {"switch toggle", Kind::toggle}}};
 
 constexpr std::array<std::pair<std::string_view, std::string_view>, 4> quotes{
     {{"\"", "\""}, {"“", "”"}, {"‘", "’"}, {"'", "'"}}};
@@ -105,6 +104,7 @@ StepWords::StepWords(std::string_view interactionType, std::string_view wholeDes
   if (const auto type = fromRawValue<InteractionType>(interactionType)) act = stepType(*type).act;
   // What is typed is no description, and what other tests do is not on this screen.
   if (act == ScreenAct::type || act == ScreenAct::otherSteps) return;
+  while (description.ends_with('.')) description.pop_back();
   parts = quotedParts(description);
   if (act == ScreenAct::tap && parts.empty()) parts = unquotedPart(description);
 }

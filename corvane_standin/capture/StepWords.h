@@ -24,8 +24,8 @@ struct StepWords {
   /// A step of a type that this build does not know is one that looks.
   StepWords(std::string_view interactionType, std::string_view description);
 
-  /// Whether one of `words`, which are separated by spaces, stands in the description outside of
-  /// quotes or in them; capitals do not matter.
+  /// Whether one of `words`, which are separated by spaces, is a word of the description; capitals
+  /// do not matter.
   [[nodiscard]] bool speakOf(std::string_view words) const;
 
   ScreenAct act = ScreenAct::look;

@@ -5,7 +5,6 @@
 #include "CorvaneCore/text/Unicode.h"
 #include "corvane_mcp/trace/PictureFormats.h"
 #include "corvane_standin/capture/Canvas.h"
-#include "corvane_standin/capture/ElementPainter.h"
 #include "corvane_standin/capture/ScreenPainter.h"
 #include "corvane_standin/capture/ScreenStory.h"
 

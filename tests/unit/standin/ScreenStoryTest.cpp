@@ -203,8 +203,8 @@ TEST(ScreenStoryTest, ASwipeUncoversTheButton) {
   const auto story = storyOf(firstTest("Add to cart and remove"));
   const auto before = story.screenAt(4);
   EXPECT_EQ(targetElement(before).label, "Enamel mug");
-  EXPECT_FALSE(targetElement(before).swiped);
-  EXPECT_TRUE(targetElement(story.screenAt(5)).swiped);
+  EXPECT_FALSE(targetElement(before).moved);
+  EXPECT_TRUE(targetElement(story.screenAt(5)).moved);
   EXPECT_EQ(targetElement(story.screenAt(5)).buttonUnder, "Remove");
   EXPECT_THAT(labels(story.screenAt(6), Kind::notice), Contains("Your cart is empty"));
 }
