@@ -161,7 +161,13 @@ void Canvas::write(Rect area, std::string_view text, Font font, Colour colour, A
 
 double Canvas::writeLines(Rect area, double pitch, std::string_view text, Font font, Colour colour,
                           Align align) {
-  for (const auto& each : wrapped(text, font, area.width)) {
+  auto lines = wrapped(text, font, area.width);
+  const auto most = static_cast<std::size_t>(std::max(area.height / pitch, 1.0));
+  if (lines.size() > most) {
+    lines.resize(most);
+    lines.back() += " …";
+  }
+  for (const auto& each : lines) {
     write({area.x, area.y - pitch / 2, area.width, pitch}, each, font, colour, align);
     area.y += pitch;
   }

@@ -43,8 +43,9 @@ class Canvas {
   enum class Align { left, centre, right };
   /// Writes one line of text in the middle of `area`'s height, cut to its width.
   void write(Rect area, std::string_view text, Font font, Colour colour, Align align = Align::left);
-  /// Writes lines that are as wide as `area`, `pitch` apart, the first with its middle at the top.
-  /// Gives where the middle of a further line would be.
+  /// Writes lines that are as wide as `area`, `pitch` apart, the first with its middle at the top;
+  /// what does not fit into its height is left out, with "…" for it. Gives where the middle of a
+  /// further line would be.
   double writeLines(Rect area, double pitch, std::string_view text, Font font, Colour colour,
                     Align align);
 

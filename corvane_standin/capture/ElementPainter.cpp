@@ -330,7 +330,7 @@ constexpr std::array looks{
     ElementLook{Kind::searchIcon, Region::titleBar, 44, 0, paintIcon},
     ElementLook{Kind::searchField, Region::page, 52, 4, paintSearchField},
     ElementLook{Kind::heading, Region::page, 46, 0, paintLine},
-    ElementLook{Kind::paragraph, Region::page, 14 + 2 * lineHeight, 0, paintParagraph},
+    ElementLook{Kind::paragraph, Region::page, 14 + 3 * lineHeight, 0, paintParagraph},
     ElementLook{Kind::card, Region::page, 218, 6, paintCard},
     ElementLook{Kind::goods, Region::page, 76, 3, paintRow},
     ElementLook{Kind::walk, Region::page, 76, 3, paintRow},

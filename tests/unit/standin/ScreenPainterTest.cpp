@@ -114,6 +114,16 @@ TEST(CanvasTest, WrapsAtWords) {
   EXPECT_EQ(canvas.wrapped("", font, 10), std::vector<std::string>());
 }
 
+TEST(CanvasTest, LinesThatDoNotFitAreLeftOut) {
+  Canvas canvas({200, 100}, white);
+  const std::string text(300, 'w');
+  const Rect area{0, 20, 200, 48};
+  EXPECT_EQ(canvas.writeLines(area, 24, "short", {17}, black, Canvas::Align::left), 44);
+  EXPECT_EQ(canvas.writeLines(area, 24, "a b c d " + text + " " + text + " " + text, {17}, black,
+                              Canvas::Align::left),
+            68);
+}
+
 TEST(CanvasTest, EveryCharacterHasALetter) {
   Canvas canvas({300, 40}, white);
   for (char32_t character = 0x20; character < 0x180; ++character) {
