@@ -88,7 +88,8 @@ std::vector<NamedPart> unquotedPart(std::string_view text) {
   }
   NamedPart part;
   const auto words = split(text);
-  if (words.size() > 1 && (part.kind = kindOf(asciiLowercase(words.back())))) {
+  if (words.size() > 1) part.kind = kindOf(asciiLowercase(words.back()));
+  if (part.kind) {
     text.remove_suffix(text.size() - static_cast<std::size_t>(words.back().data() - text.data()));
   }
   part.label = capitalised(std::string(trimWhitespace(text)));
