@@ -73,8 +73,9 @@ class Painting {
     const double width = area.width / static_cast<double>(columns);
     std::size_t count = 0;
     for (const std::size_t i : of(region)) {
+      const std::size_t line = count / columns;
       places[i] = {area.x + width * static_cast<double>(count % columns),
-                   area.y + area.height * static_cast<double>(count / columns), width, area.height};
+                   area.y + area.height * static_cast<double>(line), width, area.height};
       ++count;
     }
   }
