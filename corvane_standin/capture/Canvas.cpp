@@ -4,9 +4,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstdlib>
-#include <cstring>
 #include <numbers>
 #include <stdexcept>
 #include <utility>
@@ -18,6 +16,11 @@ namespace corvane::standin {
 namespace {
 
 constexpr double pi = std::numbers::pi;
+
+void setColour(cairo_t* context, Colour colour, double opacity = 1) {
+  const auto part = [colour](unsigned shift) { return (colour >> shift & 0xFF) / 255.0; };
+  cairo_set_source_rgba(context, part(16), part(8), part(0), opacity);
+}
 
 void roundedPath(cairo_t* context, Rect area, double radius) {
   const double r = std::min({radius, area.width / 2, area.height / 2});
@@ -43,46 +46,18 @@ void strokePath(cairo_t* context, double width) {
 }
 
 /// The shapes of a sketch, each with how many numbers it has at the least.
-constexpr std::array<std::pair<char, std::size_t>, 7> shapes{
-    {{'R', 5}, {'C', 3}, {'H', 4}, {'P', 6}, {'O', 4}, {'A', 4}, {'L', 5}}};
+constexpr std::array<std::pair<char, std::size_t>, 5> shapes{
+    {{'R', 5}, {'C', 3}, {'P', 6}, {'O', 4}, {'L', 5}}};
 
 [[noreturn]] void fail(const char* reason) {
   throw std::runtime_error(std::string("the picture cannot be drawn: ") + reason);
 }
 
-/// Pressed for speed, unlike what cairo itself writes.
-std::string encoded(const std::vector<std::uint8_t>& pixels, std::size_t width,
-                    std::size_t height) {
-  png_image image{};
-  image.version = PNG_IMAGE_VERSION;
-  image.width = static_cast<png_uint_32>(width);
-  image.height = static_cast<png_uint_32>(height);
-  image.format = PNG_FORMAT_RGB;
-  image.flags = PNG_IMAGE_FLAG_FAST;
-  png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(image);
-  std::string bytes(size, '\0');
-  if (png_image_write_to_memory(&image, bytes.data(), &size, 0, pixels.data(), 0, nullptr) == 0) {
-    fail(image.message);
-  }
-  bytes.resize(size);
-  return bytes;
-}
-
 }  // namespace
-
-Colour mixed(Colour under, Colour over, double share) {
-  Colour result = 0;
-  for (const unsigned shift : {0U, 8U, 16U}) {
-    const double from = under >> shift & 0xFF;
-    const double to = over >> shift & 0xFF;
-    result |= static_cast<Colour>(std::lround(from + (to - from) * share)) << shift;
-  }
-  return result;
-}
 
 Canvas::Canvas(Size size, Colour ground) {
   cairo_surface_t* surface =
-      cairo_image_surface_create(CAIRO_FORMAT_RGB24, static_cast<int>(size.width) * scale,
+      cairo_image_surface_create(CAIRO_FORMAT_ARGB32, static_cast<int>(size.width) * scale,
                                  static_cast<int>(size.height) * scale);
   context.reset(cairo_create(surface));
   cairo_surface_destroy(surface);
@@ -95,56 +70,31 @@ Canvas::Canvas(Size size, Colour ground) {
   cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_OFF);
   cairo_set_font_options(context.get(), options);
   cairo_font_options_destroy(options);
-  cover(ground, 1);
+  fill({0, 0, size.width, size.height}, ground);
 }
 
-void Canvas::setColour(Colour colour, double opacity) const {
-  cairo_set_source_rgba(context.get(), (colour >> 16 & 0xFF) / 255.0, (colour >> 8 & 0xFF) / 255.0,
-                        (colour & 0xFF) / 255.0, opacity);
-}
-
-void Canvas::fill(Rect area, Colour colour, double radius) {
-  setColour(colour);
+void Canvas::fill(Rect area, Colour colour, double radius, double opacity) {
+  setColour(context.get(), colour, opacity);
   roundedPath(context.get(), area, radius);
   cairo_fill(context.get());
 }
 
-void Canvas::circle(Point centre, double radius, Colour colour) {
-  fill({centre.x - radius, centre.y - radius, 2 * radius, 2 * radius}, colour, radius);
-}
-
-void Canvas::line(std::span<const Point> points, double width, Colour colour) {
-  setColour(colour);
-  for (const Point point : points) cairo_line_to(context.get(), point.x, point.y);
-  strokePath(context.get(), width);
-}
-
-void Canvas::cover(Colour colour, double share) {
-  setColour(colour, share);
-  cairo_paint(context.get());
-}
-
-void Canvas::clip(Rect area, double radius) {
-  roundedPath(context.get(), area, radius);
-  cairo_clip(context.get());
-}
-
-void Canvas::release() {
-  cairo_reset_clip(context.get());
+void Canvas::circle(Point centre, double radius, Colour colour, double opacity) {
+  fill({centre.x - radius, centre.y - radius, 2 * radius, 2 * radius}, colour, radius, opacity);
 }
 
 void Canvas::sketch(Point origin, double unit, std::string_view sketched, Colour colour) {
   cairo_save(context.get());
   cairo_translate(context.get(), origin.x, origin.y);
   cairo_scale(context.get(), unit, unit);
-  setColour(colour);
+  setColour(context.get(), colour);
   const std::string text(sketched);
   std::vector<double> numbers;
   for (const char* at = text.c_str(); *at;) {
     const char shape = *at++;
     char* end = nullptr;
     if (shape == '#') {
-      setColour(static_cast<Colour>(std::strtoul(at, &end, 16)));
+      setColour(context.get(), static_cast<Colour>(std::strtoul(at, &end, 16)));
       at = end;
     } else if (shape != ' ') {
       numbers.clear();
@@ -171,23 +121,12 @@ void Canvas::drawShape(char shape, std::span<const double> n) {
     case 'C':
       cairo_arc(to, n[0], n[1], n[2], 0, 2 * pi);
       return cairo_fill(to);
-    case 'H':
-      cairo_save(to);
-      cairo_translate(to, n[0], n[1]);
-      cairo_scale(to, n[2], n[3]);
-      cairo_arc(to, 0, 0, 1, 0, pi);
-      cairo_restore(to);
-      return cairo_fill(to);
     case 'P':
       linePath(to, n);
       return cairo_fill(to);
     case 'O':
       cairo_new_path(to);
       cairo_arc(to, n[0], n[1], n[2], 0, 2 * pi);
-      return strokePath(to, n[3]);
-    case 'A':
-      cairo_new_path(to);
-      cairo_arc(to, n[0], n[1], n[2], pi, 2 * pi);
       return strokePath(to, n[3]);
     case 'L':
       linePath(to, n.subspan(1));
@@ -210,7 +149,7 @@ void Canvas::write(Rect area, std::string_view text, Font font, Colour colour, A
   const std::string shown = cut(text, font, area.width);
   const double left = align == Align::left ? 0 : area.width - width(shown, font);
   const double baseline = area.centre().y + font.size * 0.34;
-  setColour(colour);
+  setColour(context.get(), colour);
   select(font);
   cairo_move_to(context.get(), area.x + (align == Align::centre ? left / 2 : left), baseline);
   if (font.weight != Font::Weight::medium) return cairo_show_text(context.get(), shown.c_str());
@@ -222,7 +161,13 @@ void Canvas::write(Rect area, std::string_view text, Font font, Colour colour, A
 
 double Canvas::writeLines(Rect area, double pitch, std::string_view text, Font font, Colour colour,
                           Align align) {
-  for (const auto& each : wrapped(text, font, area.width)) {
+  auto lines = wrapped(text, font, area.width);
+  const auto most = static_cast<std::size_t>(std::max(area.height / pitch, 1.0));
+  if (lines.size() > most) {
+    lines.resize(most);
+    lines.back() += " …";
+  }
+  for (const auto& each : lines) {
     write({area.x, area.y - pitch / 2, area.width, pitch}, each, font, colour, align);
     area.y += pitch;
   }
@@ -268,20 +213,22 @@ std::string Canvas::png() const {
   if (status != CAIRO_STATUS_SUCCESS) fail(cairo_status_to_string(status));
   cairo_surface_t* const surface = cairo_get_target(context.get());
   cairo_surface_flush(surface);
-  const auto width = static_cast<std::size_t>(cairo_image_surface_get_width(surface));
-  const auto height = static_cast<std::size_t>(cairo_image_surface_get_height(surface));
-  const auto stride = static_cast<std::size_t>(cairo_image_surface_get_stride(surface));
-  const unsigned char* const data = cairo_image_surface_get_data(surface);
-  std::vector<std::uint8_t> pixels(3 * width * height);
-  std::uint8_t* to = pixels.data();
-  for (std::size_t y = 0; y < height; ++y) {
-    for (std::size_t x = 0; x < width; ++x) {
-      std::uint32_t pixel = 0;
-      std::memcpy(&pixel, data + y * stride + x * sizeof pixel, sizeof pixel);
-      for (const unsigned shift : {16U, 8U, 0U}) *to++ = static_cast<std::uint8_t>(pixel >> shift);
-    }
+  png_image image{};
+  image.version = PNG_IMAGE_VERSION;
+  image.width = static_cast<png_uint_32>(cairo_image_surface_get_width(surface));
+  image.height = static_cast<png_uint_32>(cairo_image_surface_get_height(surface));
+  image.format = PNG_FORMAT_BGRA;
+  // Pressed for speed, unlike what cairo itself writes.
+  image.flags = PNG_IMAGE_FLAG_FAST;
+  png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(image);
+  std::string bytes(size, '\0');
+  if (png_image_write_to_memory(&image, bytes.data(), &size, 0,
+                                cairo_image_surface_get_data(surface),
+                                cairo_image_surface_get_stride(surface), nullptr) == 0) {
+    fail(image.message);
   }
-  return encoded(pixels, width, height);
+  bytes.resize(size);
+  return bytes;
 }
 
 }  // namespace corvane::standin

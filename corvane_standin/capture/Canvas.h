@@ -3,22 +3,18 @@
 #include <cairo.h>
 
 #include <cstdint>
-#include <initializer_list>
 #include <memory>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "corvane_standin/story/Screen.h"
+#include "corvane_standin/capture/Screen.h"
 
 namespace corvane::standin {
 
 /// 0xRRGGBB.
 using Colour = std::uint32_t;
-
-/// `over` laid on `under`, covering the given share of it, 0 to 1.
-[[nodiscard]] Colour mixed(Colour under, Colour over, double share);
 
 struct Font {
   enum class Weight { regular, medium, bold };
@@ -35,33 +31,26 @@ class Canvas {
 
   Canvas(Size size, Colour ground);
 
-  /// With corners rounded by `radius`.
-  void fill(Rect area, Colour colour, double radius = 0);
-  void circle(Point centre, double radius, Colour colour);
-  /// A line from point to point, with round ends and joints.
-  void line(std::span<const Point> points, double width, Colour colour);
-  /// Lays `colour` over all there is, covering the given share of it.
-  void cover(Colour colour, double share);
-  /// Keeps what is drawn from now on inside of `area`, until release().
-  void clip(Rect area, double radius);
-  void release();
+  /// With corners rounded by `radius`, covering the given share of what is there.
+  void fill(Rect area, Colour colour, double radius = 0, double opacity = 1);
+  void circle(Point centre, double radius, Colour colour, double opacity = 1);
   /// Draws what `sketched` says, in units that are `unit` long and count from `origin`. A shape is
-  /// a letter and numbers: R x y width height radius fills a rectangle, C x y radius a circle, H x
-  /// y radiusX radiusY the lower half of an ellipse and P x y x y ... a polygon; O x y radius width
-  /// draws a ring, A x y radius width its upper half and L width x y x y ... a line. #RRGGBB sets
-  /// the colour of what follows. Throws std::logic_error for anything else.
+  /// a letter and numbers: R x y width height radius fills a rectangle, C x y radius a circle and
+  /// P x y x y ... a polygon; O x y radius width draws a ring and L width x y x y ... a line.
+  /// #RRGGBB sets the colour of what follows. Throws std::logic_error for anything else.
   void sketch(Point origin, double unit, std::string_view sketched, Colour colour = 0);
 
   enum class Align { left, centre, right };
   /// Writes one line of text in the middle of `area`'s height, cut to its width.
   void write(Rect area, std::string_view text, Font font, Colour colour, Align align = Align::left);
-  /// Writes lines that are as wide as `area`, `pitch` apart, the first with its middle at the top.
-  /// Gives where the middle of a further line would be.
+  /// Writes lines that are as wide as `area`, `pitch` apart, the first with its middle at the top;
+  /// what does not fit into its height is left out, with "…" for it. Gives where the middle of a
+  /// further line would be.
   double writeLines(Rect area, double pitch, std::string_view text, Font font, Colour colour,
                     Align align);
 
   [[nodiscard]] double width(std::string_view text, Font font) const;
-  /// `text`, or as much of its front as fits into `space` with "…" after it.
+  /// `text`, or as much of its front as fits into `space`, with "…" after it.
   [[nodiscard]] std::string cut(std::string_view text, Font font, double space) const;
   /// The words of `text` in lines no wider than `space`, as far as single words are not.
   [[nodiscard]] std::vector<std::string> wrapped(std::string_view text, Font font,
@@ -76,7 +65,6 @@ class Canvas {
   };
 
   void select(Font font) const;
-  void setColour(Colour colour, double opacity = 1) const;
   void drawShape(char shape, std::span<const double> numbers);
 
   std::unique_ptr<cairo_t, Destroy> context;

@@ -12,9 +12,9 @@
 
 #include "CorvaneCore/capture/CaptureSession.h"
 #include "CorvaneCore/results/AgentRunResult.h"
+#include "corvane_standin/capture/ScreenStory.h"
 #include "corvane_standin/program/Environment.h"
 #include "corvane_standin/runs/TestRun.h"
-#include "corvane_standin/story/ScreenStory.h"
 
 namespace corvane::standin {
 

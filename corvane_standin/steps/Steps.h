@@ -1,8 +1,6 @@
 #pragma once
 
-#include <initializer_list>
 #include <map>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -73,57 +71,5 @@ struct StepType {
 /// themselves are not looked into.
 [[nodiscard]] std::string substituteParameters(std::string_view text,
                                                const std::map<std::string, std::string>& values);
-
-/// Something on the screen that a step speaks of.
-struct NamedPart {
-  enum class Kind {
-    unsaid,
-    button,
-    tab,
-    field,
-    product,
-    row,
-    page,
-    text,
-    slider,
-    toggle,
-    searchIcon,
-  };
-
-  Kind kind = Kind::unsaid;
-  std::string label;
-
-  friend bool operator==(const NamedPart&, const NamedPart&) = default;
-};
-
-/// What a step's description, written for people, says about the screen.
-class StepWords {
- public:
-  /// A step of a type that this build does not know is one that looks.
-  StepWords(std::string_view interactionType, std::string_view description);
-
-  [[nodiscard]] ScreenAct act() const { return does; }
-  [[nodiscard]] bool is(ScreenAct wanted) const { return does == wanted; }
-  [[nodiscard]] const std::string& description() const { return whole; }
-  /// What it names, mostly in quotes; for a tap without quotes what is left without the verb.
-  [[nodiscard]] const std::vector<NamedPart>& named() const { return parts; }
-  /// Whether one of the words stands in the description outside of the names of tabs and of what
-  /// is about to be added; capitals do not matter.
-  [[nodiscard]] bool speaksOf(std::initializer_list<std::string_view> words) const;
-
- private:
-  void nameQuoted();
-  void nameUnquoted();
-  void collectProse();
-
-  ScreenAct does = ScreenAct::look;
-  std::string whole;
-  std::string lower;
-  std::string prose;
-  std::vector<NamedPart> parts;
-};
-
-/// Whether a label says what a button does, as in "Save" or "Sign in".
-[[nodiscard]] bool beginsWithVerb(std::string_view label);
 
 }  // namespace corvane::standin

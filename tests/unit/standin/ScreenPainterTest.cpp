@@ -6,7 +6,7 @@
 #include "corvane_mcp/trace/PictureFormats.h"
 #include "corvane_standin/capture/Canvas.h"
 #include "corvane_standin/capture/ScreenPainter.h"
-#include "corvane_standin/story/ScreenStory.h"
+#include "corvane_standin/capture/ScreenStory.h"
 
 namespace corvane::testing {
 
@@ -15,10 +15,9 @@ using namespace standin;
 namespace {
 
 using Kind = Element::Kind;
-using Part = Target::Part;
 
-constexpr Colour white = 0xFFFFFF;
-constexpr Colour black = 0x000000;
+using palette::black;
+using palette::white;
 constexpr Colour red = 0xFF0000;
 
 Picture decoded(const std::string& png, int largestSide) {
@@ -36,8 +35,8 @@ Screen page(std::vector<Element> elements) {
   screen.appName = "Corner Shop";
   screen.title = "Page";
   screen.time = "9:41";
-  screen.tabs = {"Shop", "Cart", "Account"};
   screen.elements = std::move(elements);
+  for (const char* tab : {"Shop", "Cart", "Account"}) screen.elements.push_back({Kind::tab, tab});
   return screen;
 }
 
@@ -115,6 +114,16 @@ TEST(CanvasTest, WrapsAtWords) {
   EXPECT_EQ(canvas.wrapped("", font, 10), std::vector<std::string>());
 }
 
+TEST(CanvasTest, LinesThatDoNotFitAreLeftOut) {
+  Canvas canvas({200, 100}, white);
+  const std::string text(300, 'w');
+  const Rect area{0, 20, 200, 48};
+  EXPECT_EQ(canvas.writeLines(area, 24, "short", {17}, black, Canvas::Align::left), 44);
+  EXPECT_EQ(canvas.writeLines(area, 24, "a b c d " + text + " " + text + " " + text, {17}, black,
+                              Canvas::Align::left),
+            68);
+}
+
 TEST(CanvasTest, EveryCharacterHasALetter) {
   Canvas canvas({300, 40}, white);
   for (char32_t character = 0x20; character < 0x180; ++character) {
@@ -131,12 +140,12 @@ TEST(CanvasTest, EveryCharacterHasALetter) {
 TEST(ScreenPainterTest, TellsWhereTheTargetIs) {
   auto screen =
       page({{.kind = Kind::row, .label = "First"}, {.kind = Kind::button, .label = "Go"}});
-  screen.target = Target{Part::element, 1};
+  screen.target = 1;
   const auto button = paint(screen).target.value();
   EXPECT_GT(button.y, 0.7);
   EXPECT_LT(button.bottom(), 0.93);
   EXPECT_NEAR(button.centre().x, 0.5, 0.01);
-  screen.target = Target{Part::tab, 2};
+  screen.target = 4;
   EXPECT_GT(paint(screen).target.value().x, 0.6);
   screen.target.reset();
   EXPECT_FALSE(paint(screen).target);
@@ -144,7 +153,7 @@ TEST(ScreenPainterTest, TellsWhereTheTargetIs) {
 
 TEST(ScreenPainterTest, ATouchedButtonHasItsColour) {
   auto screen = page({{.kind = Kind::button, .label = "Go", .strong = true}});
-  screen.target = Target{Part::element, 0};
+  screen.target = 0;
   const auto painted = paint(screen);
   const auto touch = touchesOf(StepWords("tap", "Tap the button \"Go\""), painted.target).at(0);
   const auto picture = decoded(painted.png, 3000);
@@ -158,7 +167,7 @@ TEST(ScreenPainterTest, APageMovesUntilItsTargetIsInSight) {
   std::vector<Element> rows(40, {.kind = Kind::row, .label = "Row"});
   auto screen = page(std::move(rows));
   for (const std::size_t index : {std::size_t{0}, std::size_t{20}, std::size_t{39}}) {
-    screen.target = Target{Part::element, index};
+    screen.target = index;
     for (const bool scrolled : {false, true}) {
       screen.scrolled = scrolled;
       const auto area = paint(screen).target.value();
@@ -169,11 +178,13 @@ TEST(ScreenPainterTest, APageMovesUntilItsTargetIsInSight) {
 }
 
 TEST(ScreenPainterTest, EveryKindOfElementCanBePainted) {
-  for (int kind = 0; kind <= static_cast<int>(Kind::roundButton); ++kind) {
+  for (int kind = 0; kind <= static_cast<int>(Kind::appIcon); ++kind) {
     auto screen = page({{.kind = static_cast<Kind>(kind), .label = std::string(300, 'w')}});
     screen.phone = kind % 3 == 0 ? Screen::Phone::android : Screen::Phone::ios;
-    screen.keyboard = kind % 2 == 0;
-    screen.target = Target{Part::element, 0};
+    if (static_cast<Kind>(kind) >= Kind::dialog) screen.elements.push_back({.kind = Kind::dialog});
+    const bool hasKeyboard = kind % 2 == 0 && static_cast<Kind>(kind) != Kind::tab;
+    screen.elements.push_back({.kind = Kind::field, .label = "Name", .strong = hasKeyboard});
+    screen.target = 0;
     EXPECT_TRUE(paint(screen).target) << kind;
   }
 }

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "corvane_standin/story/ScreenStory.h"
+#include "corvane_standin/capture/ScreenStory.h"
 #include "corvane_standin/workspace/Workspace.h"
 
 namespace corvane::testing {
@@ -15,7 +15,8 @@ using ::testing::Contains;
 using ::testing::IsSupersetOf;
 using ::testing::Not;
 using Kind = Element::Kind;
-using Part = Target::Part;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 
 PlannedTest planned(std::vector<std::pair<const char*, const char*>> steps) {
   PlannedTest test;
@@ -51,15 +52,21 @@ std::vector<std::string> labels(const Screen& screen, Kind kind) {
 }
 
 const Element& targetElement(const Screen& screen) {
-  EXPECT_TRUE(screen.target && screen.target->part == Part::element);
-  return screen.elements.at(screen.target.value().index);
+  EXPECT_TRUE(screen.target);
+  return screen.elements.at(screen.target.value());
 }
 
-std::string amount(const Screen& screen, std::string_view label) {
-  for (const auto& element : screen.elements) {
-    if (element.kind == Kind::amount && element.label == label) return element.detail;
+Element element(const Screen& screen, std::string_view label) {
+  const auto found = std::ranges::find(screen.elements, label, &Element::label);
+  return found == screen.elements.end() ? Element() : *found;
+}
+
+std::string selectedTabs(const Screen& screen) {
+  std::string selected;
+  for (const auto& each : screen.elements) {
+    if (each.kind == Kind::tab && each.strong) selected += each.label;
   }
-  return {};
+  return selected;
 }
 
 TEST(ScreenStoryTest, AButtonThatIsTappedIsThere) {
@@ -74,11 +81,11 @@ TEST(ScreenStoryTest, TheEndOfAStepIsTheBeginningOfTheNext) {
       planned({{"tap", "Tap the tab \"Account\""}, {"tap", "Tap the field \"E-mail\""}});
   const auto story = storyOf(test);
   EXPECT_EQ(story.screenAt(0).title, "Corner Shop");
-  EXPECT_EQ(story.screenAt(0).target.value().part, Part::tab);
+  EXPECT_EQ(targetElement(story.screenAt(0)).kind, Kind::tab);
   EXPECT_EQ(story.screenAt(1).title, "Account");
-  EXPECT_EQ(story.screenAt(1).selectedTab, 2U);
+  EXPECT_EQ(selectedTabs(story.screenAt(1)), "Account");
   EXPECT_EQ(story.screenAt(2).title, "Account");
-  EXPECT_TRUE(story.screenAt(2).keyboard);
+  EXPECT_TRUE(story.screenAt(2).hasKeyboard());
 }
 
 TEST(ScreenStoryTest, WhatIsTypedIsInItsField) {
@@ -88,32 +95,31 @@ TEST(ScreenStoryTest, WhatIsTypedIsInItsField) {
                              {"input", "geheim"},
                              {"tap", "Tap the button \"Sign in\""}});
   const auto screen = storyOf(test).screenAt(4);
-  EXPECT_THAT(labels(screen, Kind::field), ::testing::ElementsAre("E-mail", "Password"));
-  EXPECT_EQ(screen.elements[0].detail, "ada@example.com");
-  EXPECT_EQ(screen.elements[1].detail, "••••••");
-  EXPECT_FALSE(screen.elements[0].strong);
-  EXPECT_TRUE(screen.elements[1].strong);
+  EXPECT_EQ(element(screen, "E-mail").detail, "ada@example.com");
+  EXPECT_EQ(element(screen, "Password").detail, "••••••");
+  EXPECT_FALSE(element(screen, "E-mail").strong);
+  EXPECT_TRUE(element(screen, "Password").strong);
 }
 
 TEST(ScreenStoryTest, AVoucherIsAskedForInADialog) {
   const auto story = storyOf(firstTest("Redeem a voucher"));
   EXPECT_EQ(targetElement(story.screenAt(1)).label, "Add voucher");
   const auto asked = story.screenAt(3);
-  EXPECT_EQ(asked.dialog.value().title, "Add voucher");
-  EXPECT_EQ(asked.dialog->field, "SPRING10");
-  EXPECT_EQ(asked.dialog->buttons, (std::vector<std::string>{"Cancel", "Redeem"}));
-  EXPECT_EQ(asked.target.value().part, Part::dialogButton);
-  EXPECT_FALSE(story.screenAt(4).dialog);
+  EXPECT_THAT(labels(asked, Kind::dialog), ElementsAre("Add voucher"));
+  EXPECT_EQ(element(asked, "Code").detail, "SPRING10");
+  EXPECT_THAT(labels(asked, Kind::dialogButton), ElementsAre("Cancel", "Redeem"));
+  EXPECT_EQ(targetElement(asked).kind, Kind::dialogButton);
+  EXPECT_FALSE(story.screenAt(4).has(Kind::dialog));
 }
 
 TEST(ScreenStoryTest, TheDefectThatATestFindsIsOnTheScreen) {
   auto test = firstTest("Redeem a voucher");
   const auto defective = storyOf(test).screenAt(5);
-  EXPECT_EQ(amount(defective, "Subtotal"), "64.00");
-  EXPECT_EQ(amount(defective, "Voucher SPRING10"), "−6.40");
-  EXPECT_EQ(amount(defective, "Total"), "64.00");
+  EXPECT_EQ(element(defective, "Subtotal").detail, "64.00");
+  EXPECT_EQ(element(defective, "Voucher SPRING10").detail, "−6.40");
+  EXPECT_EQ(element(defective, "Total").detail, "64.00");
   test.outcome = {};
-  EXPECT_EQ(amount(storyOf(test).screenAt(5), "Total"), "57.60");
+  EXPECT_EQ(element(storyOf(test).screenAt(5), "Total").detail, "57.60");
 }
 
 TEST(ScreenStoryTest, AHealedStepFindsTheOtherName) {
@@ -122,10 +128,60 @@ TEST(ScreenStoryTest, AHealedStepFindsTheOtherName) {
 
 TEST(ScreenStoryTest, SearchingLeavesWhatWasSearchedFor) {
   const auto story = storyOf(firstTest("Search and filter"));
-  EXPECT_THAT(labels(story.screenAt(1), Kind::row), Contains("Enamel mug"));
-  const auto found = labels(story.screenAt(3), Kind::row);
+  EXPECT_THAT(labels(story.screenAt(1), Kind::goods), Contains("Enamel mug"));
+  const auto found = labels(story.screenAt(3), Kind::goods);
   EXPECT_THAT(found, Contains("Linen towel"));
   EXPECT_THAT(found, Not(Contains("Enamel mug")));
+}
+
+TEST(ScreenStoryTest, APageShowsWhatWasTappedAsItsTitle) {
+  const auto test = planned({{"tap", "Tap the product \"Willow basket\""},
+                             {"tap", "Tap \"Back\""},
+                             {"tap", "Tap the row \"Garden\""},
+                             {"tap", "Tap the tab \"Favourites\""}});
+  const auto story = storyOf(test);
+  EXPECT_EQ(targetElement(story.screenAt(0)).kind, Kind::card);
+  EXPECT_EQ(story.screenAt(1).title, "Willow basket");
+  EXPECT_EQ(element(story.screenAt(1), "Price").detail, "42.00");
+  EXPECT_EQ(story.screenAt(2).title, "Corner Shop");
+  EXPECT_EQ(story.screenAt(3).title, "Garden");
+  EXPECT_THAT(labels(story.screenAt(3), Kind::goods), ElementsAre("Willow basket", "Herb planter"));
+  EXPECT_EQ(story.screenAt(4).title, "Favourites");
+  EXPECT_EQ(selectedTabs(story.screenAt(4)), "Favourites");
+}
+
+TEST(ScreenStoryTest, WhatNoPageKnowsStaysOnThePage) {
+  const auto test = planned({{"tap", "Tap the tab \"Cart\""},
+                             {"tap", "Tap \"Frobnicate\""},
+                             {"visualAssert", "The text \"Frobnicated\" is shown"}});
+  const auto story = storyOf(test);
+  EXPECT_EQ(story.screenAt(2).title, "Cart");
+  EXPECT_THAT(labels(story.screenAt(2), Kind::button), Contains("Frobnicate"));
+  EXPECT_EQ(targetElement(story.screenAt(2)).label, "Frobnicated");
+}
+
+TEST(ScreenStoryTest, ADialogIsClosedByAButtonThatLeadsNowhere) {
+  const auto test = planned({{"reuseSteps", "Steps up to the cart"},
+                             {"tap", "Tap \"Add voucher\""},
+                             {"tap", "Tap \"Cancel\""}});
+  const auto story = storyOf(test);
+  EXPECT_TRUE(story.screenAt(2).has(Kind::dialog));
+  EXPECT_FALSE(story.screenAt(3).has(Kind::dialog));
+  EXPECT_EQ(story.screenAt(3).title, "Cart");
+}
+
+TEST(ScreenStoryTest, AWaitPassesOnTheClock) {
+  const ScreenStory story(firstTest("Record a walk"), "Trail Log", "android");
+  EXPECT_EQ(element(story.screenAt(1), "Recording").detail, "0 s");
+  EXPECT_EQ(element(story.screenAt(2), "Recording").detail, "5 s");
+  EXPECT_THAT(labels(story.screenAt(0), Kind::walk), Not(Contains("Today's walk")));
+  EXPECT_EQ(labels(story.screenAt(4), Kind::walk).at(0), "Today's walk");
+}
+
+TEST(ScreenStoryTest, ABuildingBlockFillsTheFields) {
+  const auto story = storyOf(firstTest("Check out as guest"));
+  EXPECT_EQ(element(story.screenAt(4), "Street").detail, "");
+  EXPECT_EQ(element(story.screenAt(5), "Street").detail, "12 Harbour Street");
 }
 
 TEST(ScreenStoryTest, WhatIsMissingIsNotThere) {
@@ -147,25 +203,28 @@ TEST(ScreenStoryTest, ASwipeUncoversTheButton) {
   const auto story = storyOf(firstTest("Add to cart and remove"));
   const auto before = story.screenAt(4);
   EXPECT_EQ(targetElement(before).label, "Enamel mug");
-  EXPECT_EQ(targetElement(before).swipeAction, "");
-  EXPECT_EQ(targetElement(story.screenAt(5)).swipeAction, "Remove");
+  EXPECT_FALSE(targetElement(before).moved);
+  EXPECT_TRUE(targetElement(story.screenAt(5)).moved);
+  EXPECT_EQ(targetElement(story.screenAt(5)).buttonUnder, "Remove");
   EXPECT_THAT(labels(story.screenAt(6), Kind::notice), Contains("Your cart is empty"));
 }
 
 TEST(ScreenStoryTest, AnAppThatIsClosedIsOnTheHomeScreen) {
   const auto story = storyOf(firstTest("Check out as guest"));
-  EXPECT_EQ(story.screenAt(1).place, Screen::Place::homeScreen);
-  EXPECT_EQ(story.screenAt(2).place, Screen::Place::app);
+  EXPECT_THAT(labels(story.screenAt(1), Kind::appIcon), Contains("Corner Shop"));
+  EXPECT_FALSE(story.screenAt(2).has(Kind::appIcon));
   EXPECT_EQ(story.screenAt(2).title, "Corner Shop");
-  EXPECT_EQ(story.screenAt(9).place, Screen::Place::homeScreen);
+  EXPECT_TRUE(story.screenAt(9).has(Kind::appIcon));
 }
 
 TEST(ScreenStoryTest, AnAppAboutWalksShowsWalks) {
   const ScreenStory story(firstTest("Switch to miles"), "Trail Log", "android");
   EXPECT_EQ(story.screenAt(0).phone, Screen::Phone::android);
-  EXPECT_THAT(labels(story.screenAt(0), Kind::row), Contains("Lakeside loop"));
-  EXPECT_TRUE(story.screenAt(3).elements.at(1).strong);
-  EXPECT_EQ(story.screenAt(4).elements.at(1).detail, "4.8 mi");
+  EXPECT_EQ(element(story.screenAt(0), "Lakeside loop").detail, "7.8 km");
+  EXPECT_TRUE(element(story.screenAt(2), "Kilometres").strong);
+  EXPECT_TRUE(element(story.screenAt(3), "Miles").strong);
+  EXPECT_FALSE(element(story.screenAt(3), "Kilometres").strong);
+  EXPECT_EQ(element(story.screenAt(4), "Lakeside loop").detail, "4.8 mi");
 }
 
 TEST(ScreenStoryTest, EveryStepHasAScreenWhateverItSays) {
@@ -180,11 +239,72 @@ TEST(ScreenStoryTest, EveryStepHasAScreenWhateverItSays) {
   const auto story = storyOf(test);
   for (std::size_t i = 0; i <= story.stepCount(); ++i) {
     const auto screen = story.screenAt(i);
-    if (screen.target && screen.target->part == Part::element) {
-      EXPECT_LT(screen.target->index, screen.elements.size());
-    }
+    EXPECT_LT(screen.target.value_or(0), screen.elements.size());
   }
   EXPECT_EQ(storyOf(PlannedTest()).screenAt(0).title, "Corner Shop");
+}
+
+std::vector<NamedPart> named(const char* type, const char* description) {
+  return StepWords(type, description).parts;
+}
+
+TEST(StepWordsTest, TheWordBeforeAQuotedNameSaysWhatItIs) {
+  EXPECT_THAT(named("tap", "Tap the button \"Redeem\""),
+              ElementsAre(NamedPart{Kind::button, "Redeem"}));
+  EXPECT_THAT(named("drag", "Drag the right handle of \"Price\" to the middle of its track"),
+              ElementsAre(NamedPart{Kind::slider, "Price"}));
+  EXPECT_THAT(
+      named("visualAssert", "The page \"Kitchen\" lists the product \"Enamel mug\""),
+      ElementsAre(NamedPart{Kind::heading, "Kitchen"}, NamedPart{Kind::goods, "Enamel mug"}));
+}
+
+TEST(StepWordsTest, TheWordAfterItDoesToo) {
+  EXPECT_THAT(named("visualAssert", "Is the 'Cart' tab visible?"),
+              ElementsAre(NamedPart{Kind::tab, "Cart"}));
+}
+
+TEST(StepWordsTest, WordsFartherAwaySayNothing) {
+  EXPECT_THAT(named("visualAssert", "The account page greets \"ada\""),
+              ElementsAre(NamedPart{std::nullopt, "ada"}));
+}
+
+TEST(StepWordsTest, ApostrophesAreNoQuotes) {
+  EXPECT_THAT(named("visualAssert", "The list 'My walks' begins with today's walk, not Ada's"),
+              ElementsAre(NamedPart{Kind::heading, "My walks"}));
+  EXPECT_THAT(named("tap", "Tap 'Don't allow'"),
+              ElementsAre(NamedPart{std::nullopt, "Don't allow"}));
+  EXPECT_THAT(named("tap", "Tap “Später”"), ElementsAre(NamedPart{std::nullopt, "Später"}));
+}
+
+TEST(StepWordsTest, ATapWithoutQuotesNamesWhatIsLeft) {
+  EXPECT_THAT(named("tap", "Tap the Log in button"),
+              ElementsAre(NamedPart{Kind::button, "Log in"}));
+  EXPECT_THAT(named("tap", "tap on profile in the bar below"),
+              ElementsAre(NamedPart{std::nullopt, "Profile"}));
+  EXPECT_THAT(named("tap", "Tap the magnifying glass in the bar at the top"),
+              ElementsAre(NamedPart{std::nullopt, "Magnifying glass"}));
+  EXPECT_THAT(named("tap", ""), IsEmpty());
+  EXPECT_THAT(named("tap", "Tap"), ElementsAre(NamedPart{std::nullopt, "Tap"}));
+}
+
+TEST(StepWordsTest, WhatIsTypedAndWhatOtherTestsDoNamesNothing) {
+  EXPECT_THAT(named("input", "say \"hello\""), IsEmpty());
+  EXPECT_THAT(named("runTest", "Run the test \"Sign in\""), IsEmpty());
+}
+
+TEST(StepWordsTest, OddQuotesAreTakenAsTheyCome) {
+  for (const char* text :
+       {"\"", "\"\"", "'", "Tap \"Save", "“", "a\"b\"c\"", "'' ''", "\xC3\xA9'"}) {
+    (void)named("tap", text);
+    (void)named("visualAssert", text);
+  }
+  EXPECT_THAT(named("visualAssert", "Tap \"Save"), IsEmpty());
+}
+
+TEST(StepWordsTest, SpeaksInWholeWords) {
+  const StepWords step("visualAssert", "The Total is shown");
+  EXPECT_TRUE(step.speakOf("sum total"));
+  EXPECT_FALSE(step.speakOf("tot otal sum"));
 }
 
 TEST(TouchesTest, AScrollMovesTheFingerTheOtherWay) {
