@@ -90,9 +90,13 @@ void writeFileWhole(const fs::path& path, std::string_view contents) {
   std::error_code error;
   if (path.has_parent_path()) fs::create_directories(path.parent_path(), error);
   if (error) throw FileError("write", path, error);
-  TemporaryFile temporary(path);
-  temporary.write(contents);
-  temporary.moveIntoPlace();
+  const auto writeAs = [&](TemporaryFile::Kind kind) {
+    TemporaryFile temporary(path, kind);
+    temporary.write(contents);
+    return temporary.moveIntoPlace();
+  };
+  // A sandbox without /proc gives no names to nameless files.
+  if (!writeAs(TemporaryFile::Kind::nameless)) (void)writeAs(TemporaryFile::Kind::named);
 }
 
 void ensureDirectoryExists(const fs::path& directory) {

@@ -24,8 +24,8 @@ fs::path temporaryNameFor(const fs::path& path) {
 
 }  // namespace
 
-TemporaryFile::TemporaryFile(fs::path finalPath) : target(std::move(finalPath)) {
-  if (!openNameless()) openNamed();
+TemporaryFile::TemporaryFile(fs::path finalPath, Kind kind) : target(std::move(finalPath)) {
+  if (kind == Kind::named || !openNameless()) openNamed();
 }
 
 TemporaryFile::~TemporaryFile() {
@@ -41,18 +41,20 @@ void TemporaryFile::write(std::string_view contents) {
   }
 }
 
-void TemporaryFile::moveIntoPlace() {
+bool TemporaryFile::moveIntoPlace() {
   if (!name) {
     // Some file systems tell only at closing that something was not written; closing a copy tells
     // it as long as nothing can see the file yet.
     if (!FileDescriptor(::dup(file.get())).close()) fail();
-    if (link(target)) return;
+    const Linked atOnce = link(target);
+    if (atOnce != Linked::nameTaken) return atOnce == Linked::yes;
     const auto beside = temporaryNameFor(target);
-    if (!link(beside)) fail();
+    if (link(beside) != Linked::yes) return false;
     name = beside;
   }
   if (!file.close() || ::rename(name->c_str(), target.c_str()) != 0) fail();
   name.reset();
+  return true;
 }
 
 bool TemporaryFile::openNameless() {
@@ -72,13 +74,12 @@ void TemporaryFile::openNamed() {
   name = std::move(chosen);
 }
 
-bool TemporaryFile::link(const fs::path& place) {
+TemporaryFile::Linked TemporaryFile::link(const fs::path& place) {
   const auto open = "/proc/self/fd/" + std::to_string(file.get());
   if (::linkat(AT_FDCWD, open.c_str(), AT_FDCWD, place.c_str(), AT_SYMLINK_FOLLOW) == 0) {
-    return true;
+    return Linked::yes;
   }
-  if (errno != EEXIST) fail();
-  return false;
+  return errno == EEXIST ? Linked::nameTaken : Linked::refused;
 }
 
 void TemporaryFile::fail() const {

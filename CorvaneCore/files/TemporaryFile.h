@@ -8,28 +8,36 @@
 
 namespace corvane {
 
-/// A file being written for its final place, in the same folder. Where the system can do it, it has
-/// no name until it is whole, so that a process that is killed leaves nothing behind; elsewhere its
-/// name begins with a dot, so that whoever watches the folder passes it over. Gone at the end of
-/// its life unless it was moved into place. Every operation throws FileError.
+/// A file being written for its final place, in the same folder. Gone at the end of its life unless
+/// it was moved into place. Every operation throws FileError.
 class TemporaryFile {
  public:
-  explicit TemporaryFile(std::filesystem::path finalPath);
+  enum class Kind {
+    /// Without a name until it is whole, where the system can do it, so that a process that is
+    /// killed leaves nothing behind.
+    nameless,
+    /// With a name that begins with a dot, so that whoever watches the folder passes it over.
+    named,
+  };
+
+  TemporaryFile(std::filesystem::path finalPath, Kind kind);
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
   ~TemporaryFile();
 
   /// Appends.
   void write(std::string_view contents);
-  /// Replaces what is there. Nothing more may be written.
-  void moveIntoPlace();
+  /// Replaces what is there. Nothing more may be written. False when the file has no name and the
+  /// system will not give it one, as it takes the way through /proc to do so; it is of no use then.
+  [[nodiscard]] bool moveIntoPlace();
 
  private:
   /// Whether a file without a name was made.
   [[nodiscard]] bool openNameless();
   void openNamed();
-  /// Gives the nameless file the name `place`; false when something has it already.
-  [[nodiscard]] bool link(const std::filesystem::path& place);
+  enum class Linked { yes, nameTaken, refused };
+  /// Gives the nameless file the name `place`.
+  [[nodiscard]] Linked link(const std::filesystem::path& place);
   [[noreturn]] void fail() const;
 
   std::filesystem::path target;

@@ -3,6 +3,8 @@
 #include <utility>
 #include <vector>
 
+#include "CorvaneCore/authoring/Vocabularies.h"
+
 namespace corvane::standin {
 
 namespace {
@@ -156,7 +158,7 @@ Test checkOutAsGuest() {
 Project cornerShop() {
   Project project;
   project.name = "Corner Shop";
-  project.platform = "iOS";
+  project.platform = rawValue(AgentTargetPlatform::iOS);
   project.bundleIdentifier = "com.example.cornershop";
   project.buildBeforeScheduledRuns = true;
   project.iosBuildConfigured = true;
@@ -189,7 +191,7 @@ Project trailLog() {
   const char* const unitsId = "b3a0e6d4-7c1f-4f0a-8f43-52e7d90bb002";
   Project project;
   project.name = "Trail Log";
-  project.platform = "android";
+  project.platform = rawValue(AgentTargetPlatform::android);
   project.applicationId = "com.example.traillog";
   project.buildBeforeScheduledRuns = false;
   project.iosBuildConfigured = false;
@@ -238,11 +240,12 @@ AgentContext firstWorkspace() {
   workspace.appVersion = CORVANE_VERSION;
   workspace.currentProjectName = "Corner Shop";
   workspace.projects = {cornerShop(), trailLog()};
-  workspace.device = AgentContext::DeviceContext{.platform = "iOS",
-                                                 .name = "Pocket 17",
-                                                 .udid = "3D0C4B1E-55A7-4E0C-9B5E-7F2A6C8D9E10",
-                                                 .state = "booted",
-                                                 .connected = true};
+  workspace.device =
+      AgentContext::DeviceContext{.platform = std::string(rawValue(AgentTargetPlatform::iOS)),
+                                  .name = "Pocket 17",
+                                  .udid = "3D0C4B1E-55A7-4E0C-9B5E-7F2A6C8D9E10",
+                                  .state = "booted",
+                                  .connected = true};
   workspace.userDefinedInteractions = std::vector{fillShippingAddress()};
   return workspace;
 }

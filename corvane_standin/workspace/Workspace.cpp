@@ -5,6 +5,7 @@
 #include <system_error>
 #include <utility>
 
+#include "CorvaneCore/authoring/Vocabularies.h"
 #include "CorvaneCore/text/Unicode.h"
 #include "CorvaneCore/text/Uuid.h"
 #include "corvane_standin/program/Environment.h"
@@ -13,6 +14,9 @@
 namespace corvane::standin {
 
 namespace {
+
+constexpr std::string_view iOS = rawValue(AgentTargetPlatform::iOS);
+constexpr std::string_view android = rawValue(AgentTargetPlatform::android);
 
 using Project = AgentContext::ProjectContext;
 using Step = AgentContext::StepSummary;
@@ -50,17 +54,19 @@ double flakinessAfter(double before, bool alternated) {
 
 std::string platformFor(const std::optional<std::string>& asked,
                         const AgentContext::ProjectContext& project) {
-  const std::string wanted = asked ? *asked : project.platform.value_or("iOS");
-  const std::string platform = asciiLowercase(wanted);
-  if (platform == "ios") return "iOS";
-  if (platform == "android") return "android";
+  const std::string wanted = asked ? *asked : project.platform.value_or(std::string(iOS));
+  std::string platforms;
+  for (const auto& row : vocabularyRows<AgentTargetPlatform>()) {
+    if (asciiLowercase(row.rawValue) == asciiLowercase(wanted)) return std::string(row.rawValue);
+    platforms.append(platforms.empty() ? "" : ", ").append(inQuotes(std::string(row.rawValue)));
+  }
   throw RequestRefused("There is no platform named " + inQuotes(wanted) +
-                       ". Platforms: 'iOS', 'android'.");
+                       ". Platforms: " + platforms + ".");
 }
 
 AgentRunResult::AppIdentity appFor(const std::string& platform,
                                    const AgentContext::ProjectContext& project) {
-  const auto& bundle = platform == "iOS" ? project.bundleIdentifier : project.applicationId;
+  const auto& bundle = platform == iOS ? project.bundleIdentifier : project.applicationId;
   if (bundle) return installedApp(*bundle);
   throw RequestRefused(
       "The project " + inQuotes(project.name) + " has no app for " + platform + ".",
@@ -71,7 +77,7 @@ Project& addProject(AgentContext& workspace, const ProjectIdentity& identity) {
   Project project;
   project.name = identity.projectName;
   const bool forAndroid = identity.applicationId && !identity.bundleIdentifier;
-  project.platform = identity.targetPlatform.value_or(forAndroid ? "android" : "iOS");
+  project.platform = identity.targetPlatform.value_or(std::string(forAndroid ? android : iOS));
   project.bundleIdentifier = identity.bundleIdentifier;
   project.applicationId = identity.applicationId;
   project.buildBeforeScheduledRuns = true;

@@ -79,8 +79,8 @@ class FileFaultsTest : public FaultTest {
     context.write(paths);
   }
 
-  [[nodiscard]] static Outcome converse(const TemporaryHome& home, const fs::path& journal,
-                                        const std::optional<Fault>& fault) {
+  [[nodiscard]] Outcome converse(const TemporaryHome& home, const fs::path& journal,
+                                 const std::optional<Fault>& fault) const {
     ServerProcess::Setup setup{CORVANE_MCP_PROGRAM, home.path()};
     setup.environment = {
         "LD_PRELOAD=" CORVANE_FILE_FAULTS,
@@ -90,6 +90,7 @@ class FileFaultsTest : public FaultTest {
         "CORVANE_FAULT_ROOT=" + home.path().string(),
         "CORVANE_FAULT_JOURNAL=" + journal.string(),
     };
+    for (const auto& variable : furtherEnvironment) setup.environment.push_back(variable);
     if (fault) {
       setup.environment.push_back("CORVANE_FAULT_AT=" + std::to_string(fault->operation));
       setup.environment.push_back("CORVANE_FAULT_AS=" + fault->kind);
@@ -161,6 +162,21 @@ class FileFaultsTest : public FaultTest {
     EXPECT_EQ(ids, expected);
     EXPECT_EQ(outcome.end, "exit 0");
   }
+
+  /// Lets the operation at this index, counted from 0, fail in a life of its own.
+  void expectNothingLost(const std::string& operation, std::size_t index, int error) const {
+    SCOPED_TRACE("operation " + std::to_string(index + 1) + " (" + operation + ") fails with " +
+                 std::to_string(error));
+    const TemporaryHome other;
+    furnish(other.paths());
+    const auto outcome =
+        converse(other, home.path() / "faulty", Fault{index + 1, std::to_string(error)});
+    expectEveryRequestAnsweredOnce(outcome);
+    EXPECT_EQ(promised(outcome), dropped(other.paths()));
+    fs::remove(home.path() / "faulty");
+  }
+
+  std::vector<std::string> furtherEnvironment;
 };
 
 /// What can befall an operation of this kind.
@@ -186,17 +202,36 @@ TEST_F(FileFaultsTest, AFailedOperationLosesNothing) {
   const auto operations = undisturbedOperations();
   ASSERT_GT(operations.size(), 20U);
   for (std::size_t i = 0; i < operations.size(); ++i) {
-    for (const int error : errorsOf(operations[i])) {
-      SCOPED_TRACE("operation " + std::to_string(i + 1) + " (" + operations[i] + ") fails with " +
-                   std::to_string(error));
-      const TemporaryHome other;
-      furnish(other.paths());
-      const auto outcome =
-          converse(other, home.path() / "faulty", Fault{i + 1, std::to_string(error)});
-      expectEveryRequestAnsweredOnce(outcome);
-      EXPECT_EQ(promised(outcome), dropped(other.paths()));
-      fs::remove(home.path() / "faulty");
-    }
+    for (const int error : errorsOf(operations[i])) expectNothingLost(operations[i], i, error);
+  }
+}
+
+/// Where the system gives no names to nameless files, as in a sandbox without /proc.
+class NamelessFilesTest : public FileFaultsTest {
+ protected:
+  NamelessFilesTest() { furtherEnvironment = {"CORVANE_FAULT_REFUSED=link"}; }
+};
+
+// Fails when a request is given up because the nameless file gets no name.
+TEST_F(NamelessFilesTest, AFileThatGetsNoNameIsWrittenWithOne) {
+  const TemporaryHome other;
+  furnish(other.paths());
+  const auto outcome = converse(other, home.path() / "journal", std::nullopt);
+  expectEveryRequestAnsweredOnce(outcome);
+  EXPECT_EQ(promised(outcome).size(), 4U);
+  EXPECT_EQ(promised(outcome), dropped(other.paths()));
+  const auto count = [&outcome](std::string_view kind) {
+    return std::count_if(outcome.operations.begin(), outcome.operations.end(),
+                         [kind](const auto& each) { return each.starts_with(kind); });
+  };
+  EXPECT_EQ(count("link "), count("rename "));
+}
+
+TEST_F(NamelessFilesTest, AFailedOperationLosesNothing) {
+  const auto operations = undisturbedOperations();
+  for (std::size_t i = 0; i < operations.size(); ++i) {
+    if (operations[i].starts_with("link ")) continue;
+    expectNothingLost(operations[i], i, errorsOf(operations[i]).front());
   }
 }
 

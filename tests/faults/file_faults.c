@@ -3,7 +3,8 @@
  *   CORVANE_FAULT_ROOT     the folder; operations elsewhere are left alone
  *   CORVANE_FAULT_JOURNAL  a file outside of it that gets one line per operation, "open PATH"
  *   CORVANE_FAULT_AT       which operation, counted from 1; none when absent
- *   CORVANE_FAULT_AS       an errno value, "short" or "kill" */
+ *   CORVANE_FAULT_AS       an errno value, "short" or "kill"
+ *   CORVANE_FAULT_REFUSED  the name of operations that all fail, as where the system lacks them */
 #define _GNU_SOURCE
 #include <dirent.h>
 #include <dlfcn.h>
@@ -54,6 +55,8 @@ static void note(const char* operation, const char* what) {
 static int faultOf(const char* operation, const char* what) {
   const int number = atomic_fetch_add(&operations, 1) + 1;
   note(operation, what);
+  const char* refused = getenv("CORVANE_FAULT_REFUSED");
+  if (refused && strcmp(refused, operation) == 0) return ENOENT;
   const char* at = getenv("CORVANE_FAULT_AT");
   const char* as = getenv("CORVANE_FAULT_AS");
   if (!at || !as || number != atoi(at)) return 0;
