@@ -2,10 +2,12 @@
 
 #include <regex>
 #include <set>
+#include <sstream>
 #include <vector>
 
 #include "CorvaneCore/authoring/AuthoringContract.h"
 #include "CorvaneCore/authoring/InputSchemaBuilder.h"
+#include "tests/unit/authoring/Payloads.h"
 
 namespace corvane::testing {
 namespace {
@@ -105,16 +107,12 @@ TEST(AuthoringContractTest, HintsSayWhatTheStepNeeds) {
 TEST(AuthoringContractTest, TheWholeTextEndsWithEveryHint) {
   std::string expected =
       AuthoringContract::generalContract() + "\n\n# Per-interaction guidance\n\n";
-  for (const char* type :
-       {"tap", "input", "visualAssert", "scroll", "builtIn", "delay", "waitToLoad", "drag"}) {
-    expected += "## " + std::string(type) + "\n\n" + noExtra + "\n\n";
+  std::istringstream names{std::string(Payloads::allTypes)};
+  for (std::string name; names >> name;) {
+    const auto type = fromRawValue<InteractionType>(name);
+    expected += "## " + name + "\n\n" + std::string(AuthoringContract::guidance(*type)) + "\n\n";
   }
-  const auto add = [&](const std::string& name, InteractionType type, const std::string& end) {
-    expected += "## " + name + "\n\n" + std::string(AuthoringContract::guidance(type)) + end;
-  };
-  add("runTest", InteractionType::runTest, "\n\n");
-  add("userDefined", InteractionType::userDefined, "\n\n");
-  add("reuseSteps", InteractionType::reuseSteps, "");
+  expected.resize(expected.size() - 2);
   EXPECT_EQ(AuthoringContract::fullMarkdown(), expected);
 }
 

@@ -207,9 +207,9 @@ TEST(BranchRulesTest, NineTypesMayBeChildren) {
 
 std::string wrongType(const std::string& type) {
   return "error invalidConditionalStructure C.type: '" + type +
-         "' cannot be a branch child — branches allow primitive actions and runTest (tap, input, "
-         "visualAssert, scroll, builtIn, delay, waitToLoad, drag, runTest). Compose "
-         "userDefined/reuseSteps at the top level instead.";
+         "' cannot be a branch child — branches allow primitive actions and runTest (" +
+         Payloads::listed(Payloads::branchTypes, ", ") +
+         "). Compose userDefined/reuseSteps at the top level instead.";
 }
 
 TEST(BranchRulesTest, CompositionStaysAtTheTopLevel) {
@@ -224,8 +224,8 @@ TEST(BranchRulesTest, AnUnknownTypeOfChildBreaksTwoRules) {
   EXPECT_EQ(issuesOfChild(child(R"("type":"swipe","description":"")")),
             (IssueLines{wrongType("swipe"),
                         "error unknownInteractionType C.type: Unknown interaction type 'swipe'. "
-                        "Valid types: tap, input, visualAssert, scroll, builtIn, delay, "
-                        "waitToLoad, drag, runTest, userDefined, reuseSteps"}));
+                        "Valid types: " +
+                            Payloads::listed(Payloads::allTypes, ", ")}));
 }
 
 TEST(BranchRulesTest, BranchesAreOneLevelDeep) {

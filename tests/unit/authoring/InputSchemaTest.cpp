@@ -251,7 +251,7 @@ TEST(InputSchemaTest, StepMembersHaveTheirForms) {
                                 "(description must be '{{APP_NAME}}')."));
 }
 
-TEST(InputSchemaTest, BranchesHoldStepsOfNineTypes) {
+TEST(InputSchemaTest, BranchesHoldStepsOfTheTypesThatTakePartInThem) {
   for (const char* type : {"visualAssert", "builtIn", "delay", "waitToLoad", "runTest"}) {
     const AnyCodable children = at(offered(type), {"properties", "children"});
     EXPECT_EQ(keysOf(children), "description items minItems type");
@@ -259,14 +259,13 @@ TEST(InputSchemaTest, BranchesHoldStepsOfNineTypes) {
     EXPECT_EQ(at(children, {"minItems"}), AnyCodable(1));
     EXPECT_TRUE(at(children, {"description"})
                     .string()
-                    ->ends_with("One level only (children cannot have children); child types: "
-                                "tap/input/visualAssert/scroll/builtIn/delay/waitToLoad/drag/"
-                                "runTest (compose userDefined/reuseSteps at the top level)."));
+                    ->ends_with("One level only (children cannot have children); child types: " +
+                                Payloads::listed(Payloads::branchTypes, "/") +
+                                " (compose userDefined/reuseSteps at the top level)."));
     const AnyCodable& child = at(children, {"items"});
     EXPECT_EQ(toJson(at(child, {"required"})), R"(["type","previousStepCondition"])");
     EXPECT_EQ(toJson(at(child, {"properties", "type", "enum"})),
-              R"(["tap","input","visualAssert","scroll","builtIn","delay","waitToLoad","drag",)"
-              R"("runTest"])");
+              "[\"" + Payloads::listed(Payloads::branchTypes, "\",\"") + "\"]");
     EXPECT_EQ(keysOf(at(child, {"properties"})),
               "aiSegmentationMode arguments description memoryEnabled parameters "
               "previousStepCondition referencedTestId referencedTestName type");

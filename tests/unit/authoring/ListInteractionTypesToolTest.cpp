@@ -5,6 +5,7 @@
 #include "CorvaneCore/authoring/AuthoringContract.h"
 #include "CorvaneCore/json/JsonWriter.h"
 #include "tests/support/ToolBench.h"
+#include "tests/unit/authoring/Payloads.h"
 
 namespace corvane::testing {
 namespace {
@@ -46,9 +47,9 @@ TEST(ListInteractionTypesToolTest, TheSchemaListsTheTypes) {
   EXPECT_EQ(
       toJson(makeListInteractionTypesTool().inputSchema()),
       R"({"additionalProperties":false,"properties":{"type":{"description":"Optional. Return the )"
-      R"(guidance for this interaction type only. Omit it for the whole contract.","enum":["tap",)"
-      R"("input","visualAssert","scroll","builtIn","delay","waitToLoad","drag","runTest",)"
-      R"("userDefined","reuseSteps"],"type":"string"}},"type":"object"})");
+      R"(guidance for this interaction type only. Omit it for the whole contract.","enum":[")" +
+          Payloads::listed(Payloads::allTypes, "\",\"") +
+          R"("],"type":"string"}},"type":"object"})");
 }
 
 }  // namespace

@@ -20,6 +20,19 @@ inline constexpr const char* open =
     R"({"type":"builtIn","description":"{{APP_NAME}}","parameters":{"command":"openApplication"}})";
 inline constexpr const char* look = R"({"type":"visualAssert","description":"Do you see 'Home'?"})";
 
+/// The step types, and those that may stand in a branch: what every list of them has to hold.
+inline constexpr std::string_view allTypes =
+    "tap input visualAssert scroll builtIn delay waitToLoad drag runTest userDefined reuseSteps";
+inline constexpr std::string_view branchTypes =
+    "tap input visualAssert scroll builtIn delay waitToLoad drag runTest";
+
+/// `words`, which are separated by blanks, separated by something else.
+[[nodiscard]] inline std::string listed(std::string_view words, std::string_view separator) {
+  std::string list;
+  for (const char c : words) c == ' ' ? list.append(separator) : list.append(1, c);
+  return list;
+}
+
 [[nodiscard]] inline AgentInteraction step(std::string_view json) {
   return decodeValue<AgentInteraction>(readJson(json));
 }

@@ -47,8 +47,7 @@ TEST(StepRulesTest, ComposedTypesAreWelcomeAtTheTopLevel) {
 TEST(StepRulesTest, AnUnknownTypeIsReportedWithAllKnownOnes) {
   const auto unknown = [](const std::string& type) {
     return IssueLines{"error unknownInteractionType R.type: Unknown interaction type '" + type +
-                      "'. Valid types: tap, input, visualAssert, scroll, builtIn, delay, "
-                      "waitToLoad, drag, runTest, userDefined, reuseSteps"};
+                      "'. Valid types: " + Payloads::listed(Payloads::allTypes, ", ")};
   };
   EXPECT_EQ(issuesOfStep(R"({"type":"swipe","description":""})"), unknown("swipe"));
   EXPECT_EQ(issuesOfStep(R"({"type":"Tap","description":""})"), unknown("Tap"));

@@ -2,6 +2,7 @@
 
 #include "CorvaneCore/authoring/InteractionType.h"
 #include "CorvaneCore/authoring/Vocabularies.h"
+#include "tests/unit/authoring/Payloads.h"
 
 namespace corvane::testing {
 namespace {
@@ -22,8 +23,7 @@ void expectWords(const std::string& words) {
 }
 
 TEST(VocabulariesTest, ValuesStandInOrder) {
-  expectWords<InteractionType>(
-      "tap input visualAssert scroll builtIn delay waitToLoad drag runTest userDefined reuseSteps");
+  expectWords<InteractionType>(Payloads::allTypes);
   expectWords<BuiltInCommand>(
       "none terminateApplication openApplication openUrl goHome goBack hitReturnKey clearText "
       "hitBackspaceKey tapToDismiss");
@@ -54,8 +54,7 @@ TEST(VocabulariesTest, EveryTypeHasItsChipTitle) {
 
 TEST(VocabulariesTest, TypesSayWhereTheyBelong) {
   EXPECT_EQ(joinedRawValues<InteractionType>(" ", isConcrete), "tap input scroll drag");
-  EXPECT_EQ(joinedRawValues<InteractionType>(" ", takesPartInBranches),
-            "tap input visualAssert scroll builtIn delay waitToLoad drag runTest");
+  EXPECT_EQ(joinedRawValues<InteractionType>(" ", takesPartInBranches), Payloads::branchTypes);
 }
 
 TEST(VocabulariesTest, EveryCommandHasItsTexts) {
