@@ -97,7 +97,10 @@ std::unique_ptr<TestCapture> Captures::begin(std::string_view requestId, const P
   try {
     fs::create_directory(folder);
     const fs::path run = folderOf(requestId);
-    if (fs::create_directory(run)) prune();
+    if (fs::create_directory(run)) {
+      const auto runs = runFolders(folder);
+      for (std::size_t i = 0; i + keptRuns < runs.size(); ++i) fs::remove_all(runs[i]);
+    }
     const fs::path session = run / std::to_string(listVisible(run).size() + 1);
     fs::create_directory(session);
     return std::make_unique<TestCapture>(session, ScreenStory(test, appName, platform), clock, log);
@@ -115,11 +118,6 @@ fs::path Captures::folderOf(std::string_view requestId) const {
   const std::string next = std::to_string(std::stoul(latest) + 1);
   return folder /
          (std::string(numberWidth - std::min(numberWidth, next.size()), '0') + next + suffix);
-}
-
-void Captures::prune() const {
-  const auto folders = runFolders(folder);
-  for (std::size_t i = 0; i + keptRuns < folders.size(); ++i) fs::remove_all(folders[i]);
 }
 
 }  // namespace corvane::standin

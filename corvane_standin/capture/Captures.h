@@ -75,7 +75,6 @@ class Captures {
 
  private:
   [[nodiscard]] std::filesystem::path folderOf(std::string_view requestId) const;
-  void prune() const;
 
   std::filesystem::path folder;
   bool enabled;

@@ -102,7 +102,6 @@ constexpr PagePart found[]{
     {Kind::back, "Back"}, {Kind::searchField, "Search", "$typed"}, {Kind::goods, "$typed"}};
 constexpr PagePart filter[]{{Kind::back, "Back"},
                             {Kind::toggle, "In stock only", {}, true},
-                            {Kind::toggle, "On sale"},
                             {Kind::slider, "Price", "0 – 60"},
                             {Kind::button, "Show results", {}, true}};
 constexpr PagePart results[]{{Kind::back, "Back"}, {Kind::goods, "$typed"}};
@@ -114,7 +113,6 @@ constexpr PagePart longerWalkList[]{{Kind::heading, "My walks"},
                                     {Kind::walk, "Today's walk", "0.4 km"},
                                     {Kind::walk, "$chosen"},
                                     {Kind::roundButton, "Record", {}, true}};
-constexpr PagePart walk[]{{Kind::back, "Back"}, {Kind::map, "$tapped", "done"}};
 constexpr PagePart recording[]{{Kind::map, "Recording", "GPS"}, {Kind::button, "Stop", {}, true}};
 constexpr PagePart recorded[]{{Kind::map, "Recorded", "0.4 km"}, {Kind::button, "Save", {}, true}};
 constexpr PagePart settings[]{{Kind::row, "Units", "$chosen"},
@@ -159,7 +157,6 @@ constexpr std::array walkPages{
     Page{
         .labels = "walks, back", .opener = Kind::appIcon, .words = openCommands, .parts = walkList},
     Page{.labels = "save", .parts = longerWalkList},
-    Page{.title = "$tapped", .opener = Kind::walk, .parts = walk},
     Page{.title = "Record", .labels = "record, start", .parts = recording},
     Page{.title = "Record", .labels = "stop, finish", .parts = recorded},
     Page{.title = "Settings", .labels = "settings, preferences", .parts = settings},

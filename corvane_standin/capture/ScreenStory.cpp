@@ -279,11 +279,6 @@ Touch drag(Point from, Point to) {
   return {rounded(from.x), rounded(from.y), rounded(to.x), rounded(to.y)};
 }
 
-/// A finger goes the other way than what comes into sight.
-Touch scrollTouch(const StepWords& step) {
-  return step.speakOf("up") ? drag({0.5, 0.34}, {0.5, 0.74}) : drag({0.5, 0.74}, {0.5, 0.34});
-}
-
 Touch dragTouch(const StepWords& step, Point from) {
   if (step.speakOf("handle slider middle")) return drag(from, {0.5, from.y});
   if (step.speakOf("left")) return drag({0.84, from.y}, {0.1, from.y});
@@ -305,7 +300,11 @@ ScreenStory::ScreenStory(const PlannedTest& test, const std::string& appName,
 }
 
 std::vector<Touch> touchesOf(const StepWords& step, const std::optional<Rect>& target) {
-  if (step.act == ScreenAct::scroll) return {scrollTouch(step)};
+  if (step.act == ScreenAct::scroll) {
+    // A finger goes the other way than what comes into sight.
+    const double from = step.speakOf("up") ? 0.34 : 0.74;
+    return {drag({0.5, from}, {0.5, 1.08 - from})};
+  }
   if (!target) return {};
   const Point at = target->centre();
   if (step.act == ScreenAct::drag) return {dragTouch(step, at)};
