@@ -1,13 +1,10 @@
 #include "corvane_standin/capture/Captures.h"
 
 #include <algorithm>
-#include <charconv>
 #include <chrono>
 #include <exception>
-#include <optional>
 #include <stdexcept>
 #include <utility>
-#include <vector>
 
 #include "CorvaneCore/files/Files.h"
 #include "corvane_standin/capture/ScreenPainter.h"
@@ -28,25 +25,14 @@ std::string timeOfDay(Date date) {
 
 constexpr std::size_t numberWidth = 6;
 
-/// The number that the folder of a run begins with; nothing for a folder of another kind.
-std::optional<unsigned> numberOf(const fs::path& runFolder) {
-  const std::string name = runFolder.filename().string();
-  if (name.size() <= numberWidth || name[numberWidth] != '-') return std::nullopt;
-  unsigned number = 0;
-  const auto [end, error] = std::from_chars(name.data(), name.data() + numberWidth, number);
-  return end == name.data() + numberWidth ? std::optional(number) : std::nullopt;
-}
-
-/// The folders of runs, the oldest first.
+/// The folders of runs, whose names begin with their numbers, the oldest first.
 std::vector<fs::path> runFolders(const fs::path& folder) {
   auto folders = listVisible(folder);
-  std::erase_if(folders, [](const fs::path& each) { return !numberOf(each); });
+  std::erase_if(folders, [](const fs::path& each) {
+    const std::string name = each.filename().string();
+    return name.find_first_not_of("0123456789") != numberWidth || name[numberWidth] != '-';
+  });
   return folders;
-}
-
-std::string padded(unsigned number) {
-  const std::string digits = std::to_string(number);
-  return std::string(numberWidth - std::min(numberWidth, digits.size()), '0') + digits;
 }
 
 }  // namespace
@@ -79,12 +65,14 @@ void TestCapture::record(std::size_t step, FrameStatus status, std::size_t momen
   try {
     // Writing must not bring back a home that is being deleted.
     if (!fileExists(folder)) throw std::runtime_error("its folder is gone");
-    const Shot& shot = shotBefore(moment);
+    const std::string fileName = "screen-" + std::to_string(moment) + ".png";
+    if (!touches.contains(moment)) touches[moment] = writeScreen(moment, folder / fileName);
     CaptureSession::Frame frame{.stepIndex = static_cast<std::int64_t>(step),
                                 .status = status,
-                                .imageFileName = shot.fileName,
+                                .imageFileName = fileName,
                                 .touches = std::nullopt};
-    if (status != FrameStatus::afterStep && !shot.touches.empty()) frame.touches = shot.touches;
+    const auto& touched = touches[moment];
+    if (status != FrameStatus::afterStep && !touched.empty()) frame.touches = touched;
     session.frames.push_back(std::move(frame));
     session.write(folder);
   } catch (const std::exception& error) {
@@ -93,15 +81,13 @@ void TestCapture::record(std::size_t step, FrameStatus status, std::size_t momen
   }
 }
 
-const TestCapture::Shot& TestCapture::shotBefore(std::size_t step) {
-  if (const auto known = shots.find(step); known != shots.end()) return known->second;
-  Screen screen = story.screenAt(step);
+std::vector<Touch> TestCapture::writeScreen(std::size_t moment, const fs::path& file) const {
+  Screen screen = story.screenAt(moment);
   screen.time = timeOfDay(clock.date());
   const PaintedScreen painted = paint(screen);
-  Shot shot{"screen-" + std::to_string(step) + ".png", {}};
-  writeFileWhole(folder / shot.fileName, painted.png);
-  if (step < story.stepCount()) shot.touches = touchesOf(story.words(step), painted.target);
-  return shots.emplace(step, std::move(shot)).first->second;
+  writeFileWhole(file, painted.png);
+  if (moment == story.stepCount()) return {};
+  return touchesOf(story.words(moment), painted.target);
 }
 
 std::unique_ptr<TestCapture> Captures::begin(std::string_view requestId, const PlannedTest& test,
@@ -111,7 +97,10 @@ std::unique_ptr<TestCapture> Captures::begin(std::string_view requestId, const P
   try {
     fs::create_directory(folder);
     const fs::path run = folderOf(requestId);
-    if (fs::create_directory(run)) prune();
+    if (fs::create_directory(run)) {
+      const auto runs = runFolders(folder);
+      for (std::size_t i = 0; i + keptRuns < runs.size(); ++i) fs::remove_all(runs[i]);
+    }
     const fs::path session = run / std::to_string(listVisible(run).size() + 1);
     fs::create_directory(session);
     return std::make_unique<TestCapture>(session, ScreenStory(test, appName, platform), clock, log);
@@ -124,15 +113,11 @@ std::unique_ptr<TestCapture> Captures::begin(std::string_view requestId, const P
 fs::path Captures::folderOf(std::string_view requestId) const {
   const std::string suffix = "-" + std::string(requestId);
   const auto folders = runFolders(folder);
-  if (folders.empty()) return folder / (padded(1) + suffix);
-  const fs::path& latest = folders.back();
-  if (latest.filename().string().substr(numberWidth) == suffix) return latest;
-  return folder / (padded(*numberOf(latest) + 1) + suffix);
-}
-
-void Captures::prune() const {
-  const auto folders = runFolders(folder);
-  for (std::size_t i = 0; i + keptRuns < folders.size(); ++i) fs::remove_all(folders[i]);
+  const std::string latest = folders.empty() ? "000000" : folders.back().filename().string();
+  if (latest.substr(numberWidth) == suffix) return folders.back();
+  const std::string next = std::to_string(std::stoul(latest) + 1);
+  return folder /
+         (std::string(numberWidth - std::min(numberWidth, next.size()), '0') + next + suffix);
 }
 
 }  // namespace corvane::standin

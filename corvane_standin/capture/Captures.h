@@ -36,20 +36,18 @@ class TestCapture {
   [[nodiscard]] std::optional<AgentRunResult::TraceInfo> trace() const;
 
  private:
-  /// One picture serves as the end of a step and the beginning of the next.
-  struct Shot {
-    std::string fileName;
-    std::vector<Touch> touches;
-  };
-
   void record(std::size_t step, FrameStatus status, std::size_t moment);
-  [[nodiscard]] const Shot& shotBefore(std::size_t step);
+  /// The touches of the step that begins at `moment`, of which it writes the picture.
+  [[nodiscard]] std::vector<Touch> writeScreen(std::size_t moment,
+                                               const std::filesystem::path& file) const;
 
   std::filesystem::path folder;
   ScreenStory story;
   const Clock& clock;
   const StandInLog& log;
-  std::map<std::size_t, Shot> shots;
+  /// By the moments that have a picture: one serves as the end of a step and the beginning of the
+  /// next.
+  std::map<std::size_t, std::vector<Touch>> touches;
   CaptureSession session;
   std::optional<std::int64_t> failedStep;
   bool ended = false;
@@ -77,7 +75,6 @@ class Captures {
 
  private:
   [[nodiscard]] std::filesystem::path folderOf(std::string_view requestId) const;
-  void prune() const;
 
   std::filesystem::path folder;
   bool enabled;

@@ -30,28 +30,18 @@ constexpr std::array items{
     Item{Kind::goods, "Herb planter", "22.00", "Garden"},
     Item{Kind::goods, "Glass bottle", "14.00", "Kitchen"},
     Item{Kind::goods, "Linen cushion", "24.00", "Living room"},
-    Item{Kind::goods, "Linen napkins", "15.00", "Kitchen"},
     Item{Kind::walk, "Lakeside loop", "7.8 km", "Kilometres"},
     Item{Kind::walk, "Ridge path", "12.4 km", "Kilometres"},
     Item{Kind::walk, "Old town", "3.1 km", "Kilometres"},
-    Item{Kind::walk, "Forest round", "6.0 km", "Kilometres"},
-    Item{Kind::walk, "Harbour wall", "4.2 km", "Kilometres"},
     Item{Kind::walk, "Lakeside loop", "4.8 mi", "Miles"},
     Item{Kind::walk, "Ridge path", "7.7 mi", "Miles"},
     Item{Kind::walk, "Old town", "1.9 mi", "Miles"},
-    Item{Kind::walk, "Forest round", "3.7 mi", "Miles"},
-    Item{Kind::walk, "Harbour wall", "2.6 mi", "Miles"},
 };
 
 constexpr PagePart shopFront[]{{Kind::searchIcon, "Magnifying glass"},
                                {Kind::searchField, "Search"},
                                {Kind::heading, "New this week"},
-                               {Kind::card, "Enamel mug"},
-                               {Kind::card, "Linen apron"},
-                               {Kind::card, "Stoneware bowl"},
-                               {Kind::card, "Beeswax candle"},
-                               {Kind::card, "Willow basket"},
-                               {Kind::card, "Desk lamp"},
+                               {Kind::card, ""},
                                {Kind::heading, "Departments"},
                                {Kind::row, "Kitchen"},
                                {Kind::row, "Living room"},
@@ -79,7 +69,8 @@ constexpr PagePart fullCart[]{{Kind::goods, "Enamel mug"},
 constexpr PagePart voucherQuestion[]{
     {Kind::dialog, "$tapped", "It is added as soon as it has been checked."},
     {Kind::dialogField, "Code", {}, true},
-    {Kind::dialogButton, "Cancel"}};
+    {Kind::dialogButton, "Cancel"},
+    {Kind::dialogButton, "Redeem", {}, true}};
 constexpr PagePart voucherCart[]{{Kind::goods, "Enamel mug"},
                                  {Kind::goods, "Linen apron"},
                                  {Kind::goods, "Glass bottle"},
@@ -93,6 +84,10 @@ constexpr PagePart address[]{{Kind::field, "Name"},
                              {Kind::field, "Street"},
                              {Kind::field, "City"},
                              {Kind::button, "Place order", {}, true}};
+constexpr PagePart filledAddress[]{{Kind::field, "Name", "Ada Lind"},
+                                   {Kind::field, "Street", "12 Harbour Street"},
+                                   {Kind::field, "City", "Northport"},
+                                   {Kind::button, "Place order", {}, true}};
 constexpr PagePart thanks[]{
     {Kind::notice, "Thank you",
      "Your order number is 4711-0815. We write to you as soon as it is on its way.", true}};
@@ -107,7 +102,6 @@ constexpr PagePart found[]{
     {Kind::back, "Back"}, {Kind::searchField, "Search", "$typed"}, {Kind::goods, "$typed"}};
 constexpr PagePart filter[]{{Kind::back, "Back"},
                             {Kind::toggle, "In stock only", {}, true},
-                            {Kind::toggle, "On sale"},
                             {Kind::slider, "Price", "0 – 60"},
                             {Kind::button, "Show results", {}, true}};
 constexpr PagePart results[]{{Kind::back, "Back"}, {Kind::goods, "$typed"}};
@@ -119,41 +113,34 @@ constexpr PagePart longerWalkList[]{{Kind::heading, "My walks"},
                                     {Kind::walk, "Today's walk", "0.4 km"},
                                     {Kind::walk, "$chosen"},
                                     {Kind::roundButton, "Record", {}, true}};
-constexpr PagePart walk[]{{Kind::back, "Back"}, {Kind::map, "$tapped", "done"}};
-constexpr PagePart recording[]{{Kind::map, "Recording", "$time"}, {Kind::button, "Stop", {}, true}};
-constexpr PagePart recorded[]{
-    {Kind::map, "Recorded", "$time"}, {Kind::button, "Discard"}, {Kind::button, "Save", {}, true}};
-constexpr PagePart map[]{{Kind::map, "Near you", "5 walks"}};
+constexpr PagePart recording[]{{Kind::map, "Recording", "GPS"}, {Kind::button, "Stop", {}, true}};
+constexpr PagePart recorded[]{{Kind::map, "Recorded", "0.4 km"}, {Kind::button, "Save", {}, true}};
 constexpr PagePart settings[]{{Kind::row, "Units", "$chosen"},
-                              {Kind::toggle, "Spoken splits", {}, true},
-                              {Kind::toggle, "Pause by itself"},
-                              {Kind::row, "Export"},
-                              {Kind::row, "About"}};
+                              {Kind::toggle, "Spoken splits", {}, true}};
 constexpr PagePart units[]{{Kind::back, "Back"}, {Kind::row, "Kilometres"}, {Kind::row, "Miles"}};
 
-constexpr PagePart homeScreen[]{
-    {Kind::appIcon, "Calendar"}, {Kind::appIcon, "Photos"}, {Kind::appIcon, "Maps"},
-    {Kind::appIcon, "Weather"},  {Kind::appIcon, "Notes"},  {Kind::appIcon, "Mail"},
-    {Kind::appIcon, "Music"},    {Kind::appIcon, "Clock"},  {Kind::appIcon, "Files"},
-    {Kind::appIcon, "Health"},   {Kind::appIcon, "$app"}};
+constexpr PagePart homeScreen[]{{Kind::appIcon, "Calendar"},
+                                {Kind::appIcon, "Photos"},
+                                {Kind::appIcon, "Maps"},
+                                {Kind::appIcon, "Weather"},
+                                {Kind::appIcon, "$app"}};
 
 constexpr std::string_view openCommands = "open launch start back";
-constexpr Page phonePage{.commands = "terminate close kill", .parts = homeScreen};
+constexpr Page phonePage{.words = "terminate close kill", .parts = homeScreen};
+constexpr Page otherTab{.title = "$tapped", .opener = Kind::tab, .parts = nothing};
 
 constexpr std::array shopPages{
-    Page{.labels = "shop, home, back",
-         .opener = Kind::appIcon,
-         .commands = openCommands,
-         .parts = shopFront},
+    Page{
+        .labels = "shop, back", .opener = Kind::appIcon, .words = openCommands, .parts = shopFront},
     Page{.title = "$tapped", .opener = Kind::card, .parts = product},
     Page{.title = "$tapped", .opener = Kind::goods, .parts = product},
-    Page{.title = "Cart", .labels = "cart, basket, bag, view cart", .parts = cart},
-    Page{.title = "Cart", .otherSteps = "cart basket", .parts = fullCart},
-    Page{
-        .title = "Cart", .labels = "add voucher, enter voucher, voucher", .parts = voucherQuestion},
+    Page{.title = "Cart", .labels = "cart, basket, view cart", .parts = cart},
+    Page{.title = "Cart", .words = "cart basket", .parts = fullCart},
+    Page{.title = "Cart", .labels = "add voucher, voucher", .parts = voucherQuestion},
     Page{.title = "Cart", .labels = "redeem, apply", .parts = voucherCart},
     Page{.title = "Cart", .labels = "remove, delete", .parts = emptyCart},
     Page{.title = "Shipping address", .labels = "check out, checkout", .parts = address},
+    Page{.title = "Shipping address", .words = "address", .parts = filledAddress},
     Page{.title = "Thank you", .labels = "place order, pay, buy", .parts = thanks},
     Page{.title = "Account", .labels = "account, profile, sign out, log out", .parts = account},
     Page{.title = "Account", .labels = "sign in, log in", .parts = greeting},
@@ -162,23 +149,19 @@ constexpr std::array shopPages{
     Page{.title = "Filter", .labels = "filter, refine", .parts = filter},
     Page{.title = "Results", .labels = "show results, results", .parts = results},
     Page{.title = "$tapped", .opener = Kind::row, .parts = goodsList},
-    Page{.title = "$tapped", .opener = Kind::tab, .parts = nothing},
+    otherTab,
     phonePage,
 };
 
 constexpr std::array walkPages{
-    Page{.labels = "walks, home, back, discard",
-         .opener = Kind::appIcon,
-         .commands = openCommands,
-         .parts = walkList},
+    Page{
+        .labels = "walks, back", .opener = Kind::appIcon, .words = openCommands, .parts = walkList},
     Page{.labels = "save", .parts = longerWalkList},
-    Page{.title = "$tapped", .opener = Kind::walk, .parts = walk},
     Page{.title = "Record", .labels = "record, start", .parts = recording},
     Page{.title = "Record", .labels = "stop, finish", .parts = recorded},
-    Page{.title = "Map", .labels = "map", .parts = map},
     Page{.title = "Settings", .labels = "settings, preferences", .parts = settings},
     Page{.title = "Units", .labels = "units", .parts = units},
-    Page{.title = "$tapped", .opener = Kind::tab, .parts = nothing},
+    otherTab,
     phonePage,
 };
 
@@ -186,7 +169,7 @@ constexpr PagePart shopTabs[]{{Kind::tab, "Shop"}, {Kind::tab, "Cart"}, {Kind::t
 constexpr PagePart walkTabs[]{{Kind::tab, "Walks"}, {Kind::tab, "Map"}, {Kind::tab, "Settings"}};
 
 constexpr std::array allApps{
-    App{"walk walks trail hike distances", walkTabs, walkPages},
+    App{"walk walks trail hike", walkTabs, walkPages},
     App{"", shopTabs, shopPages},
 };
 
@@ -200,17 +183,14 @@ std::vector<Element> itemsFor(Element element) {
   const bool isCard = element.kind == Kind::card;
   const bool isItem = isCard || element.kind == Kind::goods || element.kind == Kind::walk;
   if (!isItem || !element.detail.empty()) return {std::move(element)};
-  const Kind kind = isCard ? Kind::goods : element.kind;
   const std::string wanted = asciiLowercase(element.label);
-  std::vector<Element> all;
   std::vector<Element> found;
-  for (const auto& item : items) {
-    if (item.kind != kind) continue;
-    all.push_back({element.kind, std::string(item.name), std::string(item.detail)});
-    const bool isNamed = asciiLowercase(item.name).find(wanted) != std::string::npos;
-    if (isNamed || asciiLowercase(item.group) == wanted) found.push_back(all.back());
+  for (const auto& [kind, name, detail, group] : items) {
+    const std::string text = asciiLowercase(std::string(name) + "\n" + std::string(group));
+    if (kind != (isCard ? Kind::goods : element.kind) || text.find(wanted) == text.npos) continue;
+    found.push_back({element.kind, std::string(name), std::string(detail)});
   }
-  return found.empty() ? all : found;
+  return found.empty() && !wanted.empty() ? itemsFor({element.kind}) : found;
 }
 
 }  // namespace corvane::standin
