@@ -9,7 +9,7 @@ namespace {
 
 /// Every row parses back to its own value, and nothing but its exact text does.
 template <class E>
-void expectWords(const std::string& words) {
+void expectWords(std::string_view words) {
   EXPECT_EQ(joinedRawValues<E>(" "), words);
   for (const auto& row : Vocabulary<E>::rows) {
     EXPECT_EQ(fromRawValue<E>(row.rawValue), row.value) << row.rawValue;
