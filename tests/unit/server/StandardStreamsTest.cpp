@@ -24,6 +24,8 @@ struct Written {
 Written writtenBy(const std::function<void()>& act) {
   Pipe output;
   Pipe errors;
+  // What this process has buffered would be the child's to write as well.
+  std::fflush(stdout);
   const pid_t child = ::fork();
   if (child == 0) {
     ::dup2(output.writing.get(), STDOUT_FILENO);
