@@ -16,10 +16,6 @@ add_library(corvane_jpeg INTERFACE)
 target_include_directories(corvane_jpeg SYSTEM INTERFACE ${JPEG_INCLUDE_DIR})
 target_link_libraries(corvane_jpeg INTERFACE ${JPEG_LIBRARY})
 
-# Draws the screens of the stand-in, which start-up costs are no matter for.
-find_path(CAIRO_INCLUDE_DIR cairo.h PATH_SUFFIXES cairo REQUIRED)
-find_library(CAIRO_LIBRARY NAMES cairo REQUIRED)
-
-add_library(corvane_cairo INTERFACE)
-target_include_directories(corvane_cairo SYSTEM INTERFACE ${CAIRO_INCLUDE_DIR})
-target_link_libraries(corvane_cairo INTERFACE ${CAIRO_LIBRARY})
+# Cairo and the texts on it, for the screens of the stand-in, which start-up costs are no matter for.
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(PANGO REQUIRED IMPORTED_TARGET GLOBAL pangocairo)

@@ -5,10 +5,10 @@
 
 #include "CorvaneCore/paths/AgentPaths.h"
 #include "corvane_standin/Settings.h"
-#include "corvane_standin/capture/Captures.h"
 #include "corvane_standin/jobs/DropFolder.h"
 #include "corvane_standin/jobs/Job.h"
 #include "corvane_standin/program/Environment.h"
+#include "corvane_standin/runs/TestCapture.h"
 #include "corvane_standin/workspace/Workspace.h"
 
 namespace corvane::standin {

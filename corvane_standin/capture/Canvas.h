@@ -4,10 +4,8 @@
 
 #include <cstdint>
 #include <memory>
-#include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "corvane_standin/capture/Screen.h"
 
@@ -16,20 +14,39 @@ namespace corvane::standin {
 /// 0xRRGGBB.
 using Colour = std::uint32_t;
 
-struct Font {
-  enum class Weight { regular, medium, bold };
+/// The colours that all apps share.
+namespace palette {
+
+inline constexpr Colour white = 0xFFFFFF;
+inline constexpr Colour black = 0x000000;
+inline constexpr Colour ground = 0xF5F4F0;
+inline constexpr Colour bar = 0xFBFAF8;
+inline constexpr Colour ink = 0x1C1D1F;
+inline constexpr Colour quiet = 0x6E6F75;
+inline constexpr Colour hairline = 0xE0DED8;
+inline constexpr Colour disabled = 0xC9C8C4;
+inline constexpr Colour danger = 0xC8352B;
+
+}  // namespace palette
+
+struct TextStyle {
+  /// In the order in which Pango has them.
+  enum class Align { left, centre, right };
 
   double size = 17;
-  Weight weight = Weight::regular;
+  Colour colour = palette::ink;
+  Align align = Align::left;
+  bool bold = false;
+  /// More than one are written from the top of their area on, one is written in its middle.
+  int lines = 1;
 };
 
-/// A picture that is drawn on in points, each three pixels long. Texts are in the system's sans
-/// serif font; what is no UTF-8 in them is drawn as a replacement character.
+/// A picture that is drawn on in points, each three pixels long.
 class Canvas {
  public:
   static constexpr int scale = 3;
 
-  Canvas(Size size, Colour ground);
+  Canvas(double width, double height, Colour ground);
 
   /// With corners rounded by `radius`, covering the given share of what is there.
   void fill(Rect area, Colour colour, double radius = 0, double opacity = 1);
@@ -39,35 +56,15 @@ class Canvas {
   /// P x y x y ... a polygon; O x y radius width draws a ring and L width x y x y ... a line.
   /// #RRGGBB sets the colour of what follows. Throws std::logic_error for anything else.
   void sketch(Point origin, double unit, std::string_view sketched, Colour colour = 0);
-
-  enum class Align { left, centre, right };
-  /// Writes one line of text in the middle of `area`'s height, cut to its width.
-  void write(Rect area, std::string_view text, Font font, Colour colour, Align align = Align::left);
-  /// Writes lines that are as wide as `area`, `pitch` apart, the first with its middle at the top;
-  /// what does not fit into its height is left out, with "…" for it. Gives where the middle of a
-  /// further line would be.
-  double writeLines(Rect area, double pitch, std::string_view text, Font font, Colour colour,
-                    Align align);
-
-  [[nodiscard]] double width(std::string_view text, Font font) const;
-  /// `text`, or as much of its front as fits into `space`, with "…" after it.
-  [[nodiscard]] std::string cut(std::string_view text, Font font, double space) const;
-  /// The words of `text` in lines no wider than `space`, as far as single words are not.
-  [[nodiscard]] std::vector<std::string> wrapped(std::string_view text, Font font,
-                                                 double space) const;
+  /// Writes in the system's sans serif font, with "…" for what does not fit. Gives the width and
+  /// the height that were used.
+  Point write(Rect area, std::string_view text, const TextStyle& style);
 
   /// The picture as the bytes of a PNG. Throws std::runtime_error when it could not be drawn.
   [[nodiscard]] std::string png() const;
 
  private:
-  struct Destroy {
-    void operator()(cairo_t* context) const { cairo_destroy(context); }
-  };
-
-  void select(Font font) const;
-  void drawShape(char shape, std::span<const double> numbers);
-
-  std::unique_ptr<cairo_t, Destroy> context;
+  std::unique_ptr<cairo_t, decltype(&cairo_destroy)> context{nullptr, &cairo_destroy};
 };
 
 }  // namespace corvane::standin

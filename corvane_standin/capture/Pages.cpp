@@ -1,9 +1,12 @@
 #include "corvane_standin/capture/Pages.h"
 
+#include <algorithm>
 #include <array>
+#include <stdexcept>
 #include <utility>
 
 #include "CorvaneCore/text/Unicode.h"
+#include "corvane_standin/steps/Steps.h"
 
 namespace corvane::standin {
 
@@ -11,186 +14,135 @@ namespace {
 
 using Kind = Element::Kind;
 
-/// Something that an app has to show: a product in a department, a walk by the unit of its length.
-struct Item {
-  Kind kind;
-  std::string_view name;
-  std::string_view detail;
-  std::string_view group;
-};
+/// In the order of the kinds.
+constexpr std::array<std::string_view, 21> kindNames{
+    "back",   "searchIcon",  "searchField", "heading", "paragraph",   "card",         "item",
+    "row",    "field",       "toggle",      "slider",  "picture",     "notice",       "amount",
+    "button", "roundButton", "tab",         "dialog",  "dialogField", "dialogButton", "appIcon"};
 
-constexpr std::array items{
-    Item{Kind::goods, "Enamel mug", "14.00", "Kitchen"},
-    Item{Kind::goods, "Linen apron", "36.00", "Kitchen"},
-    Item{Kind::goods, "Stoneware bowl", "18.50", "Kitchen"},
-    Item{Kind::goods, "Beeswax candle", "12.00", "Living room"},
-    Item{Kind::goods, "Willow basket", "42.00", "Garden"},
-    Item{Kind::goods, "Desk lamp", "59.00", "Living room"},
-    Item{Kind::goods, "Linen towel", "9.50", "Bath"},
-    Item{Kind::goods, "Herb planter", "22.00", "Garden"},
-    Item{Kind::goods, "Glass bottle", "14.00", "Kitchen"},
-    Item{Kind::goods, "Linen cushion", "24.00", "Living room"},
-    Item{Kind::walk, "Lakeside loop", "7.8 km", "Kilometres"},
-    Item{Kind::walk, "Ridge path", "12.4 km", "Kilometres"},
-    Item{Kind::walk, "Old town", "3.1 km", "Kilometres"},
-    Item{Kind::walk, "Lakeside loop", "4.8 mi", "Miles"},
-    Item{Kind::walk, "Ridge path", "7.7 mi", "Miles"},
-    Item{Kind::walk, "Old town", "1.9 mi", "Miles"},
-};
-
-constexpr PagePart shopFront[]{{Kind::searchIcon, "Magnifying glass"},
-                               {Kind::searchField, "Search"},
-                               {Kind::heading, "New this week"},
-                               {Kind::card, ""},
-                               {Kind::heading, "Departments"},
-                               {Kind::row, "Kitchen"},
-                               {Kind::row, "Living room"},
-                               {Kind::row, "Garden"},
-                               {Kind::row, "Bath"}};
-constexpr PagePart product[]{
-    {Kind::back, "Back"},
-    {Kind::hero, "$tapped"},
-    {Kind::heading, "$tapped"},
-    {Kind::paragraph, "Made in small numbers by people we know. Leaves our house within two days."},
-    {Kind::amount, "Price", "$price", true},
-    {Kind::button, "Add to cart", {}, true}};
-constexpr PagePart goodsList[]{{Kind::back, "Back"}, {Kind::goods, "$tapped"}};
-constexpr PagePart cart[]{{Kind::goods, "Enamel mug"},
-                          {Kind::amount, "Subtotal", "14.00"},
-                          {Kind::amount, "Total", "14.00", true},
-                          {Kind::button, "Check out", {}, true}};
-constexpr PagePart fullCart[]{{Kind::goods, "Enamel mug"},
-                              {Kind::goods, "Linen apron"},
-                              {Kind::goods, "Glass bottle"},
-                              {Kind::amount, "Subtotal", "64.00"},
-                              {Kind::amount, "Total", "64.00", true},
-                              {Kind::button, "Add voucher"},
-                              {Kind::button, "Check out as guest", {}, true}};
-constexpr PagePart voucherQuestion[]{
-    {Kind::dialog, "$tapped", "It is added as soon as it has been checked."},
-    {Kind::dialogField, "Code", {}, true},
-    {Kind::dialogButton, "Cancel"},
-    {Kind::dialogButton, "Redeem", {}, true}};
-constexpr PagePart voucherCart[]{{Kind::goods, "Enamel mug"},
-                                 {Kind::goods, "Linen apron"},
-                                 {Kind::goods, "Glass bottle"},
-                                 {Kind::amount, "Subtotal", "64.00"},
-                                 {Kind::amount, "Voucher $typed", "−6.40"},
-                                 {Kind::amount, "Total", "57.60", true, "64.00"},
-                                 {Kind::button, "Check out as guest", {}, true}};
-constexpr PagePart emptyCart[]{
-    {Kind::notice, "Your cart is empty", "What you add is kept here for you."}};
-constexpr PagePart address[]{{Kind::field, "Name"},
-                             {Kind::field, "Street"},
-                             {Kind::field, "City"},
-                             {Kind::button, "Place order", {}, true}};
-constexpr PagePart filledAddress[]{{Kind::field, "Name", "Ada Lind"},
-                                   {Kind::field, "Street", "12 Harbour Street"},
-                                   {Kind::field, "City", "Northport"},
-                                   {Kind::button, "Place order", {}, true}};
-constexpr PagePart thanks[]{
-    {Kind::notice, "Thank you",
-     "Your order number is 4711-0815. We write to you as soon as it is on its way.", true}};
-constexpr PagePart account[]{
-    {Kind::field, "E-mail"}, {Kind::field, "Password"}, {Kind::button, "Sign in", {}, true}};
-constexpr PagePart greeting[]{{Kind::notice, "Hello, $typed",
-                               "You are signed in. Your orders and addresses are kept here.", true},
-                              {Kind::button, "Sign out"}};
-constexpr PagePart search[]{
-    {Kind::back, "Back"}, {Kind::searchField, "Search", {}, true}, {Kind::goods, ""}};
-constexpr PagePart found[]{
-    {Kind::back, "Back"}, {Kind::searchField, "Search", "$typed"}, {Kind::goods, "$typed"}};
-constexpr PagePart filter[]{{Kind::back, "Back"},
-                            {Kind::toggle, "In stock only", {}, true},
-                            {Kind::slider, "Price", "0 – 60"},
-                            {Kind::button, "Show results", {}, true}};
-constexpr PagePart results[]{{Kind::back, "Back"}, {Kind::goods, "$typed"}};
-constexpr PagePart nothing[]{{Kind::notice, "Nothing here yet", "What you keep is shown here."}};
-
-constexpr PagePart walkList[]{
-    {Kind::heading, "My walks"}, {Kind::walk, "$chosen"}, {Kind::roundButton, "Record", {}, true}};
-constexpr PagePart longerWalkList[]{{Kind::heading, "My walks"},
-                                    {Kind::walk, "Today's walk", "0.4 km"},
-                                    {Kind::walk, "$chosen"},
-                                    {Kind::roundButton, "Record", {}, true}};
-constexpr PagePart recording[]{{Kind::map, "Recording", "GPS"}, {Kind::button, "Stop", {}, true}};
-constexpr PagePart recorded[]{{Kind::map, "Recorded", "0.4 km"}, {Kind::button, "Save", {}, true}};
-constexpr PagePart settings[]{{Kind::row, "Units", "$chosen"},
-                              {Kind::toggle, "Spoken splits", {}, true}};
-constexpr PagePart units[]{{Kind::back, "Back"}, {Kind::row, "Kilometres"}, {Kind::row, "Miles"}};
-
-constexpr PagePart homeScreen[]{{Kind::appIcon, "Calendar"},
-                                {Kind::appIcon, "Photos"},
-                                {Kind::appIcon, "Maps"},
-                                {Kind::appIcon, "Weather"},
-                                {Kind::appIcon, "$app"}};
+/// What apps have to show: products by their department, walks by the unit of their length.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 6> items{{
+    {"Shop, Kitchen",
+     "item Enamel mug = 14.00 | item Linen apron = 36.00 | item Stoneware bowl = 18.50 |"
+     "item Glass bottle = 14.00"},
+    {"Shop, Living room",
+     "item Beeswax candle = 12.00 | item Desk lamp = 59.00 | item Linen cushion = 24.00"},
+    {"Shop, Garden", "item Willow basket = 42.00 | item Herb planter = 22.00"},
+    {"Shop, Bath", "item Linen towel = 9.50"},
+    {"Kilometres",
+     "item Lakeside loop = 7.8 km | item Ridge path = 12.4 km | item Old town = 3.1 km"},
+    {"Miles", "item Lakeside loop = 4.8 mi | item Ridge path = 7.7 mi | item Old town = 1.9 mi"},
+}};
 
 constexpr std::string_view openCommands = "open launch start back";
-constexpr Page phonePage{.words = "terminate close kill", .parts = homeScreen};
-constexpr Page otherTab{.title = "$tapped", .opener = Kind::tab, .parts = nothing};
+constexpr std::string_view product =
+    "back Back | picture $tapped | heading $tapped | amount! Price = $price | button! Add to cart |"
+    "paragraph Made in small numbers by people we know. Leaves our house within two days.";
+constexpr Page otherTab{"$tapped", "", "tab", "",
+                        "notice Nothing here yet = What you keep is shown here."};
+constexpr Page phone{"", "", "", "terminate close kill",
+                     "appIcon Calendar | appIcon Photos | appIcon Maps | appIcon Weather |"
+                     "appIcon $app"};
 
-constexpr std::array shopPages{
-    Page{
-        .labels = "shop, back", .opener = Kind::appIcon, .words = openCommands, .parts = shopFront},
-    Page{.title = "$tapped", .opener = Kind::card, .parts = product},
-    Page{.title = "$tapped", .opener = Kind::goods, .parts = product},
-    Page{.title = "Cart", .labels = "cart, basket, view cart", .parts = cart},
-    Page{.title = "Cart", .words = "cart basket", .parts = fullCart},
-    Page{.title = "Cart", .labels = "add voucher, voucher", .parts = voucherQuestion},
-    Page{.title = "Cart", .labels = "redeem, apply", .parts = voucherCart},
-    Page{.title = "Cart", .labels = "remove, delete", .parts = emptyCart},
-    Page{.title = "Shipping address", .labels = "check out, checkout", .parts = address},
-    Page{.title = "Shipping address", .words = "address", .parts = filledAddress},
-    Page{.title = "Thank you", .labels = "place order, pay, buy", .parts = thanks},
-    Page{.title = "Account", .labels = "account, profile, sign out, log out", .parts = account},
-    Page{.title = "Account", .labels = "sign in, log in", .parts = greeting},
-    Page{.title = "Search", .labels = "magnifying, search", .parts = search},
-    Page{.title = "Search", .opener = Kind::searchField, .parts = found},
-    Page{.title = "Filter", .labels = "filter, refine", .parts = filter},
-    Page{.title = "Results", .labels = "show results, results", .parts = results},
-    Page{.title = "$tapped", .opener = Kind::row, .parts = goodsList},
+constexpr Page shopPages[]{
+    {"$app", "shop, back", "appIcon", openCommands,
+     "searchIcon Magnifying glass | searchField Search | heading New this week | card Shop |"
+     "heading Departments | row Kitchen | row Living room | row Garden | row Bath"},
+    {"$tapped", "", "card", "", product},
+    {"$tapped", "", "item", "", product},
+    {"$tapped", "", "row", "", "back Back | item $tapped"},
+    {"Cart", "cart, basket, view cart", "", "",
+     "item Enamel mug | amount Subtotal = 14.00 | amount! Total = 14.00 | button! Check out"},
+    {"Cart", "", "", "cart basket",
+     "item Enamel mug | item Linen apron | item Glass bottle | amount Subtotal = 64.00 |"
+     "amount! Total = 64.00 | button Add voucher | button! Check out as guest"},
+    {"Cart", "add voucher, voucher", "", "",
+     "dialog $tapped = It is added as soon as it has been checked. | dialogField! Code |"
+     "dialogButton Cancel | dialogButton! Redeem"},
+    {"Cart", "redeem, apply", "", "",
+     "item Enamel mug | item Linen apron | item Glass bottle | amount Subtotal = 64.00 |"
+     "amount Voucher $typed = −6.40 | amount! Total = $total | button! Check out as guest"},
+    {"Cart", "remove, delete", "", "",
+     "notice Your cart is empty = What you add is kept here for you."},
+    {"Shipping address", "check out, checkout", "", "",
+     "field Name | field Street | field City | button! Place order"},
+    {"Shipping address", "", "", "address",
+     "field Name = Ada Lind | field Street = 12 Harbour Street | field City = Northport |"
+     "button! Place order"},
+    {"Thank you", "place order, pay, buy", "", "",
+     "notice! Thank you = Your order number is 4711-0815. We write to you as soon as it is on its "
+     "way."},
+    {"Account", "account, profile, sign out, log out", "", "",
+     "field E-mail | field Password | button! Sign in"},
+    {"Account", "sign in, log in", "", "",
+     "notice! Hello, $typed = You are signed in. Your orders and addresses are kept here. |"
+     "button Sign out"},
+    {"Search", "magnifying, search", "", "", "back Back | searchField! Search | item Shop"},
+    {"Search", "", "searchField", "", "back Back | searchField Search = $typed | item $typed"},
+    {"Filter", "filter, refine", "", "",
+     "back Back | toggle! In stock only | slider Price = 0 – 60 | button! Show results"},
+    {"Results", "show results, results", "", "", "back Back | item $typed"},
     otherTab,
-    phonePage,
+    phone,
 };
 
-constexpr std::array walkPages{
-    Page{
-        .labels = "walks, back", .opener = Kind::appIcon, .words = openCommands, .parts = walkList},
-    Page{.labels = "save", .parts = longerWalkList},
-    Page{.title = "Record", .labels = "record, start", .parts = recording},
-    Page{.title = "Record", .labels = "stop, finish", .parts = recorded},
-    Page{.title = "Settings", .labels = "settings, preferences", .parts = settings},
-    Page{.title = "Units", .labels = "units", .parts = units},
+constexpr Page walkPages[]{
+    {"$app", "walks, back", "appIcon", openCommands,
+     "heading My walks | item $chosen | roundButton! Record"},
+    {"$app", "save", "", "",
+     "heading My walks | item Today's walk = 0.4 km | item $chosen | roundButton! Record"},
+    {"Record", "record, start", "", "", "picture Recording = GPS | button! Stop"},
+    {"Record", "stop, finish", "", "", "picture Recorded = 0.4 km | button! Save"},
+    {"Settings", "settings, preferences", "", "", "row Units = $chosen | toggle! Spoken splits"},
+    {"Units", "units", "", "", "back Back | row Kilometres | row Miles"},
     otherTab,
-    phonePage,
+    phone,
 };
 
-constexpr PagePart shopTabs[]{{Kind::tab, "Shop"}, {Kind::tab, "Cart"}, {Kind::tab, "Account"}};
-constexpr PagePart walkTabs[]{{Kind::tab, "Walks"}, {Kind::tab, "Map"}, {Kind::tab, "Settings"}};
-
-constexpr std::array allApps{
-    App{"walk walks trail hike", walkTabs, walkPages},
-    App{"", shopTabs, shopPages},
-};
+constexpr App shop{"tab Shop | tab Cart | tab Account", shopPages};
+constexpr App walks{"tab Walks | tab Map | tab Settings", walkPages};
 
 }  // namespace
 
-std::span<const App> apps() {
-  return allApps;
+const App& appCalled(std::string_view name) {
+  const std::string lower = asciiLowercase(name);
+  const bool isAboutWalks = std::ranges::any_of(
+      split(lower), [](auto word) { return isOneOf("walk walks trail hike", word); });
+  return isAboutWalks ? walks : shop;
 }
 
-std::vector<Element> itemsFor(Element element) {
-  const bool isCard = element.kind == Kind::card;
-  const bool isItem = isCard || element.kind == Kind::goods || element.kind == Kind::walk;
-  if (!isItem || !element.detail.empty()) return {std::move(element)};
+std::string_view nameOf(Kind kind) {
+  return kindNames[static_cast<std::size_t>(kind)];
+}
+
+std::vector<Element> elementsOf(std::string_view text) {
+  std::vector<Element> elements;
+  for (const auto part : split(text, "|")) {
+    const auto kindEnd = std::min(part.find(' '), part.size());
+    const bool isStrong = part[kindEnd - 1] == '!';
+    const auto* const kind = std::ranges::find(kindNames, part.substr(0, kindEnd - isStrong));
+    if (kind == kindNames.end()) throw std::logic_error("no kind of element: " + std::string(part));
+    auto texts = split(part.substr(kindEnd), " = ");
+    texts.resize(2);
+    elements.push_back({static_cast<Kind>(kind - kindNames.begin()), std::string(texts[0]),
+                        std::string(texts[1]), isStrong});
+  }
+  return elements;
+}
+
+std::vector<Element> itemsFor(const Element& element) {
+  const bool isItem = element.kind == Kind::card || element.kind == Kind::item;
+  if (!isItem || !element.detail.empty()) return {element};
   const std::string wanted = asciiLowercase(element.label);
   std::vector<Element> found;
-  for (const auto& [kind, name, detail, group] : items) {
-    const std::string text = asciiLowercase(std::string(name) + "\n" + std::string(group));
-    if (kind != (isCard ? Kind::goods : element.kind) || text.find(wanted) == text.npos) continue;
-    found.push_back({element.kind, std::string(name), std::string(detail)});
+  for (const auto& [group, members] : items) {
+    for (auto& item : elementsOf(members)) {
+      const std::string names = asciiLowercase(item.label + "\n" + std::string(group));
+      item.kind = element.kind;
+      if (names.find(wanted) != names.npos) found.push_back(std::move(item));
+    }
   }
-  return found.empty() && !wanted.empty() ? itemsFor({element.kind}) : found;
+  return found;
 }
 
 }  // namespace corvane::standin

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <optional>
 #include <span>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -10,44 +8,38 @@
 
 namespace corvane::standin {
 
-/// An element of a page. A "$name" in its texts stands for what the story so far has there: the
-/// label that was `tapped` and the `price` beside it, what was last `typed`, the row that was
-/// `chosen` or the name of the `app`. Cards, goods and walks without a detail stand for all items
-/// of this name or group, or for all there are.
-struct PagePart {
-  Element::Kind kind;
-  std::string_view label;
-  std::string_view detail = {};
-  bool strong = false;
-  /// What stands for the detail in a test that finds a defect; the same when empty.
-  std::string_view defect = {};
-};
-
 /// A page of an app, and what leads to it.
 struct Page {
-  /// May have a "$name" in it.
-  std::string_view title = "$app";
+  std::string_view title;
   /// What the labels begin with that open it when they are tapped, separated by commas.
-  std::string_view labels = {};
-  /// What opens it whatever its label.
-  std::optional<Element::Kind> opener = std::nullopt;
+  std::string_view labels;
+  /// The name of the kind that opens it whatever its label.
+  std::string_view opener;
   /// The words in a command to the phone, or in a step made of other steps, that open it.
-  std::string_view words = {};
-  std::span<const PagePart> parts = {};
+  std::string_view words;
+  /// As elementsOf() reads them. A "$name" here or in the title stands for what the story so far
+  /// has there: the label that was `tapped` and the `price` beside it, what was last `typed`, the
+  /// row that was `chosen`, the `total` of a bill or the name of the `app`.
+  std::string_view elements;
 };
 
 struct App {
-  /// An app is this one when its name has one of these words in it.
-  std::string_view words;
-  std::span<const PagePart> tabs;
+  std::string_view tabs;
   /// The app begins with the first page, the phone with the last one, its own screen.
   std::span<const Page> pages;
 };
 
-/// The made-up apps; the last one stands for every other.
-[[nodiscard]] std::span<const App> apps();
+/// The made-up app that is shown for one of this name.
+[[nodiscard]] const App& appCalled(std::string_view name);
 
-/// What an element stands for: itself, or cards, goods or walks. Capitals do not matter.
-[[nodiscard]] std::vector<Element> itemsFor(Element element);
+[[nodiscard]] std::string_view nameOf(Element::Kind kind);
+
+/// Reads "kind label = detail | kind! label": with "!" an element is strong. Throws
+/// std::logic_error for a kind that there is not.
+[[nodiscard]] std::vector<Element> elementsOf(std::string_view text);
+
+/// What an element stands for: itself or, for a card or an item without a detail, all of this name
+/// or group. Capitals do not matter.
+[[nodiscard]] std::vector<Element> itemsFor(const Element& element);
 
 }  // namespace corvane::standin

@@ -14,11 +14,6 @@ struct Point {
   double y = 0;
 };
 
-struct Size {
-  double width = 0;
-  double height = 0;
-};
-
 struct Rect {
   double x = 0;
   double y = 0;
@@ -31,7 +26,6 @@ struct Rect {
   [[nodiscard]] Rect inset(double horizontally, double vertically) const {
     return {x + horizontally, y + vertically, width - 2 * horizontally, height - 2 * vertically};
   }
-  [[nodiscard]] Rect inset(double by) const { return inset(by, by); }
 };
 
 /// One piece of what a screen shows.
@@ -45,14 +39,12 @@ struct Element {
     heading,
     paragraph,
     card,
-    goods,
-    walk,
+    item,
     row,
     field,
     toggle,
     slider,
-    hero,
-    map,
+    picture,
     notice,
     /// At the foot of the page.
     amount,
@@ -76,10 +68,8 @@ struct Element {
   /// chosen, the total of a bill, the button that leads on, a slider that was moved.
   bool strong = false;
   bool enabled = true;
-  /// The button under a row, which comes out when the row is swiped aside.
+  /// The button under a row that was swiped aside.
   std::string buttonUnder = {};
-  /// Whether a row was swiped aside or the handle of a slider was dragged.
-  bool moved = false;
 
   [[nodiscard]] bool takesText() const {
     return kind == Kind::field || kind == Kind::searchField || kind == Kind::dialogField;
@@ -88,9 +78,7 @@ struct Element {
 
 /// What a phone shows at a moment.
 struct Screen {
-  enum class Phone { ios, android };
-
-  Phone phone = Phone::ios;
+  bool isAndroid = false;
   std::string appName;
   /// As in "9:41".
   std::string time;
@@ -103,11 +91,6 @@ struct Screen {
 
   [[nodiscard]] bool has(Element::Kind kind) const {
     return std::ranges::find(elements, kind, &Element::kind) != elements.end();
-  }
-  /// Whether the keyboard is out, which it is while a field is in use.
-  [[nodiscard]] bool hasKeyboard() const {
-    return std::ranges::any_of(elements,
-                               [](const Element& e) { return e.takesText() && e.strong; });
   }
 };
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 #include <map>
+#include <regex>
 #include <utility>
 
 #include "CorvaneCore/text/Unicode.h"
@@ -15,6 +15,51 @@ namespace {
 
 using Kind = Element::Kind;
 
+/// What people call the parts of a screen.
+constexpr std::pair<std::string_view, Kind> kindWords[]{
+    {"button", Kind::button},
+    {"tab", Kind::tab},
+    {"field box", Kind::field},
+    {"product item", Kind::item},
+    {"row entry cell option link", Kind::row},
+    {"heading title text message list page screen", Kind::heading},
+    {"handle slider", Kind::slider},
+    {"switch toggle", Kind::toggle}};
+
+std::optional<Kind> kindOf(const std::string& word) {
+  const std::string lower = asciiLowercase(word);
+  for (const auto& [words, kind] : kindWords) {
+    if (isOneOf(words, lower)) return kind;
+  }
+  return std::nullopt;
+}
+
+std::vector<NamedPart> quotedParts(const std::string& text) {
+  // The word before it, the name in one of three kinds of quotes and the word after it. An
+  // apostrophe, which has a letter before it or after it, is no quote.
+  static const std::regex quoted(
+      R"re((\w*)(?: of)? *(?:"([^"]*)"|“(.*?)”|\B'(.+?)'\B)(?= *(\w*)))re");
+  std::vector<NamedPart> parts;
+  for (std::sregex_iterator at(text.begin(), text.end(), quoted), end; at != end; ++at) {
+    const auto& match = *at;
+    const auto before = kindOf(match.str(1));
+    const std::string label = match.str(2) + match.str(3) + match.str(4);
+    if (!label.empty()) parts.push_back({before ? before : kindOf(match.str(5)), label});
+  }
+  return parts;
+}
+
+/// What a tap such as "Tap the Log in button at the top" names without quotes.
+std::vector<NamedPart> unquotedPart(const std::string& text) {
+  static const std::regex tap(
+      "(?:(?:tap|press|click) )?(?:on )?(?:the |a )?(.*?)(?: (button|tab|field|row))?"
+      "(?: (?:in|at|on) the .*)?",
+      std::regex::icase);
+  std::smatch match;
+  if (!std::regex_match(text, match, tap) || match.length(1) == 0) return {};
+  return {{kindOf(match.str(2)), capitalised(match.str(1))}};
+}
+
 bool isInside(std::string_view whole, std::string_view part) {
   return asciiLowercase(whole).find(asciiLowercase(part)) != std::string::npos;
 }
@@ -24,22 +69,33 @@ bool isSame(std::string_view a, std::string_view b) {
 }
 
 /// What a step that healed found in the place of what it looked for, when the outcome tells.
-std::optional<std::string> foundInstead(const TestOutcome& outcome) {
-  constexpr std::string_view lead = " as \"";
+std::string foundInstead(const TestOutcome& outcome) {
   const std::string reason = outcome.failureReason.value_or("");
-  const auto start = reason.find(lead);
-  if (outcome.kind != TestOutcome::Kind::healed || start == reason.npos) return std::nullopt;
-  const auto begin = start + lead.size();
-  return reason.substr(begin, reason.find('"', begin) - begin);
+  const auto start = reason.find(" as \"");
+  if (outcome.kind != TestOutcome::Kind::healed || start == reason.npos) return "";
+  const StepWords words("", reason.substr(start));
+  return words.parts.empty() ? "" : words.parts.front().label;
+}
+
+bool isOfDialog(const Element& element) {
+  return nameOf(element.kind).starts_with("dialog");
 }
 
 /// Tells a test step by step: `screen` is what the phone shows.
 class Teller {
  public:
-  Teller(const PlannedTest& test, const std::vector<StepWords>& steps, const App& app,
-         Screen firstScreen)
-      : test(test), steps(steps), app(app), screen(std::move(firstScreen)) {
-    values = {{"app", screen.appName}, {"tapped", ""}, {"typed", ""}, {"chosen", "Kilometres"}};
+  Teller(const PlannedTest& test, const std::vector<StepWords>& steps, Screen firstScreen)
+      : test(test),
+        steps(steps),
+        app(appCalled(firstScreen.appName)),
+        screen(std::move(firstScreen)) {
+    const bool findsDefect = test.outcome.kind == TestOutcome::Kind::failed;
+    values = {{"app", screen.appName},
+              {"chosen", "Kilometres"},
+              {"total", findsDefect ? "64.00" : "57.60"},
+              {"tapped", ""},
+              {"price", ""},
+              {"typed", ""}};
   }
 
   std::vector<Screen> tell() {
@@ -61,42 +117,35 @@ class Teller {
 
  private:
   void open(const Page& page) {
+    auto elements = elementsOf(page.elements);
     closeDialog();
     leaveFields();
-    if (page.parts.front().kind != Kind::dialog) {
+    if (!isOfDialog(elements.front())) {
       // The tabs stay, and what a test calls a tab is one.
-      std::erase_if(screen.elements, [](const Element& each) { return each.kind != Kind::tab; });
-      const bool isHomeScreen = &page == &app.pages.back();
-      if (isHomeScreen) screen.elements.clear();
-      if (!isHomeScreen && screen.elements.empty()) addAll(app.tabs);
+      const auto tabs = elementsOf(app.tabs);
+      const bool isPhone = &page == &app.pages.back();
+      std::erase_if(screen.elements,
+                    [=](const Element& each) { return isPhone || each.kind != Kind::tab; });
+      if (!isPhone && screen.elements.empty()) screen.elements = tabs;
       screen.scrolled = false;
       screen.title = substituteParameters(page.title, values);
-      const std::string tab(&page == &app.pages.front() ? app.tabs.front().label : screen.title);
-      select(Kind::tab, tab);
+      select(Kind::tab, &page == &app.pages.front() ? tabs.front().label : screen.title);
     }
-    addAll(page.parts);
-  }
-
-  void addAll(std::span<const PagePart> parts) {
-    const bool findsDefect = test.outcome.kind == TestOutcome::Kind::failed;
-    for (const auto& part : parts) {
-      const auto detail = findsDefect && !part.defect.empty() ? part.defect : part.detail;
-      Element element{part.kind, substituteParameters(part.label, values),
-                      substituteParameters(detail, values), part.strong};
+    for (auto& element : elements) {
+      element.label = substituteParameters(element.label, values);
+      element.detail = substituteParameters(element.detail, values);
       if (element.kind == Kind::row && element.label == values["chosen"]) element.strong = true;
-      std::ranges::move(itemsFor(std::move(element)), std::back_inserter(screen.elements));
+      for (auto& item : itemsFor(element)) screen.elements.push_back(std::move(item));
     }
   }
 
   /// Sees to it that what a step names is on the screen, or is not when the step fails by that.
   void prepare(std::size_t i) {
     const StepWords& step = steps[i];
-    const bool isMissing = fails(i, "missing found");
     for (const auto& part : step.parts) {
       const bool isTitle = step.act == ScreenAct::look && isInside(screen.title, part.label);
-      if (isMissing) {
-        std::erase_if(screen.elements,
-                      [&](const Element& e) { return isSame(e.label, part.label); });
+      if (fails(i, "missing found")) {
+        std::erase_if(screen.elements, [&](const auto& e) { return isSame(e.label, part.label); });
       } else if (!isTitle && !placeOf(part, step.act)) {
         add(part, step.act);
       }
@@ -154,31 +203,29 @@ class Teller {
 
   /// The page that a step opens; null when the one in sight stays.
   [[nodiscard]] const Page* pageAfter(const StepWords& step, const Element* subject) const {
-    switch (step.act) {
-      case ScreenAct::command:
-      case ScreenAct::fillForm:
-      case ScreenAct::otherSteps:
-        if (step.speakOf("return enter") && screen.has(Kind::searchField)) {
-          return pageWhere([](const Page& page) { return page.opener == Kind::searchField; });
-        }
-        return pageWhere([&step](const Page& page) { return step.speakOf(page.words); });
-      case ScreenAct::tap:
-        return subject ? pageOpenedBy(*subject, step.parts.front().label) : nullptr;
-      default:
-        return nullptr;
+    if (step.act == ScreenAct::tap) {
+      return subject ? pageOpenedBy(*subject, step.parts.front().label) : nullptr;
     }
+    if (step.act != ScreenAct::command && step.act != ScreenAct::fillForm &&
+        step.act != ScreenAct::otherSteps) {
+      return nullptr;
+    }
+    const bool isSearch = step.speakOf("return enter") && screen.has(Kind::searchField);
+    return pageWhere([&](const Page& page) {
+      return isSearch ? page.opener == nameOf(Kind::searchField) : step.speakOf(page.words);
+    });
   }
 
   [[nodiscard]] const Page* pageOpenedBy(const Element& tapped, std::string_view label) const {
     if (tapped.takesText() || isChoice(tapped) || !tapped.enabled) return nullptr;
     const std::string wanted = asciiLowercase(label) + " ";
-    const auto* const named = pageWhere([&wanted](const Page& page) {
+    const Page* const named = pageWhere([&wanted](const Page& page) {
       return std::ranges::any_of(split(page.labels, ","), [&wanted](std::string_view front) {
         return wanted.starts_with(std::string(front) + " ");
       });
     });
-    return named ? named
-                 : pageWhere([&tapped](const Page& page) { return page.opener == tapped.kind; });
+    if (named) return named;
+    return pageWhere([&tapped](const Page& page) { return page.opener == nameOf(tapped.kind); });
   }
 
   template <class Predicate>
@@ -189,9 +236,8 @@ class Teller {
 
   /// Whether it is one of several rows, one of which is chosen.
   [[nodiscard]] bool isChoice(const Element& element) const {
-    return element.kind == Kind::row && std::ranges::any_of(screen.elements, [](const Element& e) {
-             return e.kind == Kind::row && e.strong;
-           });
+    return element.kind == Kind::row &&
+           last([](const Element& e) { return e.kind == Kind::row && e.strong; });
   }
 
   void take(std::size_t i, Element* subject) {
@@ -202,9 +248,9 @@ class Teller {
     if (step.act == ScreenAct::tap) touch(*subject);
     if (step.act == ScreenAct::type) type(*subject, step.description);
     if (step.act != ScreenAct::drag) return;
-    subject->moved = true;
     const bool isTapNext = i + 1 < steps.size() && steps[i + 1].act == ScreenAct::tap;
     if (subject->kind == Kind::slider) {
+      subject->strong = true;
       subject->detail = "0 – 30";
     } else if (isTapNext && !steps[i + 1].parts.empty()) {
       subject->buttonUnder = steps[i + 1].parts.front().label;
@@ -219,17 +265,16 @@ class Teller {
       element.strong = true;
     } else if (element.kind == Kind::toggle) {
       element.strong = !element.strong;
-    } else if (element.kind == Kind::tab || isChoice(element)) {
-      if (element.kind == Kind::row) values["chosen"] = element.label;
-      select(element.kind, values["tapped"]);
+    } else if (isChoice(element)) {
+      values["chosen"] = element.label;
+      select(Kind::row, values["chosen"]);
     } else if (element.kind == Kind::dialogButton) {
       closeDialog();
     }
   }
 
   void select(Kind kind, std::string_view label) {
-    const auto isMeant = [&](const Element& e) { return e.kind == kind && e.label == label; };
-    if (std::ranges::none_of(screen.elements, isMeant)) return;
+    if (!last([&](const Element& e) { return e.kind == kind && e.label == label; })) return;
     for (auto& element : screen.elements) {
       if (element.kind == kind) element.strong = element.label == label;
     }
@@ -251,12 +296,7 @@ class Teller {
     }
   }
 
-  void closeDialog() {
-    std::erase_if(screen.elements, [](const Element& element) {
-      return element.kind == Kind::dialog || element.kind == Kind::dialogField ||
-             element.kind == Kind::dialogButton;
-    });
-  }
+  void closeDialog() { std::erase_if(screen.elements, isOfDialog); }
 
   const PlannedTest& test;
   const std::vector<StepWords>& steps;
@@ -266,37 +306,46 @@ class Teller {
   std::vector<Screen> screens;
 };
 
-const App& appCalled(std::string_view name) {
-  const auto known = apps();
-  const auto found = std::ranges::find_if(
-      known, [name](const App& app) { return StepWords("", name).speakOf(app.words); });
-  return found == known.end() ? known.back() : *found;
+/// Files need no more than this.
+double rounded(double share) {
+  return std::round(share * 10'000) / 10'000;
 }
 
 Touch drag(Point from, Point to) {
-  // Files need no more than this.
-  const auto rounded = [](double share) { return std::round(share * 10'000) / 10'000; };
   return {rounded(from.x), rounded(from.y), rounded(to.x), rounded(to.y)};
-}
-
-Touch dragTouch(const StepWords& step, Point from) {
-  if (step.speakOf("handle slider middle")) return drag(from, {0.5, from.y});
-  if (step.speakOf("left")) return drag({0.84, from.y}, {0.1, from.y});
-  return drag({0.16, from.y}, {0.9, from.y});
 }
 
 }  // namespace
 
+StepWords::StepWords(std::string_view interactionType, std::string_view wholeDescription) {
+  // Nobody reads more on a screen.
+  constexpr std::size_t longest = 400;
+  description = toValidUtf8(wholeDescription.substr(0, longest));
+  if (const auto type = fromRawValue<InteractionType>(interactionType)) act = stepType(*type).act;
+  // What is typed is no description, and what other tests do is not on this screen.
+  if (act == ScreenAct::type || act == ScreenAct::otherSteps) return;
+  while (description.ends_with('.')) description.pop_back();
+  parts = quotedParts(description);
+  if (act == ScreenAct::tap && parts.empty()) parts = unquotedPart(description);
+}
+
+bool StepWords::speakOf(std::string_view words) const {
+  const std::string lower = asciiLowercase(description);
+  return std::ranges::any_of(split(lower),
+                             [words](std::string_view word) { return isOneOf(words, word); });
+}
+
 ScreenStory::ScreenStory(const PlannedTest& test, const std::string& appName,
                          const std::string& platform) {
   for (const auto& step : test.steps) steps.emplace_back(step.type, step.description);
-  if (const auto instead = foundInstead(test.outcome); instead && test.turningStep < steps.size()) {
-    for (auto& part : steps[test.turningStep].parts) part.label = *instead;
+  const std::string instead = foundInstead(test.outcome);
+  if (!instead.empty() && test.turningStep < steps.size()) {
+    for (auto& part : steps[test.turningStep].parts) part.label = instead;
   }
   Screen first;
-  first.phone = platform == "android" ? Screen::Phone::android : Screen::Phone::ios;
+  first.isAndroid = platform == "android";
   first.appName = appName;
-  screens = Teller(test, steps, appCalled(appName), std::move(first)).tell();
+  screens = Teller(test, steps, std::move(first)).tell();
 }
 
 std::vector<Touch> touchesOf(const StepWords& step, const std::optional<Rect>& target) {
@@ -305,13 +354,14 @@ std::vector<Touch> touchesOf(const StepWords& step, const std::optional<Rect>& t
     const double from = step.speakOf("up") ? 0.34 : 0.74;
     return {drag({0.5, from}, {0.5, 1.08 - from})};
   }
-  if (!target) return {};
+  if (!target || (step.act != ScreenAct::drag && step.act != ScreenAct::tap)) return {};
   const Point at = target->centre();
-  if (step.act == ScreenAct::drag) return {dragTouch(step, at)};
-  if (step.act != ScreenAct::tap) return {};
-  Touch touch = drag(at, at);
-  touch.endX = touch.endY = std::nullopt;
-  return {touch};
+  if (step.act == ScreenAct::drag) {
+    if (step.speakOf("handle slider middle")) return {drag(at, {0.5, at.y})};
+    const bool isLeft = step.speakOf("left");
+    return {drag({isLeft ? 0.84 : 0.16, at.y}, {isLeft ? 0.1 : 0.9, at.y})};
+  }
+  return {{rounded(at.x), rounded(at.y), std::nullopt, std::nullopt}};
 }
 
 }  // namespace corvane::standin

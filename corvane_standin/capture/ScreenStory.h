@@ -3,31 +3,47 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "CorvaneCore/capture/CaptureSession.h"
 #include "corvane_standin/capture/Screen.h"
-#include "corvane_standin/capture/StepWords.h"
 #include "corvane_standin/runs/TestRun.h"
+#include "corvane_standin/steps/Steps.h"
 
 namespace corvane::standin {
 
-/// Makes up the screens that a test comes by: pages on which there is what its steps speak of, in
-/// the state that the steps before have brought about.
-class ScreenStory {
- public:
+/// Something on the screen that a step speaks of.
+struct NamedPart {
+  /// Nothing when the step does not say what it is.
+  std::optional<Element::Kind> kind;
+  std::string label;
+};
+
+/// What a step's description, written for people, says about the screen.
+struct StepWords {
+  /// A step of a type that this build does not know is one that looks.
+  StepWords(std::string_view interactionType, std::string_view description);
+
+  /// Whether one of `words`, which are separated by spaces, is a word of the description; capitals
+  /// do not matter.
+  [[nodiscard]] bool speakOf(std::string_view words) const;
+
+  ScreenAct act = ScreenAct::look;
+  std::string description;
+  /// What it names in quotes; for a tap without quotes what is left without the verb.
+  std::vector<NamedPart> parts;
+};
+
+/// The screens that a test comes by: pages on which there is what its steps speak of, in the state
+/// that the steps before have brought about.
+struct ScreenStory {
   /// `appName` is what the app is called, on `platform` as results have it.
   ScreenStory(const PlannedTest& test, const std::string& appName, const std::string& platform);
 
-  /// What the phone shows before a step, or after the last one, with what the step is going to
-  /// touch as its target.
-  [[nodiscard]] const Screen& screenAt(std::size_t step) const { return screens.at(step); }
-  [[nodiscard]] std::size_t stepCount() const { return steps.size(); }
-  [[nodiscard]] const StepWords& words(std::size_t step) const { return steps[step]; }
-
- private:
   std::vector<StepWords> steps;
-  /// One more than there are steps.
+  /// What the phone shows before each step and after the last one, with what the step is going to
+  /// touch as its target.
   std::vector<Screen> screens;
 };
 

@@ -11,8 +11,8 @@
 #include "CorvaneCore/results/AgentRunResult.h"
 #include "CorvaneCore/workspace/AgentActivity.h"
 #include "corvane_standin/Settings.h"
-#include "corvane_standin/capture/Captures.h"
 #include "corvane_standin/program/Environment.h"
+#include "corvane_standin/runs/TestCapture.h"
 #include "corvane_standin/workspace/Workspace.h"
 
 namespace corvane::standin {

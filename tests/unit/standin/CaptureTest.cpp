@@ -129,19 +129,25 @@ TEST_F(CaptureTest, SwitchedOffNothingIsRecorded) {
 }
 
 TEST_F(CaptureTest, TheSessionsOfOldRunsAreRemoved) {
-  const auto name = [](unsigned number) {
-    const std::string digits = std::to_string(number);
-    return std::string(6 - digits.size(), '0') + digits + "-old";
+  // The names do not follow the ages.
+  const auto runFolder = [this](unsigned age) {
+    return captures() / ("00000000-0000-4000-8000-0000000000" + std::to_string(age * 7 % 30 + 10));
   };
-  for (unsigned i = 1; i <= 30; ++i)
-    writeFileWhole(captures() / name(i) / "1" / "session.json", "{}");
+  const auto newest = std::filesystem::file_time_type::clock::now();
+  for (unsigned age = 0; age < 30; ++age) {
+    writeFileWhole(runFolder(age) / "1" / "session.json", "{}");
+    std::filesystem::last_write_time(runFolder(age), newest - std::chrono::hours(age + 1));
+  }
   writeFileWhole(captures() / "notes.txt", "mine");
+  std::filesystem::create_directory(captures() / "my own");
   start();
   const auto last = finalResult(drop({"Browse the catalogue"}));
-  EXPECT_TRUE(last.trace.value().artifactsDir.ends_with("000031-" + last.requestId + "/1"));
-  EXPECT_FALSE(fileExists(captures() / name(11)));
-  EXPECT_TRUE(fileExists(captures() / name(12)));
+  EXPECT_TRUE(last.trace.value().artifactsDir.ends_with("Captures/" + last.requestId + "/1"));
+  EXPECT_TRUE(fileExists(runFolder(18)));
+  EXPECT_FALSE(fileExists(runFolder(19)));
+  EXPECT_FALSE(fileExists(runFolder(29)));
   EXPECT_TRUE(fileExists(captures() / "notes.txt"));
+  EXPECT_TRUE(fileExists(captures() / "my own"));
 }
 
 TEST_F(CaptureTest, AFolderThatIsTakenAwayIsNotBroughtBack) {

@@ -24,9 +24,8 @@ class TestCapture {
  public:
   /// `folder` exists and is empty. The others outlive this.
   TestCapture(std::filesystem::path folder, ScreenStory story, const Clock& clock,
-              const StandInLog& log);
-  TestCapture(const TestCapture&) = delete;
-  TestCapture& operator=(const TestCapture&) = delete;
+              const StandInLog& log)
+      : folder(std::move(folder)), story(std::move(story)), clock(clock), log(log) {}
 
   void beforeStep(std::size_t step);
   /// Follows beforeStep for the same step.
@@ -37,9 +36,9 @@ class TestCapture {
 
  private:
   void record(std::size_t step, FrameStatus status, std::size_t moment);
-  /// The touches of the step that begins at `moment`, of which it writes the picture.
+  /// Writes a moment's picture and gives the touches of the step that begins with it.
   [[nodiscard]] std::vector<Touch> writeScreen(std::size_t moment,
-                                               const std::filesystem::path& file) const;
+                                               const std::filesystem::path& file);
 
   std::filesystem::path folder;
   ScreenStory story;
@@ -53,8 +52,8 @@ class TestCapture {
   bool ended = false;
 };
 
-/// The capture sessions of this home: a folder for each run, numbered in their order, with a folder
-/// for each of its tests. Those of old runs are removed as new ones begin.
+/// The capture sessions of this home: a folder for each run with a folder for each of its tests.
+/// Those of old runs are removed as new ones begin.
 class Captures {
  public:
   static constexpr std::size_t keptRuns = 20;
@@ -63,19 +62,15 @@ class Captures {
   /// `enabled`. `clock` and `log` outlive this.
   Captures(std::filesystem::path folder, bool enabled, const Clock& clock, const StandInLog& log)
       : folder(std::move(folder)), enabled(enabled), clock(clock), log(log) {}
-  Captures(const Captures&) = delete;
-  Captures& operator=(const Captures&) = delete;
 
   /// Begins the session of a run's next test; null when nothing is recorded. What is returned does
   /// not outlive this.
-  [[nodiscard]] std::unique_ptr<TestCapture> begin(std::string_view requestId,
+  [[nodiscard]] std::unique_ptr<TestCapture> begin(const std::string& requestId,
                                                    const PlannedTest& test,
                                                    const std::string& appName,
-                                                   const std::string& platform);
+                                                   const std::string& platform) const;
 
  private:
-  [[nodiscard]] std::filesystem::path folderOf(std::string_view requestId) const;
-
   std::filesystem::path folder;
   bool enabled;
   const Clock& clock;
