@@ -96,10 +96,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (!value) return 0;
   require(same(*value, other), "both libraries read the same value");
 
+  // A double that is whole is an integer from then on.
   const std::string written = toJson(*value);
-  require(corvane::readJson(written) == *value, "what was written reads back");
-  require(toJson(corvane::readJson(written)) == written, "writing twice gives the same text");
-  require(corvane::readJson(toJson(*value, corvane::SlashStyle::escaped)) == *value,
+  const auto again = corvane::readJson(written);
+  require(same(again, other), "what was written reads back");
+  require(toJson(again) == written, "writing twice gives the same text");
+  require(corvane::readJson(toJson(*value, corvane::SlashStyle::escaped)) == again,
           "escaped slashes read back");
   return 0;
 }

@@ -149,11 +149,8 @@ std::optional<JsonNumber> parseJsonNumber(std::string_view literal) {
   }
   const double value = nearestDouble(literal);
   if (!std::isfinite(value)) return std::nullopt;
-  // What a double can only hold as a whole number would be read as an integer once it was written.
-  if (std::trunc(value) == value && std::abs(value) < 0x1p63) {
-    return static_cast<std::int64_t>(value);
-  }
-  return value;
+  // A value too small for a double has no sign left that would be worth writing.
+  return value == 0 ? 0.0 : value;
 }
 
 bool isJsonNumber(std::string_view literal) {

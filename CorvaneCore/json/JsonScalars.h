@@ -12,8 +12,7 @@ namespace corvane {
 using JsonNumber = std::variant<std::int64_t, double>;
 
 /// Reads a JSON number literal: exactly when its value is such an integer, else as the nearest
-/// double, which is an integer again when it is whole and fits 64 bits. Nothing when `literal` is
-/// not one, or when its value lies beyond a double.
+/// double, whole or not. Nothing when `literal` is not one, or when its value lies beyond a double.
 [[nodiscard]] std::optional<JsonNumber> parseJsonNumber(std::string_view literal);
 
 /// Whether parseJsonNumber() would read `literal`.

@@ -180,7 +180,8 @@ void JsonWriter::integer(std::int64_t value) {
 void JsonWriter::number(double value) {
   if (!std::isfinite(value)) throw EncodeError("a number that is not finite has no JSON form");
   const double magnitude = std::abs(value);
-  const bool fixed = magnitude == 0 || (magnitude >= 1e-5 && magnitude < 1e16);
+  // What will be read as an integer is written as one, in all its digits.
+  const bool fixed = magnitude == 0 || (magnitude >= 1e-5 && magnitude < 0x1p63);
   constexpr std::size_t longest = 40;
   char* const out = beginValue(longest);
   put(std::to_chars(out, out + longest, value,

@@ -51,7 +51,8 @@ class JsonWriter final : public JsonSink {
   void null() override;
   void boolean(bool value) override;
   void integer(std::int64_t value) override;
-  /// Writes the shortest digits that read back to the same double.
+  /// Writes the shortest digits that read back to the same double; all of them for a whole number
+  /// that reads back as an integer.
   /// Throws EncodeError for infinities and NaN, which JSON cannot hold.
   void number(double value) override;
   void string(std::string_view value) override;

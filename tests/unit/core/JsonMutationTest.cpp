@@ -125,9 +125,10 @@ TEST(JsonMutationTest, DamagedTextsAreRefusedInOneLineOrReachAFixedPoint) {
     ASSERT_TRUE(isValidUtf8(text));
     const std::string written = toJson(value);
     EXPECT_TRUE(isValidUtf8(written));
+    // A double that is whole is an integer from then on.
     const AnyCodable again = readJson(written);
-    EXPECT_EQ(again, value) << text;
     EXPECT_EQ(toJson(again), written) << text;
+    EXPECT_EQ(readJson(toJson(again)), again) << text;
   }
   // Both outcomes are common, so the test looks at both.
   EXPECT_GT(accepted, 1'000);

@@ -25,9 +25,6 @@ TEST(JsonNumberTest, WholeNumbersWithin64BitsAreIntegersHoweverSpelled) {
       {"0e999999999999999999999", 0},
       {"0.000e-999999999999999999999", 0},
       {"0e9223372036854775807", 0},
-      {"2e-9223372036854775807", 0},
-      {"2e-9223372036854775808", 0},
-      {"2e-9223372036854775809", 0},
       {"7", 7},
       {"7.0", 7},
       {"1e3", 1000},
@@ -87,19 +84,24 @@ TEST(JsonNumberTest, OtherNumbersAreDoubles) {
   }
 }
 
-TEST(JsonNumberTest, ANumberThatADoubleCanOnlyHoldAsAWholeOneIsAnInteger) {
-  // Else it would come back as another kind once it was written and read again.
+// Fails when the double is looked at instead of the digits: all of these round to whole numbers.
+TEST(JsonNumberTest, WhatIsNotWholeAsWrittenIsNoInteger) {
   const std::vector<Reading> readings{
-      {"1e-400", 0},
-      {"-1e-400", 0},
-      {"1.00000000000000000000001", 1},
-      {"0.99999999999999999999999", 1},
-      {"9007199254740993.5", 9007199254740994},
-      {"-4503599627370497.7500001", -4503599627370498},
-      {"1152921504606846976.3", 1152921504606846976},
+      {"1e-400", 0.0},
+      {"2e-9223372036854775807", 0.0},
+      {"2e-9223372036854775808", 0.0},
+      {"2e-9223372036854775809", 0.0},
+      {"-1e-400", 0.0},
+      {"1.0000000000000000000001", 1.0},
+      {"0.99999999999999999999999", 1.0},
+      {"9007199254740993.5", 9007199254740994.0},
+      {"-4503599627370497.7500001", -4503599627370498.0},
+      {"1152921504606846976.3", 1152921504606846976.0},
   };
   for (const auto& [literal, value] : readings) {
     EXPECT_EQ(parseJsonNumber(literal), value) << literal;
+    const auto read = std::get<double>(parseJsonNumber(literal).value());
+    EXPECT_FALSE(std::signbit(read) && read == 0) << literal;
   }
 }
 

@@ -22,7 +22,9 @@ TEST(JSONRPCIDTest, KeepsItsKind) {
 TEST(JSONRPCIDTest, TakesWholeNumbersHoweverSpelled) {
   EXPECT_EQ(echoed("7.0"), "7");
   EXPECT_EQ(echoed("7e2"), "700");
+  EXPECT_EQ(echoed("1200e-2"), "12");
   EXPECT_EQ(echoed("-0"), "0");
+  EXPECT_EQ(echoed("-0.0"), "0");
   EXPECT_EQ(echoed("9223372036854775807.0"), "9223372036854775807");
   EXPECT_EQ(echoed("-9223372036854775808"), "-9223372036854775808");
 }
@@ -35,7 +37,8 @@ TEST(JSONRPCIDTest, HasItsCasesInOrder) {
 }
 
 TEST(JSONRPCIDTest, RefusesEverythingElse) {
-  for (const char* json : {"7.5", "9223372036854775808", "1e300", "true", "[]", "[7]", "{}"}) {
+  for (const char* json : {"7.5", "9223372036854775808", "1e300", "9007199254740993.5", "1e-400",
+                           "1.0000000000000000000001", "true", "[]", "[7]", "{}"}) {
     EXPECT_EQ(errorText<DecodeError>([&] { (void)AgentWire::decode<JSONRPCID>(json); }),
               "JSON-RPC id must be string, integer, or null")
         << json;
