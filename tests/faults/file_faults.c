@@ -3,8 +3,11 @@
  *   CORVANE_FAULT_ROOT     the folder; operations elsewhere are left alone
  *   CORVANE_FAULT_JOURNAL  a file outside of it that gets one line per operation, "open PATH"
  *   CORVANE_FAULT_AT       which operation, counted from 1; none when absent
- *   CORVANE_FAULT_AS       an errno value, "short" or "kill"
- *   CORVANE_FAULT_REFUSED  the name of operations that all fail, as where the system lacks them */
+ *   CORVANE_FAULT_AS       an errno value, "short", "kill", or "taken": another file appears there
+ * first CORVANE_FAULT_REFUSED  the name of operations that all fail, as where the system lacks them
+ *   CORVANE_FAULT_EXEC     "slow": between exec's closing of descriptors and the moment from which
+ * the system shows the new command line passes some time Starts of programs are in the journal,
+ * too, as "exec PATH", but are not counted. */
 #define _GNU_SOURCE
 #include <dirent.h>
 #include <dlfcn.h>
@@ -19,6 +22,7 @@
 #include <string.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <time.h>
 #include <unistd.h>
 
 enum { largestDescriptor = 1024 };
@@ -131,6 +135,18 @@ int close(int descriptor) {
   if (!failed) return result;
   errno = error;
   return -1;
+}
+
+/* In a forked child of a process with threads, so straight to the system. */
+int execv(const char* program, char* const* arguments) {
+  note("exec", program);
+  const char* exec = getenv("CORVANE_FAULT_EXEC");
+  if (exec && strcmp(exec, "slow") == 0) {
+    const struct timespec some = {0, 300 * 1000 * 1000};
+    syscall(SYS_close, STDERR_FILENO + 1);
+    syscall(SYS_nanosleep, &some, NULL);
+  }
+  return (int)syscall(SYS_execve, program, arguments, environ);
 }
 
 int rename(const char* from, const char* to) {
