@@ -65,6 +65,10 @@ static int faultOf(const char* operation, const char* what) {
   const char* as = getenv("CORVANE_FAULT_AS");
   if (!at || !as || number != atoi(at)) return 0;
   if (strcmp(as, "kill") == 0) raise(SIGKILL);
+  if (strcmp(as, "taken") == 0) {
+    syscall(SYS_close, syscall(SYS_openat, AT_FDCWD, what, O_WRONLY | O_CREAT | O_EXCL, 0666));
+    return 0;
+  }
   return strcmp(as, "short") == 0 ? -1 : atoi(as);
 }
 
@@ -135,6 +139,12 @@ int close(int descriptor) {
   if (!failed) return result;
   errno = error;
   return -1;
+}
+
+int dup(int descriptor) {
+  const int copy = NEXT(dup)(descriptor);
+  watch(copy, copy >= 0 && isWatched(descriptor));
+  return copy;
 }
 
 /* In a forked child of a process with threads, so straight to the system. */
