@@ -1,3 +1,4 @@
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -89,6 +90,8 @@ int run(const Options& options) {
     std::cerr << "Corvane: there is no home folder " << displayPath(paths.home()) << "\n";
     return 1;
   }
+  // Not even what a run captures is for others.
+  ::umask(S_IRWXG | S_IRWXO);
   ensureDirectoryExists(files.directory());
   // Before the lock is taken: from then on other processes may ask this one to stop.
   const StopSignals stop;

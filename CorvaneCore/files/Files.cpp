@@ -44,6 +44,43 @@ FileTime modificationTime(const struct stat& status) {
   return FileTime(std::chrono::seconds(seconds) + std::chrono::nanoseconds(time.tv_nsec));
 }
 
+/// Makes a folder with all its missing parents; tells what stands in the way.
+std::error_code makeFolders(const fs::path& folder, Access access) {
+  std::error_code trouble;
+  if (folder.empty() || fs::is_directory(folder, trouble)) return {};
+  trouble.clear();
+  fs::path next;
+  for (const auto& name : folder) {
+    next /= name;
+    if (::mkdir(next.c_str(), static_cast<mode_t>(access)) == 0 || errno == EEXIST) {
+      trouble.clear();
+    } else if (!trouble) {
+      trouble = lastError();
+    }
+  }
+  return trouble;
+}
+
+/// Takes from all others what they may do with `path`, when it is the user's own, and then with
+/// what it holds. What lies in a folder that was closed before is out of their reach.
+void closeToOthers(const fs::path& path) {
+  constexpr mode_t permissions = 07777;
+  constexpr mode_t ofOthers = S_IRWXG | S_IRWXO;
+  std::vector<fs::path> left{path};
+  while (!left.empty()) {
+    const fs::path next = std::move(left.back());
+    left.pop_back();
+    // What is asked about is what is changed, and never what a link leads to.
+    const FileDescriptor file(::open(next.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    struct stat status{};
+    if (::fstat(file.get(), &status) != 0 || status.st_uid != ::geteuid()) continue;
+    if ((status.st_mode & ofOthers) == 0) continue;
+    if (::fchmod(file.get(), status.st_mode & permissions & ~ofOthers) != 0) continue;
+    const auto inside = listVisible(next);
+    left.insert(left.end(), inside.begin(), inside.end());
+  }
+}
+
 }  // namespace
 
 std::optional<FileStamp> readStamp(const fs::path& path) {
@@ -86,12 +123,12 @@ std::string readFile(const fs::path& path, std::size_t limit, std::size_t spare)
   return contents;
 }
 
-void writeFileWhole(const fs::path& path, std::string_view contents) {
-  std::error_code error;
-  if (path.has_parent_path()) fs::create_directories(path.parent_path(), error);
-  if (error) throw FileError("write", path, error);
+void writeFileWhole(const fs::path& path, std::string_view contents, Access access) {
+  if (const auto error = makeFolders(path.parent_path(), access)) {
+    throw FileError("write", path, error);
+  }
   const auto writeAs = [&](TemporaryFile::Kind kind) {
-    TemporaryFile temporary(path, kind);
+    TemporaryFile temporary(path, kind, access);
     temporary.write(contents);
     return temporary.moveIntoPlace();
   };
@@ -101,7 +138,11 @@ void writeFileWhole(const fs::path& path, std::string_view contents) {
 
 void ensureDirectoryExists(const fs::path& directory) {
   std::error_code ignored;
-  if (!fileExists(directory)) fs::create_directories(directory, ignored);
+  if (fs::is_directory(directory, ignored)) {
+    closeToOthers(directory);
+  } else {
+    ignored = makeFolders(directory, Access::userOnly);
+  }
 }
 
 bool fileExists(const fs::path& path) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -80,13 +81,30 @@ inline constexpr std::size_t largestFile = std::size_t{64} << 20;
 [[nodiscard]] std::string readFile(const std::filesystem::path& path,
                                    std::size_t limit = largestFile, std::size_t spare = 0);
 
+/// Who may use a file that is made, and the folders that are made for it: the permissions that they
+/// have at most.
+enum class Access : mode_t {
+  /// The user alone. Requests carry passwords, and results what was on a screen.
+  userOnly = S_IRWXU,
+  /// Whomever the umask lets.
+  byUmask = S_IRWXU | S_IRWXG | S_IRWXO,
+};
+
+/// The mode that a file is opened with to be made.
+[[nodiscard]] constexpr mode_t fileMode(Access access) {
+  constexpr mode_t notExecutable = 0666;
+  return notExecutable & static_cast<mode_t>(access);
+}
+
 /// Writes the file whole or not at all: into a temporary file beside it, which is then moved into
 /// place. Missing folders are created first. On failure the file is as it was, nothing is left
 /// behind, and a FileError is thrown.
-void writeFileWhole(const std::filesystem::path& path, std::string_view contents);
+void writeFileWhole(const std::filesystem::path& path, std::string_view contents,
+                    Access access = Access::userOnly);
 
-/// Makes a folder with all its parents exist. Whatever already exists there is left alone; a
-/// failure is ignored, as the write that needs the folder reports its own.
+/// Makes a folder with all its missing parents exist, for the user alone. A folder of the user's
+/// own that is there and open to others is closed to them, with what it holds. Whatever else exists
+/// there is left alone; a failure is ignored, as the write that needs the folder reports its own.
 void ensureDirectoryExists(const std::filesystem::path& directory);
 
 /// Whether something exists at `path`, links followed.

@@ -16,16 +16,16 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr mode_t openToTheUmask = 0666;
-
 fs::path temporaryNameFor(const fs::path& path) {
   return path.parent_path() / ("." + makeRequestId() + ".tmp");
 }
 
 }  // namespace
 
-TemporaryFile::TemporaryFile(fs::path finalPath, Kind kind) : target(std::move(finalPath)) {
-  if (kind == Kind::named || !openNameless()) openNamed();
+TemporaryFile::TemporaryFile(fs::path finalPath, Kind kind, Access access)
+    : target(std::move(finalPath)) {
+  const mode_t mode = fileMode(access);
+  if (kind == Kind::named || !openNameless(mode)) openNamed(mode);
 }
 
 TemporaryFile::~TemporaryFile() {
@@ -57,19 +57,18 @@ bool TemporaryFile::moveIntoPlace() {
   return true;
 }
 
-bool TemporaryFile::openNameless() {
+bool TemporaryFile::openNameless(mode_t mode) {
 #ifdef O_TMPFILE
   const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
-  file = FileDescriptor(::open(folder.c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, openToTheUmask));
+  file = FileDescriptor(::open(folder.c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, mode));
 #endif
   // Whatever stands in the way of one with a name as well is told by that.
   return file.isOpen();
 }
 
-void TemporaryFile::openNamed() {
+void TemporaryFile::openNamed(mode_t mode) {
   auto chosen = temporaryNameFor(target);
-  file = FileDescriptor(
-      ::open(chosen.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, openToTheUmask));
+  file = FileDescriptor(::open(chosen.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
   if (!file.isOpen()) fail();
   name = std::move(chosen);
 }

@@ -20,7 +20,7 @@ class TemporaryFile {
     named,
   };
 
-  TemporaryFile(std::filesystem::path finalPath, Kind kind);
+  TemporaryFile(std::filesystem::path finalPath, Kind kind, Access access);
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
   ~TemporaryFile();
@@ -33,8 +33,8 @@ class TemporaryFile {
 
  private:
   /// Whether a file without a name was made.
-  [[nodiscard]] bool openNameless();
-  void openNamed();
+  [[nodiscard]] bool openNameless(mode_t mode);
+  void openNamed(mode_t mode);
   enum class Linked { yes, nameTaken, refused };
   /// Gives the nameless file the name `place`.
   [[nodiscard]] Linked link(const std::filesystem::path& place);

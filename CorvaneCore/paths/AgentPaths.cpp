@@ -5,19 +5,25 @@
 namespace corvane {
 
 void AgentPaths::ensureAgentImportsDirectoryExists() const {
-  ensureDirectoryExists(agentImportsDirectory());
+  ensure(agentImportsDirectory());
 }
 
 void AgentPaths::ensureAgentRunRequestsDirectoryExists() const {
-  ensureDirectoryExists(agentRunRequestsDirectory());
+  ensure(agentRunRequestsDirectory());
 }
 
 void AgentPaths::ensureAgentResultsDirectoryExists() const {
-  ensureDirectoryExists(agentResultsDirectory());
+  ensure(agentResultsDirectory());
 }
 
 void AgentPaths::ensureAgentMCPDirectoryExists() const {
-  ensureDirectoryExists(agentMCPDirectory());
+  ensure(agentMCPDirectory());
+}
+
+void AgentPaths::ensure(const std::filesystem::path& folder) const {
+  // What closes this one to others closes all of them.
+  ensureDirectoryExists(applicationSupport());
+  ensureDirectoryExists(folder);
 }
 
 }  // namespace corvane

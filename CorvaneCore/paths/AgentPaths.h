@@ -55,6 +55,8 @@ class AgentPaths {
   void ensureAgentMCPDirectoryExists() const;
 
  private:
+  void ensure(const std::filesystem::path& folder) const;
+
   UserFolders folders;
 };
 

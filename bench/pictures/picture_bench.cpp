@@ -74,7 +74,8 @@ void run(const std::vector<std::string>& arguments) {
   std::cout << R"({"milliseconds":)" << *std::min_element(milliseconds.begin(), milliseconds.end())
             << R"(,"grownKilobytes":)" << peak - residentBefore << R"(,"peakKilobytes":)" << peak
             << R"(,"bytes":)" << picture.size() << "}\n";
-  if (arguments.size() > 3) corvane::writeFileWhole(arguments[3], picture);
+  if (arguments.size() > 3)
+    corvane::writeFileWhole(arguments[3], picture, corvane::Access::byUmask);
 }
 
 }  // namespace

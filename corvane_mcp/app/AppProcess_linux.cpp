@@ -7,11 +7,13 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <climits>
 #include <csignal>
 #include <optional>
 #include <string>
 #include <system_error>
+#include <thread>
 
 #include "CorvaneCore/files/Files.h"
 #include "corvane_mcp/app/AppProcess.h"
@@ -51,19 +53,30 @@ std::optional<int> waitFor(pid_t child) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
+/// What is told about an application while it starts: its process id or, less than zero, the reason
+/// why it could not be started.
+using News = int;
+
+void tell(News news, int pipe) {
+  [[maybe_unused]] const ssize_t told = ::write(pipe, &news, sizeof news);
+}
+
 /// Tells why the application could not be started, and ends.
-[[noreturn]] void endWith(int reason, int errorPipe) {
-  [[maybe_unused]] const ssize_t told = ::write(errorPipe, &reason, sizeof reason);
+[[noreturn]] void endWith(int reason, int pipe) {
+  tell(-reason, pipe);
   ::_exit(1);
 }
 
 /// Runs in a fresh child of a process with threads, where only async-signal-safe calls are allowed.
-[[noreturn]] void becomeApplication(const char* program, int errorPipe) {
+[[noreturn]] void becomeApplication(const char* program, int pipe) {
   ::setsid();
   // A second fork, so that the application is nobody's child and is never waited for.
   const pid_t application = ::fork();
-  if (application < 0) endWith(errno, errorPipe);
-  if (application > 0) ::_exit(0);
+  if (application < 0) endWith(errno, pipe);
+  if (application > 0) {
+    tell(application, pipe);
+    ::_exit(0);
+  }
 
   struct sigaction defaultAction{};
   defaultAction.sa_handler = SIG_DFL;
@@ -74,19 +87,45 @@ std::optional<int> waitFor(pid_t child) {
 
   [[maybe_unused]] const int moved = ::chdir("/");
   // The pipe closes with a successful start as well, which is how its reader learns of it.
-  ::dup2(errorPipe, STDERR_FILENO + 1);
-  errorPipe = STDERR_FILENO + 1;
-  ::fcntl(errorPipe, F_SETFD, FD_CLOEXEC);
+  ::dup2(pipe, STDERR_FILENO + 1);
+  pipe = STDERR_FILENO + 1;
+  ::fcntl(pipe, F_SETFD, FD_CLOEXEC);
   const int nowhere = ::open("/dev/null", O_RDWR);
   for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) ::dup2(nowhere, stream);
-  const auto firstOther = static_cast<unsigned>(errorPipe) + 1;
+  const auto firstOther = static_cast<unsigned>(pipe) + 1;
   if (::syscall(SYS_close_range, firstOther, ~0U, 0) != 0) {
     const long limit = ::sysconf(_SC_OPEN_MAX);
-    for (int other = errorPipe + 1; other < limit; ++other) ::close(other);
+    for (int other = pipe + 1; other < limit; ++other) ::close(other);
   }
   std::array<char*, 2> arguments{const_cast<char*>(program), nullptr};
   ::execv(program, arguments.data());
-  endWith(errno, errorPipe);
+  endWith(errno, pipe);
+}
+
+/// The process id of the application that a child starts. Throws std::system_error when it could
+/// not be started.
+pid_t readNews(const FileDescriptor& pipe) {
+  pid_t application = -1;
+  while (true) {
+    News news = 0;
+    const ssize_t count = ::read(pipe.get(), &news, sizeof news);
+    if (count < 0 && errno == EINTR) continue;
+    if (count != static_cast<ssize_t>(sizeof news)) return application;
+    if (news < 0) throw std::system_error(-news, std::generic_category());
+    application = news;
+  }
+}
+
+/// Returns when the system shows `program` in the process's command line, which it does a moment
+/// after the pipe has closed, or when the process has ended. One that nobody reaps never seems to
+/// end, and is not waited for for long.
+void waitUntilShown(pid_t application, std::string_view program) {
+  constexpr int attempts = 1000;
+  const fs::path folder = fs::path("/proc") / std::to_string(application);
+  for (int i = 0; i < attempts && fileExists(folder); ++i) {
+    if (commandLine(folder).find(program) != std::string::npos) return;
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
 }
 
 }  // namespace
@@ -112,17 +151,12 @@ void AppProcess::start(const fs::path& bundle) {
   writeEnd.close();
 
   const auto status = waitFor(child);
-  int reason = 0;
-  ssize_t count = 0;
-  while ((count = ::read(readEnd.get(), &reason, sizeof reason)) < 0 && errno == EINTR) {
-  }
-  if (count == static_cast<ssize_t>(sizeof reason)) {
-    throw std::system_error(reason, std::generic_category());
-  }
+  const pid_t application = readNews(readEnd);
   // Where the status is not told, the pipe has told that the application runs.
   if (status.value_or(0) != 0) {
     throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
   }
+  waitUntilShown(application, program);
 }
 
 }  // namespace corvane

@@ -69,7 +69,8 @@ bool AppProcess::isRunning(std::string_view text) {
 
 void AppProcess::start(const std::filesystem::path& bundle) {
   const pid_t helper = spawnHelper({"/usr/bin/open", bundle.string()});
-  // Waited for only so that it does not stay behind as a zombie.
+  // Waited for only so that it does not stay behind as a zombie. The system itself starts an
+  // application once, however often it is opened before it can be seen to run.
   std::thread([helper] { waitFor(helper); }).detach();
 }
 

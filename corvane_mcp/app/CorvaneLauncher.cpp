@@ -1,8 +1,14 @@
 #include "corvane_mcp/app/CorvaneLauncher.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
+
+#include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <string>
 #include <system_error>
+#include <thread>
 #include <vector>
 
 #include "CorvaneCore/files/Files.h"
@@ -26,6 +32,18 @@ bool isDevelopmentBuild(const fs::path& path) {
 FileTime modifiedAt(const fs::path& path) {
   const auto stamp = readStamp(path);
   return stamp ? stamp->modifiedAt : FileTime::min();
+}
+
+/// Held while this server sees to it that the app runs, so that no other server starts it as well.
+/// One that is stuck is not waited for for long.
+FileDescriptor lockAgainstOtherServers(const fs::path& app) {
+  constexpr int attempts = 2000;
+  FileDescriptor bundle(::open(app.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  for (int i = 0; i < attempts && ::flock(bundle.get(), LOCK_EX | LOCK_NB) != 0; ++i) {
+    if (errno != EWOULDBLOCK) break;
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  return bundle;
 }
 
 std::optional<fs::path> ifExists(fs::path path) {
@@ -93,6 +111,12 @@ bool CorvaneLauncher::launch(const fs::path& app) const {
     logger.error("Failed to launch Corvane.app at " + displayPath(app) + ": " + error.what());
     return false;
   }
+}
+
+bool CorvaneLauncher::ensureRunning(const fs::path& app) const {
+  const std::scoped_lock turn(launching);
+  const auto turnAmongServers = lockAgainstOtherServers(app);
+  return isRunning() || launch(app);
 }
 
 }  // namespace corvane

@@ -1,14 +1,15 @@
 #pragma once
 
 #include <filesystem>
+#include <mutex>
 #include <optional>
 
 #include "corvane_mcp/server/Logger.h"
 
 namespace corvane {
 
-/// Finds, checks and starts Corvane.app. Holds no state: each call looks afresh. No operation
-/// throws; all of them may block for a while and may be called from any thread.
+/// Finds, checks and starts Corvane.app. Each call looks afresh. No operation throws; all of them
+/// may block for a while and may be called from any thread.
 class CorvaneLauncher {
  public:
   /// Where to look.
@@ -31,10 +32,15 @@ class CorvaneLauncher {
   [[nodiscard]] bool isRunning() const;
   /// Starts the app bundle; true when the start was handed to the system.
   [[nodiscard]] bool launch(const std::filesystem::path& app) const;
+  /// Launches the app bundle unless the app runs; true when it runs or was launched. Of several
+  /// calls at once, also of several servers, one launches it.
+  [[nodiscard]] bool ensureRunning(const std::filesystem::path& app) const;
 
  private:
   Places places;
   Logger& logger;
+  /// Held from looking whether the app runs until a launched one can be seen to.
+  mutable std::mutex launching;
 };
 
 }  // namespace corvane

@@ -57,8 +57,9 @@ std::optional<OpenLog> openLog(const fs::path& path) {
   constexpr int attempts = 10;
   for (int i = 0; i < attempts; ++i) {
     OpenLog log;
-    log.file = FileDescriptor(
-        ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0666));
+    log.file =
+        FileDescriptor(::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK,
+                              fileMode(Access::userOnly)));
     if (!log.file.isOpen()) return std::nullopt;
     lockBriefly(log.file.get());
     struct stat status{};

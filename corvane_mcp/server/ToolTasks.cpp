@@ -13,7 +13,6 @@ constexpr std::size_t threadCount = 4;
 }  // namespace
 
 ToolTasks::~ToolTasks() {
-  waitUntilIdle();
   if (pool) pool->join();
 }
 

@@ -1,7 +1,5 @@
 #include <unistd.h>
 
-#include <cerrno>
-
 #include "CorvaneCore/requests/Requests.h"
 #include "CorvaneCore/results/AgentRunResult.h"
 #include "CorvaneCore/text/Uuid.h"
@@ -33,15 +31,12 @@ struct Arguments {
   }
 };
 
-/// False when the app has the request already, or there never was one.
+/// False when the app has the request already, when there never was one, or when what lies in its
+/// place cannot be removed as a file: the app is asked then.
 bool removeWaitingRequest(const std::string& requestId, const AgentPaths& paths) {
   const auto file = AgentRunRequest::fileURL(requestId, paths);
   // The app may take the file at any moment, so removing it is the only way to know who has it.
-  if (::unlink(file.c_str()) == 0) return true;
-  if (errno == ENOENT || errno == ENOTDIR) return false;
-  const FileError error("remove", file, {errno, std::generic_category()});
-  throw JSONRPCError(JSONRPCError::internalError,
-                     std::string("Failed to remove run request: ") + error.what());
+  return fileExists(file) && ::unlink(file.c_str()) == 0;
 }
 
 void writeCancelledResult(const std::string& requestId, const ToolServices& services) {
@@ -63,7 +58,6 @@ void writeCancelledResult(const std::string& requestId, const ToolServices& serv
 }
 
 void dropCancelMarker(const std::string& requestId, const ToolServices& services) {
-  services.paths.ensureAgentRunRequestsDirectoryExists();
   CancelMarker marker;
   marker.requestId = requestId;
   marker.createdAt = services.clock.date();

@@ -13,13 +13,14 @@ std::string Dispatch::describeApp(const std::optional<std::filesystem::path>& ap
 Dispatch::Launch Dispatch::launchApp(const ToolServices& services) {
   const auto app = services.launcher.findCorvaneApp();
   if (!app) services.logger.warn("Could not locate Corvane.app to launch");
-  const bool runs = app && (services.launcher.isRunning() || services.launcher.launch(*app));
-  return {app, runs};
+  return {app, app && services.launcher.ensureRunning(*app)};
 }
 
 void Dispatch::launchAppIfFound(const ToolServices& services) {
   if (services.launcher.isRunning()) return;
-  if (const auto app = services.launcher.findCorvaneApp()) (void)services.launcher.launch(*app);
+  if (const auto app = services.launcher.findCorvaneApp()) {
+    (void)services.launcher.ensureRunning(*app);
+  }
 }
 
 std::string Dispatch::getResultCall(std::string_view requestId, int waitSeconds) {

@@ -47,15 +47,14 @@ AxisShares::Share AxisShares::of(int pixel) const {
   // In units that make all borders whole numbers: a cell is `length` long.
   const std::int64_t whole = reduction * cells;
   const std::int64_t start = pixel * whole;
-  const std::int64_t extent = std::min(whole, length * cells - start);
   const std::int64_t cell = start / length;
   const std::int64_t leftInCell = (cell + 1) * length - start;
-  const std::int64_t inCell = std::min(leftInCell, extent);
+  const std::int64_t inCell = std::min(leftInCell, whole);
   const auto partOfPixel = [whole](std::int64_t units) {
     return static_cast<float>(units) / static_cast<float>(whole);
   };
-  return {static_cast<int>(cell), partOfPixel(inCell), partOfPixel(extent - inCell),
-          leftInCell <= extent};
+  return {static_cast<int>(cell), partOfPixel(inCell), partOfPixel(whole - inCell),
+          leftInCell <= whole};
 }
 
 AreaAverage::AreaAverage(PictureSize from, PictureSize to, int reduction)

@@ -17,7 +17,8 @@ class AxisShares {
   struct Share {
     int cell = 0;
     float inCell = 1;
-    /// What lies in the cell after; 0 when the pixel does not reach into it.
+    /// What lies in the cell after; 0 when the pixel does not reach into it. A last pixel that
+    /// stands for less may seem to reach behind the last cell.
     float inNext = 0;
     /// Whether the pixel is the last with a part in `cell`.
     bool endsCell = false;

@@ -16,7 +16,7 @@ int openForAppending(const std::filesystem::path& path) {
   const auto stamp = readStamp(path);
   const int startAnew = stamp && stamp->size > largestLog ? O_TRUNC : 0;
   return ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK | startAnew,
-                0644);
+                fileMode(Access::userOnly));
 }
 
 }  // namespace

@@ -56,7 +56,8 @@ constexpr int stopSignals[] = {SIGTERM, SIGINT, SIGHUP};
 
 std::optional<InstanceLock> InstanceLock::tryAcquire(const fs::path& file) {
   while (true) {
-    FileDescriptor opened(::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644));
+    FileDescriptor opened(
+        ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, fileMode(Access::userOnly)));
     if (!opened.isOpen()) throw FileError("lock", file, lastError());
     if (::flock(opened.get(), LOCK_EX | LOCK_NB) != 0) {
       if (errno == EWOULDBLOCK) return std::nullopt;

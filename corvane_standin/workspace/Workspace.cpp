@@ -162,9 +162,9 @@ void WorkspaceStore::record(const std::string& projectName, const AgentRunResult
   auto* test = project ? findById(project->tests, outcome.testId) : nullptr;
   if (!test) return;
   const bool failed = outcome.status == "failed";
-  const auto [last, first] = lastRunFailed.try_emplace(outcome.testId, failed);
-  test->flakinessScore =
-      flakinessAfter(test->flakinessScore.value_or(0), !first && last->second != failed);
+  // A first run alternates with none: it is compared with itself.
+  const auto last = lastRunFailed.try_emplace(outcome.testId, failed).first;
+  test->flakinessScore = flakinessAfter(test->flakinessScore.value_or(0), last->second != failed);
   constexpr double flakyFrom = 0.3;
   test->isFlaky = *test->flakinessScore >= flakyFrom;
   last->second = failed;

@@ -56,7 +56,7 @@ void ResultOutput::appendPicture(const ToolResult::Image& image, std::string& te
   std::optional<std::filesystem::path> file;
   if (directory) {
     file = nextFile(suffixFor(image.mimeType));
-    writeFileWhole(*file, *bytes);
+    writeFileWhole(*file, *bytes, Access::byUmask);
   }
   if (viewer) {
     console.print(std::exchange(text, {}));

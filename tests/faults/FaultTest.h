@@ -45,6 +45,13 @@ class FaultTest : public ::testing::Test {
            R"(","arguments":)" + std::string(arguments) + "}}";
   }
   static constexpr std::string_view anyRun = R"({"projectName":"Shop","runAll":true})";
+  static constexpr std::string_view anyPayload =
+      R"({"projectName":"Shop","testName":"Look","buildFirst":false,)"
+      R"("bundleIdentifier":"com.example.shop","interactions":[)"
+      R"({"type":"builtIn","description":"","parameters":{"command":"terminateApplication"}},)"
+      R"({"type":"builtIn","description":"{{APP_NAME}}",)"
+      R"("parameters":{"command":"openApplication"}},)"
+      R"({"type":"builtIn","description":"","parameters":{"command":"terminateApplication"}}]})";
 
   /// The text of a reply's first block.
   [[nodiscard]] static std::string textOf(std::string_view reply) {

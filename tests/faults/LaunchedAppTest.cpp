@@ -1,3 +1,5 @@
+#include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -57,6 +59,75 @@ TEST_F(LaunchedAppTest, IsLaunchedForAClientThatIgnoresItsChildren) {
   // SIGCHLD, the 17th, is not among those that it ignores.
   const auto ignored = std::stoull(ProcessFacts::status(server.id(), "SigIgn"), nullptr, 16);
   EXPECT_EQ(ignored & (1ULL << (SIGCHLD - 1)), 0U);
+}
+
+/// Where some time passes between the start of the app and the moment from which the system shows
+/// it.
+class SlowlyLaunchedAppTest : public LaunchedAppTest {
+ protected:
+  [[nodiscard]] ServerProcess::Setup slowSetup() const {
+    auto given = setup();
+    given.environment = {"LD_PRELOAD=" CORVANE_FILE_FAULTS,
+                         // The sanitizer wants to be loaded first, but does not need to be.
+                         "ASAN_OPTIONS=verify_asan_link_order=0:detect_leaks=0",
+                         "CORVANE_FAULT_JOURNAL=" + journal.string(), "CORVANE_FAULT_EXEC=slow"};
+    return given;
+  }
+  void expectDispatched(ServerProcess& server) const {
+    EXPECT_NE(textOf(server.readLine()).find("\n  Corvane.app: " + app.bundle().string() + "\n"),
+              std::string::npos);
+  }
+  void expectOneStart() const {
+    auto starts = TestFiles::lines(journal);
+    std::erase_if(starts, [](const auto& line) { return !line.starts_with("exec "); });
+    EXPECT_EQ(starts, std::vector<std::string>{"exec " + app.program().string()});
+    EXPECT_TRUE(ProcessFacts::isAlive(app.waitUntilUp()));
+  }
+
+  void expectOneStartForSixCalls(ServerProcess::Setup given) const {
+    ServerProcess server(std::move(given));
+    std::string calls;
+    for (int id = 1; id <= 6; ++id) calls += call(id, "run_test", anyRun) + "\n";
+    server.send(calls);
+    for (int id = 1; id <= 6; ++id) expectDispatched(server);
+    expectOneStart();
+  }
+
+  const fs::path journal = home.path() / "journal";
+};
+
+// Fails when the next call looks before the system shows what the last one started.
+TEST_F(SlowlyLaunchedAppTest, IsStartedOnceForCallsThatComeAtOnce) {
+  expectOneStartForSixCalls(slowSetup());
+}
+
+// Fails when calls take turns only by means of the bundle, as some file systems have no locks.
+TEST_F(SlowlyLaunchedAppTest, IsStartedOnceWhereTheBundleCannotBeLocked) {
+  auto given = slowSetup();
+  given.environment.push_back("CORVANE_FAULT_ROOT=" + app.bundle().string());
+  given.environment.push_back("CORVANE_FAULT_REFUSED=open");
+  expectOneStartForSixCalls(std::move(given));
+}
+
+// Fails when servers do not take turns.
+TEST_F(SlowlyLaunchedAppTest, IsStartedOnceForSeveralServers) {
+  ServerProcess first(slowSetup());
+  ServerProcess second(slowSetup());
+  ServerProcess third(slowSetup());
+  const std::vector<ServerProcess*> servers{&first, &second, &third};
+  for (auto* server : servers) server->sendLine(call(1, "run_test", anyRun));
+  for (auto* server : servers) expectDispatched(*server);
+  expectOneStart();
+}
+
+// Fails when a server that does not go on holds up the others for good.
+TEST_F(SlowlyLaunchedAppTest, IsStartedAllTheSameWhenAnotherServerIsStuck) {
+  const FileDescriptor stuck(::open(app.bundle().c_str(), O_RDONLY | O_CLOEXEC));
+  ASSERT_EQ(::flock(stuck.get(), LOCK_EX), 0);
+  ServerProcess server(slowSetup());
+  server.sendLine(call(1, "run_test", anyRun));
+  expectDispatched(server);
+  expectOneStart();
 }
 
 TEST_F(LaunchedAppTest, OutlivesAServerThatIsKilled) {

@@ -3,8 +3,11 @@
  *   CORVANE_FAULT_ROOT     the folder; operations elsewhere are left alone
  *   CORVANE_FAULT_JOURNAL  a file outside of it that gets one line per operation, "open PATH"
  *   CORVANE_FAULT_AT       which operation, counted from 1; none when absent
- *   CORVANE_FAULT_AS       an errno value, "short" or "kill"
- *   CORVANE_FAULT_REFUSED  the name of operations that all fail, as where the system lacks them */
+ *   CORVANE_FAULT_AS       an errno value, "short", "kill", or "taken": another file appears there
+ * first CORVANE_FAULT_REFUSED  the name of operations that all fail, as where the system lacks them
+ *   CORVANE_FAULT_EXEC     "slow": between exec's closing of descriptors and the moment from which
+ * the system shows the new command line passes some time Starts of programs are in the journal,
+ * too, as "exec PATH", but are not counted. */
 #define _GNU_SOURCE
 #include <dirent.h>
 #include <dlfcn.h>
@@ -19,6 +22,7 @@
 #include <string.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <time.h>
 #include <unistd.h>
 
 enum { largestDescriptor = 1024 };
@@ -61,6 +65,10 @@ static int faultOf(const char* operation, const char* what) {
   const char* as = getenv("CORVANE_FAULT_AS");
   if (!at || !as || number != atoi(at)) return 0;
   if (strcmp(as, "kill") == 0) raise(SIGKILL);
+  if (strcmp(as, "taken") == 0) {
+    syscall(SYS_close, syscall(SYS_openat, AT_FDCWD, what, O_WRONLY | O_CREAT | O_EXCL, 0666));
+    return 0;
+  }
   return strcmp(as, "short") == 0 ? -1 : atoi(as);
 }
 
@@ -131,6 +139,24 @@ int close(int descriptor) {
   if (!failed) return result;
   errno = error;
   return -1;
+}
+
+int dup(int descriptor) {
+  const int copy = NEXT(dup)(descriptor);
+  watch(copy, copy >= 0 && isWatched(descriptor));
+  return copy;
+}
+
+/* In a forked child of a process with threads, so straight to the system. */
+int execv(const char* program, char* const* arguments) {
+  note("exec", program);
+  const char* exec = getenv("CORVANE_FAULT_EXEC");
+  if (exec && strcmp(exec, "slow") == 0) {
+    const struct timespec some = {0, 300 * 1000 * 1000};
+    syscall(SYS_close, STDERR_FILENO + 1);
+    syscall(SYS_nanosleep, &some, NULL);
+  }
+  return (int)syscall(SYS_execve, program, arguments, environ);
 }
 
 int rename(const char* from, const char* to) {

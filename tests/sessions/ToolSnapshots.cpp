@@ -49,7 +49,7 @@ void ToolSnapshots::write(const AnyCodable& reply, const std::filesystem::path& 
     auto& members = std::get<JsonObject>(tool.value());
     members.set("description", splitLines(*members.findAs<std::string>("description")));
     const std::string name = *members.findAs<std::string>("name");
-    writeFileWhole(folder / (name + ".json"), indentedJson(toJson(tool)) + "\n");
+    writeFileWhole(folder / (name + ".json"), indentedJson(toJson(tool)) + "\n", Access::byUmask);
   }
 }
 

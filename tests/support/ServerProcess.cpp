@@ -4,6 +4,7 @@
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -54,6 +55,7 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
     ::dup2(streams[static_cast<std::size_t>(number)], number);
   }
   for (const int number : setup.closedStreams) ::close(number);
+  if (setup.umask) ::umask(*setup.umask);
   if (setup.fileSizeLimit) {
     const rlimit limit{*setup.fileSizeLimit, *setup.fileSizeLimit};
     ::setrlimit(RLIMIT_FSIZE, &limit);

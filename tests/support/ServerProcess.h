@@ -35,6 +35,7 @@ class ServerProcess {
     std::vector<int> ignoredSignals{};
     /// False when nobody ever reads what it says on standard error.
     bool readsErrors = true;
+    std::optional<mode_t> umask{};
     /// How large, in bytes, a file that it writes may get.
     std::optional<std::uint64_t> fileSizeLimit{};
   };

@@ -60,6 +60,21 @@ inline void setModified(const std::filesystem::path& file, FileTime time) {
   }
 }
 
+/// The permissions of a file or folder, e.g. 0600; a link's own.
+[[nodiscard]] inline mode_t mode(const std::filesystem::path& file) {
+  struct stat status{};
+  if (::lstat(file.c_str(), &status) != 0) {
+    throw std::system_error(errno, std::generic_category(), file.string());
+  }
+  return status.st_mode & 07777;
+}
+
+inline void setMode(const std::filesystem::path& file, mode_t mode) {
+  if (::chmod(file.c_str(), mode) != 0) {
+    throw std::system_error(errno, std::generic_category(), file.string());
+  }
+}
+
 }  // namespace TestFiles
 
 }  // namespace corvane::testing

@@ -13,6 +13,7 @@
 
 #include "CorvaneCore/files/Files.h"
 #include "tests/support/ErrorText.h"
+#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"
 
 namespace corvane::testing {
@@ -215,8 +216,9 @@ TEST(FilesWriteTest, AFileInAParentsPlaceStaysAsItWas) {
 }
 
 TEST(FilesWriteTest, AnUnwritableFolderStaysAsItWas) {
-  if (::geteuid() == 0) GTEST_SKIP() << "the superuser may write everywhere";
   const TemporaryHome home;
+  const OrdinaryUser user(home.path());
+  if (!user.isOrdinary()) GTEST_SKIP() << "the superuser may write everywhere";
   const fs::path file = home.path() / "locked" / "file";
   writeFileWhole(file, "kept");
   fs::permissions(file.parent_path(), fs::perms::owner_read | fs::perms::owner_exec);

@@ -8,6 +8,7 @@
 #include "CorvaneCore/paths/AgentPaths.h"
 #include "CorvaneCore/paths/UserFolders.h"
 #include "tests/support/TemporaryHome.h"
+#include "tests/support/TestFiles.h"
 
 namespace corvane::testing {
 namespace {
@@ -76,6 +77,22 @@ TEST(AgentPathsTest, EnsureIgnoresThatItCannotCreate) {
   writeFileWhole(home.path() / ".local", "a file in a parent's place");
   home.paths().ensureAgentRunRequestsDirectoryExists();
   EXPECT_EQ(home.entries(), std::vector<std::string>{".local"});
+}
+
+// Fails when only the folder itself is closed, or what lies above the shared one as well.
+TEST(AgentPathsTest, EnsureClosesTheSharedFolderToOthers) {
+  const TemporaryHome home;
+  const auto shared = home.paths().applicationSupport();
+  const auto results = home.paths().agentResultsDirectory();
+  std::filesystem::create_directories(results);
+  for (const auto& folder : {shared.parent_path(), shared, results}) {
+    TestFiles::setMode(folder, 0755);
+  }
+  home.paths().ensureAgentImportsDirectoryExists();
+  EXPECT_EQ(TestFiles::mode(shared), 0700U);
+  EXPECT_EQ(TestFiles::mode(results), 0700U);
+  EXPECT_EQ(TestFiles::mode(home.paths().agentImportsDirectory()), 0700U);
+  EXPECT_EQ(TestFiles::mode(shared.parent_path()), 0755U);
 }
 
 /// Sets or unsets an environment variable and puts back what it was at the end of its life.

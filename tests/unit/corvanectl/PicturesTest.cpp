@@ -9,6 +9,8 @@
 #include "FakeServerScript.h"
 #include "ProgramRun.h"
 #include "corvanectl/commands/ResultOutput.h"
+#include "tests/support/TestFiles.h"
+#include "tests/support/Umask.h"
 
 namespace corvane::testing {
 namespace {
@@ -53,6 +55,16 @@ TEST_F(SavedPicturesTest, OverwriteNothing) {
   auto pictures = output(directory.path(), "x");
   EXPECT_EQ(line(pictures, "Zm9v", "image/jpeg"), directory.path() / "x-2.jpg");
   EXPECT_EQ(readFile(directory.path() / "x-1.jpg"), "old");
+}
+
+// Fails when they are as private as what the server writes: they are made to be shown around.
+TEST_F(SavedPicturesTest, AreForWhomeverTheUmaskLets) {
+  const Umask usual(022);
+  const auto folder = directory.path() / "shots";
+  auto pictures = output(folder, "x");
+  (void)line(pictures, "Zm9v", "image/jpeg");
+  EXPECT_EQ(TestFiles::mode(folder), 0755U);
+  EXPECT_EQ(TestFiles::mode(folder / "x-1.jpg"), 0644U);
 }
 
 TEST_F(SavedPicturesTest, StayInsideTheirFolder) {

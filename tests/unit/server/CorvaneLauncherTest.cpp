@@ -4,6 +4,8 @@
 #include <stdlib.h>
 
 #include <algorithm>
+#include <latch>
+#include <thread>
 
 #include "tests/support/ProcessFacts.h"
 #include "tests/support/TemporaryApp.h"
@@ -147,10 +149,30 @@ TEST_F(CorvaneLauncherTest, PassesOverBuildsThatNobodyMeansToRun) {
   EXPECT_EQ(launcher().newestDerivedDataBuild(), build);
 }
 
-TEST_F(CorvaneLauncherTest, DoesNotWalkInCircles) {
+// Fails when links to folders are followed: what is found through one would come first.
+TEST_F(CorvaneLauncherTest, LeavesLinksToFoldersAlone) {
+  makeBundle(home / "Elsewhere" / "Corvane.app");
+  fs::create_directories(derivedData);
+  fs::create_directory_symlink(home / "Elsewhere", derivedData / "0 link");
+  EXPECT_EQ(launcher().newestDerivedDataBuild(), std::nullopt);
   const fs::path build = makeBundle(derivedData / "A" / "Corvane.app");
-  fs::create_directory_symlink(derivedData, derivedData / "A" / "loop");
+  fs::create_directory_symlink(derivedData, derivedData / "A" / "0 circle");
   EXPECT_EQ(launcher().newestDerivedDataBuild(), build);
+}
+
+// Fails when a build whose time cannot be read is passed over, or counts as newer than the oldest.
+TEST_F(CorvaneLauncherTest, TakesABuildWithoutAReadableTimeForLackOfAnother) {
+  const fs::path dangling = derivedData / "B" / "Corvane.app";
+  fs::create_directories(dangling.parent_path());
+  fs::create_symlink("nowhere", dangling);
+  EXPECT_EQ(launcher().newestDerivedDataBuild(), dangling);
+  // Whether it is found before the other or after it.
+  for (const char* place : {"A", "C"}) {
+    const fs::path build = makeBundle(derivedData / place / "Corvane.app");
+    TestFiles::setModified(build, FileTime{std::chrono::seconds(-2'000'000'000)});
+    EXPECT_EQ(launcher().newestDerivedDataBuild(), build);
+    fs::remove_all(derivedData / place);
+  }
 }
 
 TEST_F(CorvaneLauncherTest, StartsTheApp) {
@@ -191,6 +213,13 @@ class CorvaneLauncherAppTest : public CorvaneLauncherTest {
   CorvaneLauncherAppTest() { waitUntilNoAppRuns(); }
 };
 
+// Fails when the programs of other bundles are taken for the app.
+TEST_F(CorvaneLauncherAppTest, TellsTheAppFromOtherBundles) {
+  TemporaryApp other(home / "Other.app");
+  other.open();
+  EXPECT_FALSE(launcher().isRunning());
+}
+
 TEST_F(CorvaneLauncherAppTest, KnowsWhetherTheAppRuns) {
   EXPECT_FALSE(launcher().isRunning());
   {
@@ -199,6 +228,22 @@ TEST_F(CorvaneLauncherAppTest, KnowsWhetherTheAppRuns) {
     EXPECT_TRUE(launcher().isRunning());
   }
   EXPECT_FALSE(launcher().isRunning());
+}
+
+// Fails when calls do not take turns.
+TEST_F(CorvaneLauncherAppTest, StartsTheAppOnceForSeveralThatNeedIt) {
+  const TemporaryApp app(home / "Applications" / "Corvane.app");
+  const CorvaneLauncher shared = launcher();
+  std::latch all(6);
+  std::vector<std::thread> callers;
+  for (int i = 0; i < 6; ++i) {
+    callers.emplace_back([&] {
+      all.arrive_and_wait();
+      EXPECT_TRUE(shared.ensureRunning(app.bundle()));
+    });
+  }
+  for (auto& caller : callers) caller.join();
+  EXPECT_EQ(ProcessFacts::withCommandLine(app.program().string()).size(), 1U);
 }
 
 }  // namespace

@@ -4,9 +4,11 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <thread>
 
 #include "corvane_standin/program/Instance.h"
+#include "tests/support/TestFiles.h"
+#include "tests/support/Timeout.h"
+#include "tests/support/Umask.h"
 #include "tests/unit/standin/StandInFixture.h"
 
 namespace corvane::testing {
@@ -42,6 +44,15 @@ TEST_F(InstanceLockTest, IsInPlaceAsLongAsItsFileIs) {
   EXPECT_TRUE(next->inPlace());
 }
 
+// Fails when one of the files is left to the umask.
+TEST_F(InstanceLockTest, AnInstancesOwnFilesAreForTheUserAlone) {
+  const Umask none(0);
+  const auto lock = InstanceLock::tryAcquire(file);
+  const StandInLog log(StandInPaths(paths).logFile(), clock);
+  EXPECT_EQ(TestFiles::mode(file), 0600U);
+  EXPECT_EQ(TestFiles::mode(StandInPaths(paths).logFile()), 0600U);
+}
+
 TEST_F(InstanceLockTest, AFileThatCannotBeMadeIsAnError) {
   EXPECT_THROW((void)InstanceLock::tryAcquire(file / "below"), FileError);
 }
@@ -58,7 +69,8 @@ TEST_F(InstanceLockTest, QuittingWaitsUntilTheInstanceIsGone) {
     const auto lock = InstanceLock::tryAcquire(file);
     while (true) ::pause();
   }
-  while (!fileExists(file) || readFile(file).empty()) std::this_thread::yield();
+  waitUntil("the instance has the lock",
+            [&] { return fileExists(file) && !readFile(file).empty(); });
   EXPECT_TRUE(quitInstance(file, 30s));
   int status = 0;
   EXPECT_EQ(::waitpid(child, &status, 0), child);
