@@ -25,7 +25,7 @@ bool isDevelopmentBuild(const fs::path& path) {
 
 FileTime modifiedAt(const fs::path& path) {
   const auto stamp = readStamp(path);
-  return stamp ? stamp->modifiedAt : FileTime::min();
+  return (stamp ? stamp->modifiedAt : std::nullopt).value_or(FileTime::min());
 }
 
 std::optional<fs::path> ifExists(fs::path path) {
