@@ -1,6 +1,12 @@
 # Every library the project is built on; docs/dependencies.md says why each is here.
 find_package(Threads REQUIRED)
 find_package(simdjson REQUIRED)
+# JsonTokens knows the inside of the library, which no version promises to keep.
+if(simdjson_VERSION VERSION_LESS 3.0 OR simdjson_VERSION VERSION_GREATER_EQUAL 5.0)
+  message(FATAL_ERROR "simdjson ${simdjson_VERSION} is not known to work; 3.0 to 4.6 are")
+elseif(simdjson_VERSION VERSION_GREATER_EQUAL 4.7)
+  message(WARNING "simdjson ${simdjson_VERSION} is newer than 4.6, the last one known to work")
+endif()
 find_package(CLI11 REQUIRED)
 
 find_path(ASIO_INCLUDE_DIR asio.hpp REQUIRED)

@@ -40,20 +40,33 @@ void normalizeDescription(AgentInteraction& interaction) {
 
 enum class Level { test, branch };
 
-/// Takes the steps out of an array of objects. Branches are one level deep; what lies deeper is
-/// dropped.
-std::vector<AgentInteraction> takeSteps(AnyCodable& steps, Level level) {
+constexpr std::string_view noSteps = "expected an array of objects";
+
+/// Takes the steps out of an array of objects at the place `at`, and adds notes on what is dropped.
+/// Branches are one level deep; what lies deeper is dropped.
+std::vector<AgentInteraction> takeSteps(AnyCodable& steps, Level level, const DecodePath& at,
+                                        std::vector<std::string>& dropped) {
   constexpr auto children = &AgentInteraction::children;
   auto& elements = std::get<AnyCodable::Array>(steps.value());
   std::vector<AgentInteraction> taken(elements.size());
-  auto next = taken.begin();
-  for (AnyCodable& element : elements) {
-    auto& given = std::get<JsonObject>(element.value());
-    AgentInteraction& step = *next++;
-    takeFieldsExcept<&AgentInteraction::title, children>(given, step);
+  for (std::size_t i = 0; i < elements.size(); ++i) {
+    auto& given = std::get<JsonObject>(elements[i].value());
+    AgentInteraction& step = taken[i];
+    const DecodePath place = at.element(i);
+    const auto drop = [&](std::string_view key, std::string_view why) {
+      dropped.push_back(droppedNote(place.member(key).text(), why));
+    };
+    takeFieldsExcept<&AgentInteraction::title, children>(given, step, drop);
     normalizeDescription(step);
-    AnyCodable* branch = level == Level::test ? given.find(keyOf<children>()) : nullptr;
-    if (branch && holdsObjects(*branch)) step.children = takeSteps(*branch, Level::branch);
+    AnyCodable* branch = given.find(keyOf<children>());
+    if (!branch || branch->isNull()) continue;
+    if (!holdsObjects(*branch)) {
+      drop(keyOf<children>(), noSteps);
+    } else if (level == Level::test) {
+      step.children = takeSteps(*branch, Level::branch, place.member(keyOf<children>()), dropped);
+    } else if (!branch->array()->empty()) {
+      drop(keyOf<children>(), "branches are one level deep");
+    }
   }
   return taken;
 }
@@ -76,9 +89,16 @@ std::optional<std::string> refusalOfIdentifier(std::string_view key,
 
 }  // namespace
 
+std::string droppedNote(std::string_view place, std::string_view why) {
+  return std::string(place).append(" dropped: ").append(why);
+}
+
 TestSteps Codec<TestSteps>::decode(AnyCodable&& value, const DecodePath& at) {
-  if (!holdsObjects(value)) at.fail("expected an array of objects");
-  return {takeSteps(value, Level::test)};
+  if (!holdsObjects(value)) at.fail(noSteps);
+  TestSteps steps;
+  steps.list =
+      takeSteps(value, Level::test, DecodePath(keyOf<&AgentTest::interactions>()), steps.dropped);
+  return steps;
 }
 
 JsonObject ArgumentType<TestSteps>::schema() {

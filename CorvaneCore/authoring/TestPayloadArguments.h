@@ -12,10 +12,15 @@
 
 namespace corvane {
 
+/// A note for the log on what was sent but not taken, e.g. "autoRun dropped: expected a boolean".
+[[nodiscard]] std::string droppedNote(std::string_view place, std::string_view why);
+
 /// The steps of a test as an argument. Of each step, what does not fit counts as absent; of a
 /// branch, what lies deeper than one level.
 struct TestSteps {
   std::vector<AgentInteraction> list;
+  /// A note on each thing that counts as absent.
+  std::vector<std::string> dropped = {};
 };
 
 template <>

@@ -30,18 +30,16 @@ std::error_code lastError() {
   return {errno, std::generic_category()};
 }
 
-FileTime modificationTime(const struct stat& status) {
+std::optional<FileTime> modificationTime(const struct stat& status) {
 #ifdef __APPLE__
   const timespec& time = status.st_mtimespec;
 #else
   const timespec& time = status.st_mtim;
 #endif
-  // File systems reach further than FileTime, which ends in 2262. Cut at the years 1843 and 2261 no
-  // difference to a present time overflows either.
   constexpr std::int64_t earliest = -4'000'000'000;
   constexpr std::int64_t latest = 9'200'000'000;
-  const auto seconds = std::clamp<std::int64_t>(time.tv_sec, earliest, latest);
-  return FileTime(std::chrono::seconds(seconds) + std::chrono::nanoseconds(time.tv_nsec));
+  if (time.tv_sec < earliest || time.tv_sec > latest) return std::nullopt;
+  return FileTime(std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec));
 }
 
 /// Makes a folder with all its missing parents; tells what stands in the way.

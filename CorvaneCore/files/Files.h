@@ -62,7 +62,9 @@ using FileTime = std::chrono::sys_time<std::chrono::nanoseconds>;
 
 /// What tells one version of a file from the next.
 struct FileStamp {
-  FileTime modifiedAt = FileTime::min();
+  /// Nothing for a time before 1843 or after 2261: beyond these a FileTime, or its difference to a
+  /// present one, could be wrong.
+  std::optional<FileTime> modifiedAt;
   std::uintmax_t size = 0;
 
   friend bool operator==(const FileStamp&, const FileStamp&) = default;

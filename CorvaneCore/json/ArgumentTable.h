@@ -80,10 +80,14 @@ struct Argument {
     for (const auto& constraint : constraints) schema.set(constraint.key, constraint.value);
     return schema;
   }
-  /// Takes the argument out of `object`; a value of another type counts as absent.
-  void take(JsonObject& object, Arguments& arguments) const {
+  /// Takes the argument out of `object`; a value of another type counts as absent, and `onMisfit`
+  /// is told the key and why.
+  template <class OnMisfit>
+  void take(JsonObject& object, Arguments& arguments, const OnMisfit& onMisfit) const {
     AnyCodable* value = object.find(key);
-    if (value) arguments.*member = decodeIfFits<Value>(std::move(*value));
+    if (!value) return;
+    arguments.*member =
+        decodeIfFits<Value>(std::move(*value), [&](std::string_view why) { onMisfit(key, why); });
   }
 };
 
@@ -117,11 +121,12 @@ template <class Arguments>
   return schema;
 }
 
-/// Takes the declared arguments out of `object`; those of another type than their own are absent.
-template <class Arguments>
-[[nodiscard]] Arguments takeDeclared(JsonObject& object) {
+/// Takes the declared arguments out of `object`; those of another type than their own are absent,
+/// and `onMisfit` is told their keys and why.
+template <class Arguments, class OnMisfit = IgnoreMisfits>
+[[nodiscard]] Arguments takeDeclared(JsonObject& object, const OnMisfit& onMisfit = {}) {
   Arguments taken;
-  std::apply([&](const auto&... argument) { (argument.take(object, taken), ...); },
+  std::apply([&](const auto&... argument) { (argument.take(object, taken, onMisfit), ...); },
              Arguments::arguments());
   return taken;
 }

@@ -194,13 +194,20 @@ template <class T>
   return Codec<T>::decode(std::move(value), DecodePath(rootName));
 }
 
-/// `value` as a T when it has that form; null and everything else count as absent.
-template <class T>
-[[nodiscard]] std::optional<T> decodeIfFits(AnyCodable&& value) {
+/// For who does not want to know what does not fit.
+struct IgnoreMisfits {
+  void operator()(const auto&...) const {}
+};
+
+/// `value` as a T when it has that form; null and everything else count as absent. Everything else
+/// is told to `onMisfit`, as the text of the DecodeError.
+template <class T, class OnMisfit = IgnoreMisfits>
+[[nodiscard]] std::optional<T> decodeIfFits(AnyCodable&& value, const OnMisfit& onMisfit = {}) {
   if (value.isNull()) return std::nullopt;
   try {
     return Codec<T>::decode(std::move(value), DecodePath());
-  } catch (const DecodeError&) {
+  } catch (const DecodeError& error) {
+    onMisfit(std::string_view(error.what()));
     return std::nullopt;
   }
 }

@@ -7,8 +7,9 @@
 namespace corvane {
 
 /// Where the tokens of a JSON text begin: each bracket, brace, colon and comma, the opening quote
-/// of each string, and the first byte of whatever else stands between them. Keeps its working
-/// memory between texts; used by one thread at a time.
+/// of each string, and the first byte of whatever else stands between them. Of a control character
+/// outside strings it depends on the processor whether it is a token of its own. Reads no byte
+/// beside the text. Keeps its working memory between texts; used by one thread at a time.
 class JsonTokens {
  public:
   JsonTokens();

@@ -83,13 +83,14 @@ struct FieldValue<std::optional<Value>> {
 };
 
 /// Goes on in `next` to the field's key, which is behind those of the fields before.
-template <class Record, class Member>
+template <class Record, class Member, class OnMisfit>
 void takeFieldIfFits(const Field<Record, Member>& field, JsonObject::iterator& next,
-                     JsonObject::iterator end, Record& record) {
+                     JsonObject::iterator end, Record& record, const OnMisfit& onMisfit) {
   int order = -1;
   while (next != end && (order = next->key.compare(field.key)) < 0) ++next;
   if (next == end || order != 0) return;
-  auto value = decodeIfFits<typename FieldValue<Member>::Type>(std::move(next->value));
+  auto value = decodeIfFits<typename FieldValue<Member>::Type>(
+      std::move(next->value), [&](std::string_view why) { onMisfit(field.key, why); });
   if (!value) return;
   if constexpr (record_detail::IsOptional<Member>::value) {
     record.*field.member = std::move(value);
@@ -136,17 +137,17 @@ template <auto... wanted>
 }
 
 /// Takes the fields of a record out of `object`, but for those under `except`. A value of another
-/// type than its field's counts as absent, and so does null; fields that are absent keep what
-/// `record` holds.
-template <auto... except, DeclaredRecord Record>
-void takeFieldsExcept(JsonObject& object, Record& record) {
+/// type than its field's counts as absent, and `onMisfit` is told its key and why; so does null.
+/// Fields that are absent keep what `record` holds.
+template <auto... except, DeclaredRecord Record, class OnMisfit = IgnoreMisfits>
+void takeFieldsExcept(JsonObject& object, Record& record, const OnMisfit& onMisfit = {}) {
   static constexpr auto order = record_detail::sortedPositions<Record>();
   static constexpr auto fields = Record::fields();
   auto next = object.begin();
   const auto take = [&]<std::size_t position>() {
     static constexpr auto& field = fields.template at<position>();
     if constexpr (((field.key != keyOf<except>()) && ...)) {
-      lenient_detail::takeFieldIfFits(field, next, object.end(), record);
+      lenient_detail::takeFieldIfFits(field, next, object.end(), record, onMisfit);
     }
   };
   [&]<std::size_t... I>(std::index_sequence<I...>) {

@@ -108,23 +108,36 @@ std::string asciiLowercase(std::string_view text) {
   return lower;
 }
 
+namespace {
+
+bool isControl(utf8proc_int32_t codePoint) {
+  if ((codePoint >= 0 && codePoint < 0x20) || (codePoint >= 0x7F && codePoint < 0xA0)) return true;
+  // The two separators end a line for some readers of text, and the others turn the text around
+  // them.
+  constexpr utf8proc_int32_t lineSeparator = 0x2028;
+  constexpr utf8proc_int32_t rightToLeftOverride = 0x202E;
+  constexpr utf8proc_int32_t leftToRightIsolate = 0x2066;
+  constexpr utf8proc_int32_t popDirectionalIsolate = 0x2069;
+  return codePoint == 0x061C || codePoint == 0x200E || codePoint == 0x200F ||
+         (codePoint >= lineSeparator && codePoint <= rightToLeftOverride) ||
+         (codePoint >= leftToRightIsolate && codePoint <= popDirectionalIsolate);
+}
+
+}  // namespace
+
 std::string escapeControls(std::string_view text) {
   std::string escaped;
   escaped.reserve(text.size());
   while (!text.empty()) {
     const Character character = firstCharacter(text);
     const auto codePoint = character.codePoint;
-    // The two separators end a line for some readers of text although they are not controls.
-    const bool control = (codePoint >= 0 && codePoint < 0x20) ||
-                         (codePoint >= 0x7F && codePoint < 0xA0) || codePoint == 0x2028 ||
-                         codePoint == 0x2029;
     if (codePoint == '\n') {
       escaped += "\\n";
     } else if (codePoint == '\r') {
       escaped += "\\r";
     } else if (codePoint == '\t') {
       escaped += "\\t";
-    } else if (control) {
+    } else if (isControl(codePoint)) {
       std::array<char, 8> unit;
       std::snprintf(unit.data(), unit.size(), "\\u%04x", static_cast<unsigned>(codePoint));
       escaped += unit.data();

@@ -25,7 +25,8 @@ void appendUtf8(std::string& text, char32_t codePoint);
 /// `text` with its ASCII capitals in lower case; other characters stand as they are.
 [[nodiscard]] std::string asciiLowercase(std::string_view text);
 
-/// `text` with every control character written as an escape, so that it stays on one line.
+/// `text` with every control character written as an escape, those included that change the
+/// direction of text, so that it stays on one line and what stands beside it in its place.
 [[nodiscard]] std::string escapeControls(std::string_view text);
 
 /// `text` in the form in which texts that differ only in case, or in how an accent is composed, are

@@ -31,7 +31,7 @@ bool isDevelopmentBuild(const fs::path& path) {
 
 FileTime modifiedAt(const fs::path& path) {
   const auto stamp = readStamp(path);
-  return stamp ? stamp->modifiedAt : FileTime::min();
+  return (stamp ? stamp->modifiedAt : std::nullopt).value_or(FileTime::min());
 }
 
 /// Held while this server sees to it that the app runs, so that no other server starts it as well.

@@ -66,7 +66,8 @@ std::vector<ResultFile> newestFiles(const std::filesystem::path& folder) {
   std::vector<ResultFile> files;
   for (const auto& entry : listVisible(folder)) {
     if (entry.extension() != ".json") continue;
-    if (const auto stamp = readStamp(entry)) files.push_back({entry, stamp->modifiedAt});
+    const auto stamp = readStamp(entry);
+    if (stamp && stamp->modifiedAt) files.push_back({entry, *stamp->modifiedAt});
   }
   std::sort(files.begin(), files.end(), isNewer);
   if (files.size() > mostListed) files.resize(mostListed);

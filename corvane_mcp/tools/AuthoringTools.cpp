@@ -111,7 +111,14 @@ std::string launchApp(const ToolServices& services) {
   return launch.describe();
 }
 
-ToolsCallResult call(TestPayloadArguments arguments, const ToolServices& services) {
+ToolsCallResult call(JsonObject& sent, const ToolServices& services) {
+  auto arguments = takeDeclared<TestPayloadArguments>(
+      sent, [&services](std::string_view argument, std::string_view why) {
+        services.logger.warn(droppedNote(argument, why));
+      });
+  if (arguments.interactions) {
+    for (const auto& note : arguments.interactions->dropped) services.logger.warn(note);
+  }
   if (auto reason = arguments.refusal()) return ToolsCallResult::failure(std::move(*reason));
   auto payload = Dispatch::newRequest<AgentTestSchema>(services);
   std::move(arguments).moveInto(payload);
@@ -159,9 +166,8 @@ MCPTool makeListInteractionTypesTool() {
 
 MCPTool makeCreateTestTool(const ToolServices& services) {
   using namespace create_test;
-  return {name, description, inputSchema, [services](ToolCall sent) {
-            return call(takeArguments<TestPayloadArguments>(sent, name), services);
-          }};
+  return {name, description, inputSchema,
+          [services](ToolCall sent) { return call(requireArguments(sent, name), services); }};
 }
 
 }  // namespace corvane

@@ -1,9 +1,9 @@
 #include "corvane_mcp/trace/CaptureManifest.h"
 
-#include <algorithm>
 #include <array>
+#include <utility>
 
-#include "CorvaneCore/capture/CaptureSession.h"
+#include "CorvaneCore/json/JsonReader.h"
 #include "CorvaneCore/json/LenientReading.h"
 
 namespace corvane {
@@ -12,53 +12,114 @@ namespace {
 
 using Frame = CaptureSession::Frame;
 
-/// The status of a frame of this step that makes sense.
-std::optional<FrameStatus> statusInStep(const AnyCodable& frame, std::int64_t stepIndex) {
-  const auto* index = findField<&Frame::stepIndex>(frame);
-  const auto* status = findField<&Frame::status>(frame);
-  if (!index || *index != stepIndex || !status) return std::nullopt;
-  return fromRawValue<FrameStatus>(*status);
+/// The frames of the step, the last of each status.
+using LatestFrames = std::array<std::optional<CaptureFrame>, Vocabulary<FrameStatus>::rows.size()>;
+
+// A manifest may be large and hold anything, so nothing of it is kept that is not shown.
+
+/// The scalar here; null in place of an array or object.
+AnyCodable takeScalar(JsonCursor& cursor) {
+  if (!cursor.atArray() && !cursor.atObject()) return cursor.read();
+  cursor.skip();
+  return nullptr;
 }
 
-std::vector<Touch> usableTouches(const AnyCodable& frame) {
-  // More marks than this would hide the screen.
-  constexpr std::size_t mostTouches = 100;
-  std::vector<Touch> touches;
-  const auto* given = findField<&Frame::touches>(frame);
-  if (!given) return touches;
-  for (std::size_t i = 0; i < std::min(given->size(), mostTouches); ++i) {
-    if (const auto touch = decodeIfFits<Touch>(AnyCodable((*given)[i]))) touches.push_back(*touch);
+std::optional<double> takeNumber(JsonCursor& cursor) {
+  const AnyCodable value = takeScalar(cursor);
+  if (const auto* integer = value.integer()) return static_cast<double>(*integer);
+  if (const auto* number = value.number()) return *number;
+  return std::nullopt;
+}
+
+std::string takeText(JsonCursor& cursor) {
+  const AnyCodable value = takeScalar(cursor);
+  return value.string() ? *value.string() : std::string();
+}
+
+std::optional<Touch> takeTouch(JsonCursor& cursor) {
+  if (!cursor.atObject()) {
+    cursor.skip();
+    return std::nullopt;
   }
+  std::optional<double> x;
+  std::optional<double> y;
+  Touch touch;
+  cursor.members([&](std::string_view key) {
+    if (key == keyOf<&Touch::x>()) {
+      x = takeNumber(cursor);
+    } else if (key == keyOf<&Touch::y>()) {
+      y = takeNumber(cursor);
+    } else if (key == keyOf<&Touch::endX>()) {
+      touch.endX = takeNumber(cursor);
+    } else if (key == keyOf<&Touch::endY>()) {
+      touch.endY = takeNumber(cursor);
+    } else {
+      cursor.skip();
+    }
+  });
+  if (!x || !y) return std::nullopt;
+  touch.x = *x;
+  touch.y = *y;
+  return touch;
+}
+
+std::vector<Touch> takeTouches(JsonCursor& cursor) {
+  std::vector<Touch> touches;
+  if (!cursor.atArray()) {
+    cursor.skip();
+    return touches;
+  }
+  cursor.elements([&] {
+    if (const auto touch = takeTouch(cursor)) touches.push_back(*touch);
+  });
   return touches;
 }
 
-CaptureFrame usable(const AnyCodable& frame) {
-  const auto* name = findField<&Frame::imageFileName>(frame);
-  return {name ? *name : std::string(), usableTouches(frame)};
+void takeFrame(JsonCursor& cursor, std::int64_t wantedStep, LatestFrames& latest) {
+  if (!cursor.atObject()) return cursor.skip();
+  AnyCodable step;
+  std::string status;
+  CaptureFrame frame;
+  cursor.members([&](std::string_view key) {
+    if (key == keyOf<&Frame::stepIndex>()) {
+      step = takeScalar(cursor);
+    } else if (key == keyOf<&Frame::status>()) {
+      status = takeText(cursor);
+    } else if (key == keyOf<&Frame::imageFileName>()) {
+      frame.imageFileName = takeText(cursor);
+    } else if (key == keyOf<&Frame::touches>()) {
+      frame.touches = takeTouches(cursor);
+    } else {
+      cursor.skip();
+    }
+  });
+  const auto known = fromRawValue<FrameStatus>(status);
+  if (known && step.integer() && *step.integer() == wantedStep) {
+    latest[static_cast<std::size_t>(*known)] = std::move(frame);
+  }
 }
 
 }  // namespace
 
 StepFrames readStepFrames(std::string_view manifest, std::int64_t stepIndex) {
-  const JsonObject session = readMembers<&CaptureSession::frames>(manifest);
-  const auto* frames = findField<&CaptureSession::frames>(session);
-  if (!frames) throw DecodeError("frames: expected an array");
-
-  std::array<const AnyCodable*, Vocabulary<FrameStatus>::rows.size()> latest{};
-  const auto latestOf = [&latest](FrameStatus status) -> const AnyCodable*& {
-    return latest[static_cast<std::size_t>(status)];
+  std::optional<LatestFrames> latest;
+  JsonReader().read(manifest, [&](JsonCursor& cursor) {
+    if (!cursor.atObject()) throw DecodeError("expected an object");
+    cursor.members([&](std::string_view key) {
+      if (key != keyOf<&CaptureSession::frames>()) return cursor.skip();
+      latest.reset();
+      if (!cursor.atArray()) return cursor.skip();
+      latest.emplace();
+      cursor.elements([&] { takeFrame(cursor, stepIndex, *latest); });
+    });
+  });
+  if (!latest) throw DecodeError("frames: expected an array");
+  const auto take = [&latest](FrameStatus status) -> std::optional<CaptureFrame>& {
+    return (*latest)[static_cast<std::size_t>(status)];
   };
-  for (const AnyCodable& frame : *frames) {
-    if (const auto status = statusInStep(frame, stepIndex)) latestOf(*status) = &frame;
-  }
-
-  StepFrames picked;
-  const auto* before = latestOf(FrameStatus::beforeStep);
-  const auto* failed = latestOf(FrameStatus::onFailure);
-  const auto* after = failed ? failed : latestOf(FrameStatus::afterStep);
-  if (before) picked.before = usable(*before);
-  if (after) picked.after = usable(*after);
-  return picked;
+  auto& failed = take(FrameStatus::onFailure);
+  return {std::move(take(FrameStatus::beforeStep)),
+          std::move(failed ? failed : take(FrameStatus::afterStep))};
 }
 
 }  // namespace corvane

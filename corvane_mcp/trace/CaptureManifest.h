@@ -27,7 +27,8 @@ struct StepFrames {
 
 /// Picks the frames of `stepIndex` out of a manifest's text. A frame taken on failure goes before
 /// one taken after the step; of several frames of one status the last counts. Frames and touches
-/// that make no sense are passed over. Throws DecodeError when the text is no manifest.
+/// that make no sense are passed over; a touch without both ends, as numbers, is a tap. Throws
+/// DecodeError when the text is no manifest.
 [[nodiscard]] StepFrames readStepFrames(std::string_view manifest, std::int64_t stepIndex);
 
 }  // namespace corvane

@@ -41,93 +41,131 @@ Measures measuresFor(PictureSize size) {
           .casingRadius = coreRadius * 2};
 }
 
-/// Paints thick round-ended lines with smooth edges onto a picture.
-class Painter {
+/// How near the pixels of a picture are to strokes. Of any number of strokes, many of which lie on
+/// each other then, each costs little more than looking where it lies.
+class Nearness {
  public:
-  explicit Painter(Picture& picture) : picture(picture) {}
+  /// Tells distances below `reach`, but of those up to `covered` only that they are no more.
+  Nearness(PictureSize size, double reach, double covered)
+      : size(size),
+        reach(static_cast<float>(reach)),
+        coveredSquare(static_cast<float>(covered * covered)),
+        pixels(static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height),
+               Pixel{this->reach * this->reach}) {}
 
-  void paint(const std::vector<Segment>& strokes, double radius, const Colour& colour) {
-    for (const auto& stroke : strokes) paint(stroke, radius, colour);
-  }
+  void add(const Segment& stroke);
+
+  /// Calls `visit` with every pixel within reach, and how far its middle is from the nearest
+  /// stroke.
+  template <class Visit>
+  void visitNear(Visit visit);
 
  private:
-  void paint(const Segment& stroke, double radius, const Colour& colour);
-  void blend(int x, int y, double coverage, const Colour& colour);
+  struct Pixel {
+    /// Of the distance.
+    float square;
+    /// How many pixels of the row, from this one on, are covered and need no further look: all of
+    /// them, or some.
+    int covered = 0;
+  };
+  struct Range {
+    int first;
+    int end;
+  };
 
-  Picture& picture;
-};
-
-double distance(Point point, const Segment& segment) {
-  const double dx = segment.to.x - segment.from.x;
-  const double dy = segment.to.y - segment.from.y;
-  const double squaredLength = dx * dx + dy * dy;
-  const double along = (point.x - segment.from.x) * dx + (point.y - segment.from.y) * dy;
-  const double t = squaredLength > 0 ? std::clamp(along / squaredLength, 0.0, 1.0) : 0.0;
-  return std::hypot(point.x - segment.from.x - t * dx, point.y - segment.from.y - t * dy);
-}
-
-/// The pixels between two places on a side `length` long.
-struct PixelRange {
-  PixelRange(double low, double high, int length)
-      : first(static_cast<int>(std::clamp(std::floor(low), 0.0, static_cast<double>(length)))),
-        end(static_cast<int>(std::clamp(std::ceil(high), 0.0, static_cast<double>(length)))) {}
-
-  int first;
-  int end;
-};
-
-/// The pixels of row `y` that a stroke can touch, and few others.
-PixelRange columnsOf(const Segment& stroke, int y, double reach, int width) {
-  const double dx = stroke.to.x - stroke.from.x;
-  const double dy = stroke.to.y - stroke.from.y;
-  double firstPart = 0;
-  double lastPart = 1;
-  if (dy != 0) {
-    const double one = (y - reach - stroke.from.y) / dy;
-    const double other = (y + 1 + reach - stroke.from.y) / dy;
-    firstPart = std::clamp(std::min(one, other), 0.0, 1.0);
-    lastPart = std::clamp(std::max(one, other), 0.0, 1.0);
+  /// The pixels between two places on a side `length` long, and at most one more.
+  [[nodiscard]] static Range between(float low, float high, int length) {
+    const auto side = static_cast<float>(length);
+    return {static_cast<int>(std::clamp(low, 0.0F, side)),
+            std::min(static_cast<int>(std::clamp(high, 0.0F, side)) + 1, length)};
   }
-  const auto [low, high] =
-      std::minmax({stroke.from.x + firstPart * dx, stroke.from.x + lastPart * dx});
-  return {low - reach, high + reach, width};
+  [[nodiscard]] Pixel* row(int y) {
+    return pixels.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(size.width);
+  }
+  /// The first column from `x` on that is not covered.
+  [[nodiscard]] int uncovered(Pixel* row, int x);
+
+  PictureSize size;
+  float reach;
+  float coveredSquare;
+  std::vector<Pixel> pixels;
+};
+
+int Nearness::uncovered(Pixel* row, int x) {
+  while (x < size.width && row[x].covered > 0) {
+    const int after = x + row[x].covered;
+    // The next walk takes two steps as one.
+    if (after < size.width) row[x].covered += row[after].covered;
+    x += row[x].covered;
+  }
+  return x;
 }
 
-void Painter::paint(const Segment& stroke, double radius, const Colour& colour) {
-  const double reach = radius + 0.5;
-  const auto [low, high] = std::minmax({stroke.from.y, stroke.to.y});
-  const PixelRange rows(low - reach, high + reach, picture.size.height);
+void Nearness::add(const Segment& stroke) {
+  const auto fromX = static_cast<float>(stroke.from.x);
+  const auto fromY = static_cast<float>(stroke.from.y);
+  const auto dx = static_cast<float>(stroke.to.x - stroke.from.x);
+  const auto dy = static_cast<float>(stroke.to.y - stroke.from.y);
+  const float squaredLength = dx * dx + dy * dy;
+  const float perSquaredLength = squaredLength > 0 ? 1 / squaredLength : 0;
+  const Range rows =
+      between(fromY + std::min(dy, 0.0F) - reach, fromY + std::max(dy, 0.0F) + reach, size.height);
   for (int y = rows.first; y < rows.end; ++y) {
-    const PixelRange columns = columnsOf(stroke, y, reach, picture.size.width);
-    for (int x = columns.first; x < columns.end; ++x) {
-      const double away = distance({x + 0.5, y + 0.5}, stroke);
-      if (away < reach) blend(x, y, std::min(reach - away, 1.0), colour);
+    const float down = static_cast<float>(y) + 0.5F - fromY;
+    // The part of the stroke that comes within reach of the row.
+    float one = 0;
+    float other = dx;
+    if (dy != 0) {
+      one = std::clamp((down - 0.5F - reach) / dy, 0.0F, 1.0F) * dx;
+      other = std::clamp((down + 0.5F + reach) / dy, 0.0F, 1.0F) * dx;
+    }
+    const Range columns = between(fromX + std::min(one, other) - reach,
+                                  fromX + std::max(one, other) + reach, size.width);
+    Pixel* const pixel = row(y);
+    for (int x = uncovered(pixel, columns.first); x < columns.end; x = uncovered(pixel, x + 1)) {
+      const float right = static_cast<float>(x) + 0.5F - fromX;
+      const float along = std::clamp((right * dx + down * dy) * perSquaredLength, 0.0F, 1.0F);
+      const float awayX = right - along * dx;
+      const float awayY = down - along * dy;
+      pixel[x].square = std::min(pixel[x].square, awayX * awayX + awayY * awayY);
+      if (pixel[x].square <= coveredSquare) pixel[x].covered = 1;
     }
   }
 }
 
-void Painter::blend(int x, int y, double coverage, const Colour& colour) {
-  std::uint8_t* pixel = picture.at(x, y);
-  for (std::size_t c = 0; c < colour.size(); ++c) {
-    const double mixed = pixel[c] + (colour[c] - pixel[c]) * coverage;
-    pixel[c] = static_cast<std::uint8_t>(std::lround(mixed));
+template <class Visit>
+void Nearness::visitNear(Visit visit) {
+  for (int y = 0; y < size.height; ++y) {
+    for (int x = 0; x < size.width; ++x) {
+      const float square = row(y)[x].square;
+      if (square < reach * reach) visit(x, y, std::sqrt(square));
+    }
   }
 }
 
-void addBrackets(std::vector<Segment>& strokes, Point centre, const Measures& measures) {
+/// Puts as much of `colour` on a pixel as a stroke of `radius` covers of it, `away` pixels from the
+/// stroke's middle.
+void paint(std::uint8_t* pixel, double away, double radius, const Colour& colour) {
+  const double coverage = std::clamp(radius + 0.5 - away, 0.0, 1.0);
+  for (std::size_t c = 0; c < colour.size(); ++c) {
+    pixel[c] = static_cast<std::uint8_t>(std::lround(pixel[c] + (colour[c] - pixel[c]) * coverage));
+  }
+}
+
+void addBrackets(Nearness& nearness, Point centre, const Measures& measures) {
   for (const double sideX : {-1.0, 1.0}) {
     for (const double sideY : {-1.0, 1.0}) {
       const Point corner{centre.x + sideX * measures.bracketReach,
                          centre.y + sideY * measures.bracketReach};
-      strokes.push_back({corner, {corner.x - sideX * measures.bracketArm, corner.y}});
-      strokes.push_back({corner, {corner.x, corner.y - sideY * measures.bracketArm}});
+      nearness.add({corner, {corner.x - sideX * measures.bracketArm, corner.y}});
+      nearness.add({corner, {corner.x, corner.y - sideY * measures.bracketArm}});
     }
   }
 }
 
 /// Adds a line and the barbs of the arrowhead at its end.
-void addArrow(std::vector<Segment>& strokes, Point start, Point end, const Measures& measures) {
-  strokes.push_back({start, end});
+void addArrow(Nearness& nearness, Point start, Point end, const Measures& measures) {
+  nearness.add({start, end});
   const double length = std::hypot(end.x - start.x, end.y - start.y);
   if (length == 0) return;
   const double alongX = (end.x - start.x) / length;
@@ -135,7 +173,7 @@ void addArrow(std::vector<Segment>& strokes, Point start, Point end, const Measu
   // The barbs stand off the line by 30 degrees.
   const double back = measures.arrowBarb * 0.866;
   for (const double aside : {-measures.arrowBarb / 2, measures.arrowBarb / 2}) {
-    strokes.push_back(
+    nearness.add(
         {end, {end.x - back * alongX - aside * alongY, end.y - back * alongY + aside * alongX}});
   }
 }
@@ -144,26 +182,47 @@ void addArrow(std::vector<Segment>& strokes, Point start, Point end, const Measu
 /// it.
 Point reachable(Point start, Point end, PictureSize size) {
   const double farthest = 4.0 * (size.width + size.height);
-  const double length = std::hypot(end.x - start.x, end.y - start.y);
-  if (length <= farthest) return end;
-  return {start.x + (end.x - start.x) / length * farthest,
-          start.y + (end.y - start.y) / length * farthest};
+  const double dx = end.x - start.x;
+  const double dy = end.y - start.y;
+  // The length itself could be beyond a double.
+  const double longer = std::max(std::abs(dx), std::abs(dy));
+  if (longer <= farthest) return end;
+  return {start.x + dx / longer * farthest, start.y + dy / longer * farthest};
+}
+
+/// `point` moved by less than the eye sees.
+Point onGrid(Point point) {
+  constexpr double steps = 4;
+  return {std::round(point.x * steps) / steps, std::round(point.y * steps) / steps};
+}
+
+/// `marks` but for those that would look like another.
+std::vector<TouchMark> distinct(std::span<const TouchMark> marks, PictureSize size) {
+  std::vector<TouchMark> kept;
+  kept.reserve(marks.size());
+  for (const auto& [start, end] : marks) {
+    kept.push_back({onGrid(start), std::nullopt});
+    if (end) kept.back().end = onGrid(reachable(start, *end, size));
+  }
+  std::sort(kept.begin(), kept.end());
+  kept.erase(std::unique(kept.begin(), kept.end()), kept.end());
+  return kept;
 }
 
 }  // namespace
 
 void drawTouchMarks(Picture& picture, std::span<const TouchMark> marks) {
+  if (marks.empty()) return;
   const Measures measures = measuresFor(picture.size);
-  std::vector<Segment> strokes;
-  for (const auto& mark : marks) {
-    addBrackets(strokes, mark.start, measures);
-    if (mark.end) {
-      addArrow(strokes, mark.start, reachable(mark.start, *mark.end, picture.size), measures);
-    }
+  Nearness nearness(picture.size, measures.casingRadius + 0.5, measures.coreRadius - 0.5);
+  for (const auto& [start, end] : distinct(marks, picture.size)) {
+    addBrackets(nearness, start, measures);
+    if (end) addArrow(nearness, start, *end, measures);
   }
-  Painter painter(picture);
-  painter.paint(strokes, measures.casingRadius, casingColour);
-  painter.paint(strokes, measures.coreRadius, coreColour);
+  nearness.visitNear([&](int x, int y, double away) {
+    paint(picture.at(x, y), away, measures.casingRadius, casingColour);
+    paint(picture.at(x, y), away, measures.coreRadius, coreColour);
+  });
 }
 
 }  // namespace corvane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <compare>
 #include <optional>
 #include <span>
 
@@ -11,6 +12,8 @@ namespace corvane {
 struct Point {
   double x = 0;
   double y = 0;
+
+  friend auto operator<=>(const Point&, const Point&) = default;
 };
 
 /// Where a touch is to be marked: its point, which lies in the picture, and a drag's end, which may
@@ -18,6 +21,8 @@ struct Point {
 struct TouchMark {
   Point start;
   std::optional<Point> end = std::nullopt;
+
+  friend auto operator<=>(const TouchMark&, const TouchMark&) = default;
 };
 
 /// Draws `marks` on `picture`: corner brackets around every touched point, and for a drag a line to

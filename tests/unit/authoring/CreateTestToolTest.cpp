@@ -291,6 +291,33 @@ TEST_F(CreateTestToolTest, BranchesDeeperThanOneLevelAreDropped) {
       R"("type":"visualAssert"}],"description":"","referencedTestName":"x","type":"runTest"})");
 }
 
+// Fails when a loss is not told, is told without its place, or is told of what was not sent.
+TEST_F(CreateTestToolTest, WhatIsDroppedIsToldInTheLog) {
+  (void)answer(arguments(
+      R"({"type":"runTest","referencedTestName":"x","title":7,"fromStep":"1","toStep":null,)"
+      R"("arguments":{"a":"b","n\n":1},"children":[{"type":"visualAssert","description":"'y'?",)"
+      R"("previousStepCondition":"previousFailed","udiName":[],"children":[{"type":"tap"}]},)"
+      R"({"type":"visualAssert","description":"'z'?","previousStepCondition":"previousFailed",)"
+      R"("children":[]},{"type":"visualAssert","description":"'a'?",)"
+      R"("previousStepCondition":"previousFailed","children":7}]},)"
+      R"({"type":"runTest","referencedTestName":"x","children":[{"type":"tap"},null]},)"
+      R"({"type":"runTest","referencedTestName":"x","children":null},)",
+      R"(,"selfHealingMode":"fullTest","autoRun":"false","suiteName":null,"testIndex":0.5)"));
+  auto told = bench.logged();
+  std::erase_if(told, [](const std::string& line) { return !line.starts_with("WARN "); });
+  EXPECT_EQ(
+      told,
+      (std::vector<std::string>{
+          "WARN testIndex dropped: expected an integer", "WARN autoRun dropped: expected a boolean",
+          "WARN interactions[2].arguments dropped: n\\n: expected a string",
+          "WARN interactions[2].fromStep dropped: expected an integer",
+          "WARN interactions[2].children[0].udiName dropped: expected a string",
+          "WARN interactions[2].children[0].children dropped: branches are one level deep",
+          "WARN interactions[2].children[2].children dropped: expected an array of objects",
+          "WARN interactions[3].children dropped: expected an array of objects",
+          "WARN Could not locate Corvane.app to launch"}));
+}
+
 TEST_F(CreateTestToolTest, DescriptionsOfCommandsAreTidied) {
   const auto tidied = [this](const std::string& command, const std::string& description) {
     const AnyCodable made =

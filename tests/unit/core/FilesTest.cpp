@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <csignal>
+#include <limits>
 #include <thread>
 
 #include "CorvaneCore/files/Files.h"
@@ -115,6 +116,37 @@ TEST(FilesReadTest, StampsTellVersionsApart) {
   EXPECT_EQ(readStamp(home.path() / "link"), readStamp(file));
   fs::create_symlink("nowhere", home.path() / "dangling");
   EXPECT_EQ(readStamp(home.path() / "dangling"), std::nullopt);
+}
+
+// Fails when a time that is out of reach is cut to one that is not, or runs over.
+TEST(FilesReadTest, AStampHasNoTimeOutOfReach) {
+  const TemporaryHome home;
+  const fs::path file = home.path() / "file";
+  writeFileWhole(file, "12345");
+  const auto modifiedAt = [&file](std::int64_t seconds) {
+    const timespec times[2]{{seconds, 999'999'999}, {seconds, 999'999'999}};
+    if (::utimensat(AT_FDCWD, file.c_str(), times, 0) != 0) return std::string("(not set)");
+    struct stat status{};
+    ::stat(file.c_str(), &status);
+    // File systems cut what is out of their own reach.
+    if (status.st_mtime != seconds) return std::string("(not set)");
+    const auto stamp = readStamp(file);
+    if (!stamp || stamp->size != 5) return std::string("(no stamp)");
+    if (!stamp->modifiedAt) return std::string("(no time)");
+    return std::to_string(stamp->modifiedAt->time_since_epoch().count());
+  };
+  EXPECT_EQ(modifiedAt(1'700'000'000), "1700000000999999999");
+  for (const auto& [seconds, expected] :
+       {std::pair<std::int64_t, std::string>{9'200'000'000, "9200000000999999999"},
+        {9'200'000'001, "(no time)"},
+        {10'413'792'000, "(no time)"},
+        {std::numeric_limits<std::int64_t>::max(), "(no time)"},
+        {-4'000'000'000, "-3999999999000000001"},
+        {-4'000'000'001, "(no time)"},
+        {std::numeric_limits<std::int64_t>::min(), "(no time)"}}) {
+    const std::string time = modifiedAt(seconds);
+    if (time != "(not set)") EXPECT_EQ(time, expected) << seconds;
+  }
 }
 
 TEST(FilesReadTest, ExistenceFollowsLinks) {

@@ -68,13 +68,18 @@ TEST(LenientReadingTest, TakesTheFieldsThatFit) {
   Step step;
   step.status = "kept";
   step.title = "kept too";
-  takeFieldsExcept<&Step::title>(object, step);
+  std::vector<std::string> misfits;
+  takeFieldsExcept<&Step::title>(object, step, [&](std::string_view key, std::string_view why) {
+    misfits.push_back(std::string(key).append(" ").append(why));
+  });
   EXPECT_EQ(step.index, 0);
   EXPECT_EQ(step.title, "kept too");
   EXPECT_EQ(step.description, "D");
   EXPECT_EQ(step.status, "kept");
   EXPECT_TRUE(step.healedByAI);
   EXPECT_FALSE(step.durationSeconds);
+  EXPECT_EQ(misfits,
+            (std::vector<std::string>{"index expected an integer", "status expected a string"}));
 }
 
 }  // namespace

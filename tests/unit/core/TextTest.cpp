@@ -82,9 +82,20 @@ TEST(Utf8Test, EscapesControlsSoThatTextStaysOnOneLine) {
   EXPECT_EQ(escapeControls(std::string_view("\0\x01\x1B\x1F\x7F", 5)),
             R"(\u0000\u0001\u001b\u001f\u007f)");
   EXPECT_EQ(escapeControls("\xC2\x80\xC2\x9F\xC2\xA0"), "\\u0080\\u009f\xC2\xA0");
-  EXPECT_EQ(escapeControls("\xE2\x80\xA8\xE2\x80\xA9"), R"(\u2028\u2029)");
+  EXPECT_EQ(escapeControls("\u2027\u2028\u2029"), "\u2027\\u2028\\u2029");
   EXPECT_EQ(escapeControls("\xC3\xA9 \xF0\x9F\x98\x80 \\ \""), "\xC3\xA9 \xF0\x9F\x98\x80 \\ \"");
   EXPECT_EQ(escapeControls(""), "");
+}
+
+// Fails when a control that turns the text around it is left, or a neighbour of one is not.
+TEST(Utf8Test, EscapesWhatChangesTheDirectionOfText) {
+  EXPECT_EQ(escapeControls("\u061B\u061C\u061D"), "\u061B\\u061c\u061D");
+  EXPECT_EQ(escapeControls("\u200D\u200E\u200F\u2010"), "\u200D\\u200e\\u200f\u2010");
+  EXPECT_EQ(escapeControls("\u202A\u202B\u202C\u202D\u202E\u202F"),
+            "\\u202a\\u202b\\u202c\\u202d\\u202e\u202F");
+  EXPECT_EQ(escapeControls("\u2065\u2066\u2067\u2068\u2069\u206A"),
+            "\u2065\\u2066\\u2067\\u2068\\u2069\u206A");
+  EXPECT_EQ(escapeControls("חנות"), "חנות");
 }
 
 TEST(Utf8Test, EscapingLeavesForeignBytesInPlace) {

@@ -265,6 +265,14 @@ TEST_F(LoggerTest, KeepsOneEventOnOneLine) {
             "INFO a\\nb\\r\\tc\\u001b[31m\\u0000d\\u007f ü → \\u0085\\u2028\\u2029");
 }
 
+// Fails when a name can move what stands beside it in the line.
+TEST_F(LoggerTest, KeepsTheOrderOfALine) {
+  Logger(file).info("Launched \u202Eppa.yek\u2066 at /src: success=true");
+  ASSERT_EQ(TestFiles::lines(file).size(), 1U);
+  EXPECT_EQ(levelAndMessage(TestFiles::lines(file).front()),
+            "INFO Launched \\u202eppa.yek\\u2066 at /src: success=true");
+}
+
 TEST_F(LoggerTest, CreatesItsFolderWithParents) {
   ASSERT_FALSE(fs::exists(file.parent_path()));
   const Logger logger(file);

@@ -103,6 +103,23 @@ TEST(DownscaledJpegTest, TouchesFrom0To1AreFractions) {
   expectMarkAt(200, 150, file, {.x = 0.25, .y = 0.75});
 }
 
+// Fails when the borders count as lying outside, of the fractions or of the picture.
+TEST(DownscaledJpegTest, TheBordersBelongToThePicture) {
+  const std::string file = pngFile(smoothPicture({160, 40}));
+  const auto shown = [&file](double x, double y) { return downscaled(file, {{.x = x, .y = y}}); };
+  EXPECT_EQ(shown(0, 0.5), shown(0, 20));
+  EXPECT_EQ(shown(1, 0.5), shown(160, 20));
+  EXPECT_EQ(shown(0.5, 0), shown(80, 0));
+  EXPECT_EQ(shown(0.5, 1), shown(80, 40));
+  EXPECT_NE(shown(0, 20), downscaled(file));
+  EXPECT_NE(shown(160, 20), downscaled(file));
+  const auto dragged = [&file](double endX, double endY) {
+    return downscaled(file, {{.x = 0.5, .y = 0.5, .endX = endX, .endY = endY}});
+  };
+  EXPECT_EQ(dragged(0, 1), downscaled(file, {{.x = 80, .y = 20, .endX = 0, .endY = 40}}));
+  EXPECT_EQ(dragged(1, 0), downscaled(file, {{.x = 80, .y = 20, .endX = 160, .endY = 0}}));
+}
+
 TEST(DownscaledJpegTest, OtherTouchesArePixels) {
   const std::string file = pngFile(smoothPicture({1600, 400}));
   expectMarkAt(200, 150, file, {.x = 400, .y = 300});

@@ -80,6 +80,15 @@ TEST(PngDecoderTest, CorrectsTheGammaThatAFileStates) {
   EXPECT_NEAR(shown(100000), 127, 1);
 }
 
+// Fails when the colours are corrected and then, with the profile, corrected again.
+TEST(PngDecoderTest, AColourProfileGoesBeforeTheGamma) {
+  const Picture grey = drawn({8, 8}, [](int, int) { return Rgb{55, 55, 55}; });
+  const std::string profile = colourProfile("RGB ", 600);
+  const auto decoded = decodedPng(pngFile(grey, {.profile = profile, .gamma = 100000}));
+  EXPECT_EQ(decoded.colourProfile.size(), 600U);
+  EXPECT_EQ(colourAt(decoded.picture, 4, 4), (Rgb{55, 55, 55}));
+}
+
 TEST(PngDecoderTest, ReadsTheOrientation) {
   const std::string file = pngFile(noisyPicture({4, 4}), {.exif = exifData(6, true)});
   EXPECT_EQ(decodedPng(file).orientation, Orientation::turnedRight);

@@ -41,6 +41,21 @@ TEST_F(PictureInputTest, ReadsAFileFromFrontToBack) {
   EXPECT_EQ(readAll(PictureInput::open(folder, "a.png")), contents);
 }
 
+// Fails when a file is read for as long as it grows.
+TEST_F(PictureInputTest, AFileThatGrowsEndsSomeTime) {
+  const auto file = folder / "growing.png";
+  writeFileWhole(file, "x");
+  auto input = PictureInput::open(folder, "growing.png");
+  constexpr std::size_t largest = std::size_t{512} << 20;
+  ASSERT_EQ(::truncate(file.c_str(), off_t{largest} + 100), 0);
+  std::size_t read = 0;
+  for (auto ready = input.peek(); !ready.empty(); ready = input.peek()) {
+    read += ready.size();
+    input.consume(ready.size());
+  }
+  EXPECT_EQ(read, largest);
+}
+
 TEST_F(PictureInputTest, ReadsBytesInMemory) {
   const std::vector<std::uint8_t> bytes{'a', 'b', 'c'};
   EXPECT_EQ(readAll(PictureInput(bytes)), "abc");
@@ -87,6 +102,10 @@ TEST_F(PictureInputTest, RefusesEmptyMissingAndHugeFiles) {
   EXPECT_EQ(refusal("missing.png"), "No such file or directory");
   writeFileWhole(folder / "huge.png", "x");
   ASSERT_EQ(::truncate((folder / "huge.png").c_str(), off_t{600} << 20), 0);
+  EXPECT_EQ(refusal("huge.png"), "the file is too large");
+  ASSERT_EQ(::truncate((folder / "huge.png").c_str(), off_t{512} << 20), 0);
+  EXPECT_NO_THROW((void)PictureInput::open(folder, "huge.png"));
+  ASSERT_EQ(::truncate((folder / "huge.png").c_str(), (off_t{512} << 20) + 1), 0);
   EXPECT_EQ(refusal("huge.png"), "the file is too large");
 }
 

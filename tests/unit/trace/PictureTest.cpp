@@ -22,6 +22,7 @@ TEST(ReasonableSizeTest, AllowsAHundredMillionPixels) {
 TEST(ReasonableSizeTest, RefusesMore) {
   EXPECT_EQ(refusal(10'000, 10'001), "the picture is too large: 10000 x 10001 pixels");
   EXPECT_EQ(refusal(100'001, 1), "the picture is too large: 100001 x 1 pixels");
+  EXPECT_EQ(refusal(1, 100'001), "the picture is too large: 1 x 100001 pixels");
   EXPECT_EQ(refusal(0xFFFFFFFF, 0xFFFFFFFF),
             "the picture is too large: 4294967295 x 4294967295 pixels");
 }

@@ -112,6 +112,13 @@ TEST(TouchMarksTest, OnATinyPictureTheyStillLeaveThePointFree) {
   EXPECT_EQ(colourAt(picture, 20, 20), grey);
 }
 
+// Fails when strokes get thinner than a pixel shows.
+TEST(TouchMarksTest, OnATinyPictureTheirColourIsStillSeen) {
+  const Picture picture = marked({40, 40}, {{{20.5, 20.5}, {}}});
+  // The middle of an upper bracket's arm.
+  EXPECT_TRUE(isBright(colourAt(picture, 16, 15)));
+}
+
 TEST(TouchMarksTest, AreCutAtTheBorder) {
   const PictureSize size{400, 800};
   const int whole = touchedPixels(marked(size, {{{200, 400}, {}}}));
@@ -123,17 +130,81 @@ TEST(TouchMarksTest, AreCutAtTheBorder) {
   }
 }
 
+// Fails when the far end, or the length of the way there, is beyond what the strokes are computed
+// in.
 TEST(TouchMarksTest, ADragMayEndFarOutside) {
-  const Picture picture = marked({400, 800}, {{{200, 400}, Point{1e12, 400}}});
-  for (int x = 200; x < 400; ++x) ASSERT_TRUE(isBright(colourAt(picture, x, 400))) << x;
-  for (const double far : {1e150, 1e200, 1.7e308, -1.7e308}) {
-    EXPECT_GT(touchedPixels(marked({400, 800}, {{{200, 400}, Point{far, far}}})), 0);
+  for (const double far : {1e12, 1e150, 1e200, 1.7e308}) {
+    const Picture level = marked({400, 800}, {{{200, 400.5}, Point{far, 400.5}}});
+    for (int x = 200; x < 400; ++x) ASSERT_TRUE(isBright(colourAt(level, x, 400))) << far;
+    const Picture falling = marked({400, 800}, {{{200, 400}, Point{far, far}}});
+    const Picture rising = marked({400, 800}, {{{200, 400}, Point{-far, -far}}});
+    for (int i = 0; i < 200; ++i) {
+      ASSERT_TRUE(isBright(colourAt(falling, 200 + i, 400 + i))) << far << ", " << i;
+      ASSERT_TRUE(isBright(colourAt(rising, 199 - i, 399 - i))) << far << ", " << i;
+    }
   }
 }
 
 TEST(TouchMarksTest, ADragToItsOwnStartShowsADot) {
   const Picture picture = marked({400, 800}, {{{200, 400}, Point{200, 400}}});
   EXPECT_TRUE(isBright(colourAt(picture, 200, 400)));
+}
+
+// Fails when a drag too short to be measured is divided by its length.
+TEST(TouchMarksTest, ADragOfNearlyNoLengthShowsADot) {
+  for (const double length : {1e-3, 1e-20, 1e-300}) {
+    const Picture picture = marked({400, 800}, {{{200, 400}, Point{200 + length, 400 + length}}});
+    EXPECT_TRUE(isBright(colourAt(picture, 200, 400))) << length;
+  }
+}
+
+// Fails when strokes that lie on each other make their smooth edges harder.
+TEST(TouchMarksTest, OneMarkOnAnotherLooksLikeOne) {
+  const TouchMark tap{{130, 210}, {}};
+  const TouchMark drag{{100, 200}, Point{310, 590}};
+  const Picture once = marked({400, 800}, {tap, drag});
+  EXPECT_EQ(marked({400, 800}, {drag, tap, tap, drag, drag}).bytes, once.bytes);
+}
+
+// Fails when a pixel beside one that a stroke has covered gets no look from the next.
+TEST(TouchMarksTest, WhereMarksCrossTheNearestStrokeShows) {
+  constexpr PictureSize size{400, 800};
+  constexpr Rgb core{255, 228, 0};
+  const TouchMark steep{{106, 190}, Point{294, 610}};
+  const TouchMark flatter{{100, 200}, Point{300, 600}};
+  const Picture one = marked(size, {steep});
+  const Picture other = marked(size, {flatter});
+  const Picture both = marked(size, {steep, flatter});
+  for (int y = 0; y < size.height; ++y) {
+    for (int x = 0; x < size.width; ++x) {
+      const Rgb first = colourAt(one, x, y);
+      const Rgb second = colourAt(other, x, y);
+      const bool firstIsNearer = first == core || second == grey;
+      if (firstIsNearer || second == core || first == grey) {
+        ASSERT_EQ(colourAt(both, x, y), firstIsNearer ? first : second) << x << ", " << y;
+      }
+    }
+  }
+}
+
+// Fails when only so many marks are drawn, or when what lies under many strokes is passed over
+// where they do not reach.
+TEST(TouchMarksTest, EveryOneOfManyMarksIsDrawn) {
+  constexpr PictureSize size{400, 800};
+  std::vector<TouchMark> marks;
+  for (int i = 0; i < 20'000; ++i) marks.push_back({{i % 200 / 2.0, 40 + i / 200 * 2.0}, {}});
+  const Picture many = marked(size, marks);
+  const Picture one = marked(size, {{{320, 600}, {}}});
+  marks.insert(marks.begin() + 10'000, TouchMark{{320, 600}, {}});
+  const Picture all = marked(size, marks);
+  for (int y = 0; y < size.height; ++y) {
+    for (int x = 0; x < size.width; ++x) {
+      const Picture& expected = x < 200 ? many : one;
+      ASSERT_EQ(colourAt(all, x, y), colourAt(expected, x, y)) << x << ", " << y;
+    }
+  }
+  EXPECT_TRUE(isBright(colourAt(many, 60, 100)));
+  EXPECT_EQ(colourAt(many, 260, 100), grey);
 }
 
 TEST(TouchMarksTest, FitOnASinglePixel) {

@@ -35,6 +35,9 @@ std::string captionFor(int step, const std::string& labels) {
   return "step " + std::to_string(step) + " screenshots (" + labels + noteAfterLabels;
 }
 
+constexpr const char* noFrames =
+    "(no frames recorded for step 3 — it may not have executed, or its session was pruned)";
+
 class TraceImageReaderTest : public ::testing::Test {
  protected:
   void writeManifest(const std::string& text) const {
@@ -112,7 +115,28 @@ TEST_F(TraceImageReaderTest, AnUnreadableManifestIsNone) {
     writeManifest(text);
     EXPECT_EQ(textsOf(blocks()), Texts{noManifest()}) << text;
   }
-  writeManifest(R"({"frames":[],"padding":")" + std::string(5'000'000, 'x') + R"("})");
+}
+
+// Fails when a manifest may be larger or has to be smaller than other shared files.
+TEST_F(TraceImageReaderTest, AManifestIsAsLargeAsAnySharedFileMayBe) {
+  const std::string manifest = R"({"frames":[]})";
+  const std::size_t largest = std::size_t{64} << 20;
+  writeManifest(manifest + std::string(largest - manifest.size(), ' '));
+  EXPECT_EQ(textsOf(blocks()), Texts{noFrames});
+  writeManifest(manifest + std::string(largest - manifest.size() + 1, ' '));
+  EXPECT_EQ(textsOf(blocks()), Texts{noManifest()});
+}
+
+// Fails when the system gets to see the path: it would find a manifest at each of these.
+TEST_F(TraceImageReaderTest, AFolderOfNoPlaceHasNoManifest) {
+  writeManifest(R"({"frames":[]})");
+  const auto existing = folder;
+  folder = existing.lexically_relative(std::filesystem::current_path());
+  ASSERT_TRUE(std::filesystem::exists(folder / "session.json"));
+  EXPECT_EQ(textsOf(blocks()), Texts{noManifest()});
+  folder = (existing / "session.json").native() + std::string(1, '\0');
+  EXPECT_EQ(textsOf(blocks()), Texts{noManifest()});
+  folder.clear();
   EXPECT_EQ(textsOf(blocks()), Texts{noManifest()});
 }
 
@@ -133,8 +157,7 @@ TEST_F(TraceImageReaderTest, AFolderOfAnyNameIsNamedInValidText) {
 }
 
 TEST_F(TraceImageReaderTest, AStepWithoutFramesSaysSo) {
-  const Texts expected{
-      "(no frames recorded for step 3 — it may not have executed, or its session was pruned)"};
+  const Texts expected{noFrames};
   writeManifest(R"({"frames":[]})");
   EXPECT_EQ(textsOf(blocks()), expected);
   writeManifest(R"({"frames":[{"stepIndex":4,"status":"beforeStep","imageFileName":"b.png"}]})");

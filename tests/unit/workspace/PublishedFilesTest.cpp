@@ -225,6 +225,21 @@ TEST_F(RecentResultsTest, AgesAreTruncatedTowardZero) {
                       R"({"requestId":"d","secondsSinceUpdate":90,"status":"s"}])");
 }
 
+// Fails when a time that is out of reach counts as one that is not.
+TEST_F(RecentResultsTest, AFileWithoutATimeIsNotListed) {
+  putResult("present", seconds(1));
+  putResult("future", seconds(1));
+  // In the year 2300, if the file system reaches it.
+  const timespec late{10'413'792'000, 0};
+  const timespec both[] = {late, late};
+  const auto file = folder / "future.json";
+  ASSERT_EQ(::utimensat(AT_FDCWD, file.c_str(), both, 0), 0);
+  struct stat status{};
+  ASSERT_EQ(::stat(file.c_str(), &status), 0);
+  if (status.st_mtime != late.tv_sec) GTEST_SKIP() << "the file system ends before";
+  EXPECT_EQ(listed(), R"([{"requestId":"present","secondsSinceUpdate":1,"status":"passed"}])");
+}
+
 TEST_F(RecentResultsTest, OtherNamesAreNotLookedAt) {
   const char* text = R"({"requestId":"x","status":"s"})";
   for (const char* name : {".hidden.json", "a.JSON", "b.json.tmp", "c.txt", "json", ".json"}) {
