@@ -13,12 +13,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The app that the server starts. Its name lets these tests take turns with others that depend on
-/// whether the app runs.
+/// The app that the server starts.
 class LaunchedAppTest : public FaultTest {
  protected:
-  LaunchedAppTest() { waitUntilNoAppRuns(); }
-
   TemporaryApp app{home.path() / "Applications" / "Corvane.app"};
 };
 
