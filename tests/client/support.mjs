@@ -33,7 +33,12 @@ export async function connect(
     mkdirSync(join(home, 'Applications'));
     symlinkSync(appBundle, join(home, 'Applications', 'Corvane.app'));
   }
-  const environment = { PATH: process.env.PATH, HOME: home, ...env };
+  const environment = {
+    PATH: process.env.PATH,
+    HOME: home,
+    LD_PRELOAD: process.env.CORVANE_OWN_PROCESSES ?? '',
+    ...env,
+  };
   const transport = new StdioClientTransport({
     command: join(bin, 'corvane-mcp'),
     env: environment,
