@@ -70,7 +70,7 @@ TEST_F(LaunchedAppTest, IsTheOneAroundTheServer) {
   const fs::path bundle = home.path() / "Elsewhere" / "Corvane.app";
   const fs::path program = bundle / "Contents" / "MacOS" / "corvane-mcp";
   fs::create_directories(program.parent_path());
-  fs::copy_file(CORVANE_MCP_PROGRAM, program);
+  fs::copy_file(FaultTest::program(), program);
   auto given = setup();
   given.program = program;
   ServerProcess server(std::move(given));
