@@ -226,6 +226,32 @@ TEST_F(ServerProcessTest, LeavesNoServerBehind) {
   }
 }
 
+// Fails when a server that does not end with its input is killed without having been asked.
+TEST_F(ServerProcessTest, AsksTheServerToEndBeforeItKillsIt) {
+  const auto note = directory.path() / "asked";
+  {
+    ServerProcess server(shellProgram("trap 'echo >" + note.string() +
+                                      "; exit' TERM; echo ready; while :; do sleep 0.01; done"),
+                         log, interruption);
+    EXPECT_EQ(server.readLine(after(ampleTimeout)), "ready");
+  }
+  EXPECT_TRUE(fileExists(note));
+}
+
+// Fails when a line is collected however long it gets.
+TEST_F(ServerProcessTest, GivesUpOnALineWithoutEnd) {
+  constexpr std::size_t longest = 1'000'000;
+  const auto firstLine = [&](std::size_t length) {
+    ServerProcess server(shellProgram("head -c " + std::to_string(length) +
+                                      " /dev/zero | tr '\\0' x; echo; exec cat"),
+                         log, interruption, longest);
+    const auto line = server.readLine(after(ampleTimeout));
+    return line ? line->size() : 0;
+  };
+  EXPECT_EQ(firstLine(longest), longest);
+  EXPECT_THROW(firstLine(3 * longest), ProtocolError);
+}
+
 TEST_F(ServerProcessTest, LeavesNoServerBehindWhenTheLogCannotBeShown) {
   const auto idFile = directory.path() / "id";
   ServerLog broken([](std::string_view) { throw std::runtime_error("no reader"); });
