@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <unistd.h>
 
 #include "CorvaneCore/files/Files.h"
 #include "FakeServerScript.h"
@@ -262,6 +263,25 @@ TEST_F(ServerProcessTest, LeavesNoServerBehindWhenTheLogCannotBeShown) {
     EXPECT_EQ(server.readLine(after(ampleTimeout)), "ready");
   }
   EXPECT_NE(::kill(std::stoi(readFile(idFile)), 0), 0);
+}
+
+// Fails when Ctrl-C, which a terminal sends to the whole group, ends the server too.
+TEST_F(ServerProcessTest, LeavesCtrlCToThisProgram) {
+  ServerProcess server(shellProgram("echo $$; exec cat"), log, interruption);
+  const auto id = server.readLine(after(ampleTimeout));
+  ASSERT_TRUE(id);
+  EXPECT_EQ(::getpgid(std::stoi(*id)), std::stoi(*id));
+}
+
+// Fails when a program that was started in the background hears of Ctrl-C.
+TEST_F(ServerProcessTest, IgnoresASignalThatItWasStartedToIgnore) {
+  const auto former = ::signal(SIGINT, SIG_IGN);
+  {
+    Interruption ignorant;
+    ::raise(SIGINT);
+    EXPECT_FALSE(ignorant.wait({}, after(shortTimeout)));
+  }
+  ::signal(SIGINT, former);
 }
 
 TEST_F(ServerProcessTest, StopsWaitingAtASignal) {
