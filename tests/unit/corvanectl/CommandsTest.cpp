@@ -20,13 +20,13 @@ class CommandsTest : public ::testing::Test {
   ExitStatus followUntil(Deadline end) {
     Session session(context);
     const auto begin = std::chrono::steady_clock::now();
-    const ExitStatus status = follow({.requestId = "ID"}, session, end, context);
+    const ExitStatus status = follow(FollowCommand{"ID", false, {}}, session, end, context);
     followed = std::chrono::steady_clock::now() - begin;
     return status;
   }
 
   const FileDescriptor nowhere{::open("/dev/null", O_WRONLY | O_CLOEXEC)};
-  const ServerOptions options{.server = FakeServerScript::program()};
+  const ServerOptions options{FakeServerScript::program(), false, {}};
   Interruption interruption;
   Console console{interruption, nowhere.get(), nowhere.get()};
   PictureViewer pictureViewer{console, interruption};
@@ -65,10 +65,12 @@ TEST_F(CommandsTest, ACallMayTakeAsLongAsItsToolWaits) {
   const FakeServerScript script(
       greeted({"expect tools/call", "delay 3000", textResult("at last")}));
   context.usualTimeout = Seconds(2);
-  const CallCommand call{.tool = "get_result", .arguments = R"({"waitSeconds":30})"};
+  CallCommand call;
+  call.tool = "get_result";
+  call.arguments = R"({"waitSeconds":30})";
   EXPECT_EQ(execute(call, context), ExitStatus::success);
-  const CallCommand other{.tool = "get_result"};
-  EXPECT_THROW(execute(other, context), NoAnswer);
+  call.arguments = "{}";
+  EXPECT_THROW(execute(call, context), NoAnswer);
 }
 
 }  // namespace
