@@ -2,7 +2,10 @@
 
 #include <utility>
 
-#include "CorvaneCore/json/AgentWire.h"
+#include "CorvaneCore/files/Files.h"
+#include "CorvaneCore/json/JsonReader.h"
+#include "CorvaneCore/json/LenientReading.h"
+#include "CorvaneCore/text/Unicode.h"
 
 namespace corvane::standin {
 
@@ -25,21 +28,61 @@ std::optional<std::string> StandInSettings::problem() const {
   return std::nullopt;
 }
 
-StandInSettings StandInSettings::load(const std::filesystem::path& file, const StandInLog& log) {
-  if (!fileExists(file)) return {};
-  std::string problem;
-  try {
-    auto settings = readRecord<StandInSettings>(file);
-    const auto unusable = settings.problem();
-    if (!unusable) return settings;
-    problem = *unusable;
-  } catch (const FileError& error) {
-    problem = error.what();
-  } catch (const DecodeError& error) {
-    problem = error.what();
+namespace {
+
+/// Tells the members of `object` that the record has no field for.
+template <DeclaredRecord Record>
+void tellUnknown(const JsonObject& object, const std::string& place,
+                 std::vector<std::string>& problems) {
+  for (const auto& [key, value] : object) {
+    const bool known = Record::fields().apply(
+        [&key](const auto&... field) { return ((field.key == key) || ...); });
+    if (!known) problems.push_back(escapeControls(place + key) + ": there is no such setting");
   }
-  log.warn("settings.json is not used, the defaults are: " + problem);
-  return {};
+}
+
+/// Takes what `part` says, a setting or the outcome of a test, unless it cannot be used.
+void take(JsonObject part, StandInSettings& settings, std::vector<std::string>& problems) {
+  try {
+    auto said = decodeValue<StandInSettings>(part);
+    if (const auto unusable = said.problem()) throw DecodeError(*unusable);
+    takeFieldsExcept<&StandInSettings::outcomes>(part, settings);
+    settings.outcomes.merge(said.outcomes);
+  } catch (const DecodeError& error) {
+    problems.emplace_back(error.what());
+  }
+}
+
+}  // namespace
+
+StandInSettings StandInSettings::load(const std::filesystem::path& file,
+                                      std::vector<std::string>& problems) {
+  StandInSettings settings;
+  if (!fileExists(file)) return settings;
+  try {
+    const auto all = decodeValue<JsonObject>(readJson(readFile(file)));
+    tellUnknown<StandInSettings>(all, "", problems);
+    for (const auto& [key, value] : all) {
+      const auto* tests = key == keyOf<&StandInSettings::outcomes>()
+                              ? std::get_if<JsonObject>(&value.value())
+                              : nullptr;
+      if (!tests) {
+        take({{key, value}}, settings, problems);
+        continue;
+      }
+      for (const auto& [test, outcome] : *tests) {
+        take({{key, JsonObject{{test, outcome}}}}, settings, problems);
+        if (const auto* members = std::get_if<JsonObject>(&outcome.value())) {
+          tellUnknown<TestOutcome>(*members, key + "." + test + ".", problems);
+        }
+      }
+    }
+  } catch (const FileError& error) {
+    problems.emplace_back(error.what());
+  } catch (const DecodeError& error) {
+    problems.emplace_back(error.what());
+  }
+  return settings;
 }
 
 }  // namespace corvane::standin

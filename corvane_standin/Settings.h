@@ -6,9 +6,9 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "CorvaneCore/json/Record.h"
-#include "corvane_standin/program/Environment.h"
 
 namespace corvane::standin {
 
@@ -97,10 +97,10 @@ struct StandInSettings {
   /// The first value that cannot be worked with, as text for people.
   [[nodiscard]] std::optional<std::string> problem() const;
 
-  /// The settings in `file`; the defaults when there is none. Settings that cannot be used are told
-  /// to `log` and give way to the defaults as a whole.
+  /// The settings in `file`; the defaults when there is none. What cannot be used is told, with its
+  /// place, in `problems`; a setting or the outcome of a test then keeps its default.
   [[nodiscard]] static StandInSettings load(const std::filesystem::path& file,
-                                            const StandInLog& log);
+                                            std::vector<std::string>& problems);
 };
 
 }  // namespace corvane::standin

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/paths/AgentPaths.h"
@@ -92,6 +93,15 @@ int run(const Options& options) {
   }
   // Not even what a run captures is for others.
   ::umask(S_IRWXG | S_IRWXO);
+  std::vector<std::string> problems;
+  const auto settings =
+      overriddenBy(options, StandInSettings::load(files.settingsFile(), problems));
+  for (auto& problem : problems) problem.insert(0, "settings.json: ");
+  // Somebody who starts it by hand sees at once what is wrong; a server's start goes on regardless.
+  if (!problems.empty() && ::isatty(STDERR_FILENO) == 1) {
+    for (const auto& problem : problems) std::cerr << "Corvane: " << problem << "\n";
+    return 2;
+  }
   ensureDirectoryExists(files.directory());
   // Before the lock is taken: from then on other processes may ask this one to stop.
   const StopSignals stop;
@@ -103,7 +113,7 @@ int run(const Options& options) {
   const SystemClock clock;
   const StandInLog log(files.logFile(), clock);
   log.info("started as process " + std::to_string(::getpid()));
-  const auto settings = overriddenBy(options, StandInSettings::load(files.settingsFile(), log));
+  for (const auto& problem : problems) log.warn(problem);
   StandIn standIn(paths, settings, clock, log);
   return loop(standIn, *lock, stop, log);
 }

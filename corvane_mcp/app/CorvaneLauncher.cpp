@@ -95,7 +95,7 @@ std::optional<fs::path> CorvaneLauncher::newestDerivedDataBuild() const {
 }
 
 bool CorvaneLauncher::isRunning() const {
-  return AppProcess::isRunning("Corvane.app/Contents/MacOS/Corvane");
+  return places.isRunning("Corvane.app/Contents/MacOS/Corvane");
 }
 
 bool CorvaneLauncher::launch(const fs::path& app) const {

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <mutex>
 #include <optional>
+#include <string_view>
 
+#include "corvane_mcp/app/AppProcess.h"
 #include "corvane_mcp/server/Logger.h"
 
 namespace corvane {
@@ -18,6 +21,8 @@ class CorvaneLauncher {
     std::filesystem::path program;
     std::filesystem::path home;
     std::filesystem::path systemApplications = "/Applications";
+    /// Whether a process whose command line contains a text runs.
+    std::function<bool(std::string_view)> isRunning = AppProcess::isRunning;
   };
 
   CorvaneLauncher(Places places, Logger& logger) : places(std::move(places)), logger(logger) {}

@@ -19,17 +19,16 @@ class UsageError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// What a command works with. Everything in it outlives the command.
+/// What a command works with. Everything it refers to outlives the command.
 struct CommandContext {
   const ServerOptions& options;
   Console& console;
   PictureViewer& pictureViewer;
   ServerLog& log;
   Interruption& interruption;
+  /// How long a request that does not wait for anything may take.
+  Seconds usualTimeout{30};
 };
-
-/// How long a request that does not wait for anything may take.
-inline constexpr Seconds usualTimeout{30};
 
 /// A server that has been started and greeted; it ends with the object.
 class Session {
@@ -51,6 +50,7 @@ class Session {
 
  private:
   const ServerOptions& options;
+  Seconds usualTimeout;
   ServerProcess server;
   McpClient mcpClient;
 };

@@ -64,7 +64,8 @@ class Follower {
     const Seconds left = timeUntil(end);
     const auto wait =
         std::chrono::ceil<std::chrono::seconds>(std::clamp(left, Seconds(0), longestPoll));
-    const Seconds timeout = std::min<Seconds>(wait + usualTimeout, left + lastAnswerTimeout);
+    const Seconds timeout =
+        std::min<Seconds>(wait + context.usualTimeout, left + lastAnswerTimeout);
     return ToolResult::from(session.client().callTool(
         tool, AnyCodable::Object{{"requestId", command.requestId}, {"waitSeconds", wait.count()}},
         after(timeout), [this](std::string_view message) { showProgress(message); }));

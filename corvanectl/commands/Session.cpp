@@ -4,6 +4,7 @@ namespace corvane::ctl {
 
 Session::Session(CommandContext& context)
     : options(context.options),
+      usualTimeout(context.usualTimeout),
       server(locateServer(options.server, executablePath(), searchPath()), context.log,
              context.interruption),
       mcpClient(server, [&console = context.console](std::string_view warning) {

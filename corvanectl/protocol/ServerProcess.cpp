@@ -23,9 +23,6 @@ constexpr milliseconds exitTimeoutWhenInterrupted(100);
 constexpr milliseconds exitPollInterval(5);
 constexpr milliseconds endCheckInterval(500);
 
-/// Far above any answer that makes sense; something endless ends here.
-constexpr std::size_t longestAnswer = std::size_t{512} << 20;
-
 /// A line of the log that is longer is cut apart.
 constexpr std::size_t longestLogLine = std::size_t{64} << 10;
 constexpr std::size_t longestLogLineKept = 500;
@@ -108,8 +105,9 @@ void ServerLog::take(std::string line) {
   if (kept.size() > linesKept) kept.pop_front();
 }
 
-ServerProcess::ServerProcess(const fs::path& program, ServerLog& log, Interruption& interruption)
-    : log(log), interruption(interruption), child(startServer(program)) {}
+ServerProcess::ServerProcess(const fs::path& program, ServerLog& log, Interruption& interruption,
+                             std::size_t longestLine)
+    : log(log), interruption(interruption), longestLine(longestLine), child(startServer(program)) {}
 
 ServerProcess::~ServerProcess() {
   try {
@@ -127,7 +125,7 @@ std::optional<std::string> ServerProcess::readLine(Deadline deadline) {
   while (true) {
     if (auto line = incoming.takeLine()) return line;
     if (!child.output.isOpen()) reportEnd();
-    if (incoming.size() > longestAnswer) throw ProtocolError("the server sent a line without end");
+    if (incoming.size() > longestLine) throw ProtocolError("the server sent a line without end");
     if (hasPassed(deadline)) return std::nullopt;
     // A program that the server started may hold its pipes open, so that they do not show its end.
     // The last look is for what the server may have said just before it ended.

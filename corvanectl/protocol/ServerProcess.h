@@ -86,8 +86,12 @@ class ServerLog {
 /// the server has ended too.
 class ServerProcess {
  public:
+  /// Far above any answer that makes sense; something endless ends here.
+  static constexpr std::size_t longestAnswer = std::size_t{512} << 20;
+
   /// Starts the server. `log` and `interruption` outlive it. Throws ProtocolError.
-  ServerProcess(const std::filesystem::path& program, ServerLog& log, Interruption& interruption);
+  ServerProcess(const std::filesystem::path& program, ServerLog& log, Interruption& interruption,
+                std::size_t longestLine = longestAnswer);
   ServerProcess(const ServerProcess&) = delete;
   ServerProcess& operator=(const ServerProcess&) = delete;
   ~ServerProcess();
@@ -111,6 +115,7 @@ class ServerProcess {
 
   ServerLog& log;
   Interruption& interruption;
+  std::size_t longestLine;
   ChildProcess child;
   std::string outgoing;
   /// How much of `outgoing` has left.

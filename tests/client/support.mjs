@@ -1,8 +1,9 @@
 // A private home with the built server and the stand-in for Corvane.app, and a client joined to it.
 import { execFileSync } from 'node:child_process';
-import { mkdirSync, mkdtempSync, readFileSync, rmSync, symlinkSync, writeFileSync } from 'node:fs';
+import { existsSync, mkdirSync, mkdtempSync, readFileSync, rmSync, symlinkSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join, resolve } from 'node:path';
+import { setTimeout } from 'node:timers/promises';
 
 import { Client } from '@modelcontextprotocol/sdk/client/index.js';
 import { StdioClientTransport } from '@modelcontextprotocol/sdk/client/stdio.js';
@@ -33,7 +34,12 @@ export async function connect(
     mkdirSync(join(home, 'Applications'));
     symlinkSync(appBundle, join(home, 'Applications', 'Corvane.app'));
   }
-  const environment = { PATH: process.env.PATH, HOME: home, ...env };
+  const environment = {
+    PATH: process.env.PATH,
+    HOME: home,
+    LD_PRELOAD: process.env.CORVANE_OWN_PROCESSES ?? '',
+    ...env,
+  };
   const transport = new StdioClientTransport({
     command: join(bin, 'corvane-mcp'),
     env: environment,
@@ -44,11 +50,17 @@ export async function connect(
   await client.connect(transport);
   t.after(async () => {
     await client.close();
-    if (app) {
-      execFileSync(standIn, ['--quit'], { env: environment });
+    // Two calls at once may have launched the app twice, and on a busy machine the second one may
+    // come up only after the first one has gone.
+    for (let tries = 1; existsSync(home); tries += 1) {
+      if (app) execFileSync(standIn, ['--quit'], { env: environment });
+      try {
+        rmSync(home, { recursive: true, force: true });
+      } catch (error) {
+        if (tries === 100) throw error;
+        await setTimeout(20);
+      }
     }
-    // Two calls at once may have launched the app twice; the second one stops by itself.
-    rmSync(home, { recursive: true, force: true, maxRetries: 50, retryDelay: 20 });
   });
   const log = () => readFileSync(join(home, 'Library', 'Logs', 'Corvane', 'mcp.log'), 'utf8');
   return { client, environment, home, support, log };

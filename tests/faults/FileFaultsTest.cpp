@@ -75,7 +75,7 @@ class FileFaultsTest : public FaultTest {
 
   [[nodiscard]] Outcome converse(const TemporaryHome& home, const fs::path& journal,
                                  const std::optional<Fault>& fault) const {
-    ServerProcess::Setup setup{CORVANE_MCP_PROGRAM, home.path()};
+    ServerProcess::Setup setup{program(), home.path()};
     setup.environment = {
         "LD_PRELOAD=" CORVANE_FILE_FAULTS,
         // The sanitizer wants to be loaded first, but does not need to be.

@@ -15,12 +15,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The app that the server starts. Its name lets these tests take turns with others that depend on
-/// whether the app runs.
+/// The app that the server starts.
 class LaunchedAppTest : public FaultTest {
  protected:
-  LaunchedAppTest() { waitUntilNoAppRuns(); }
-
   TemporaryApp app{home.path() / "Applications" / "Corvane.app"};
 };
 
@@ -144,7 +141,7 @@ TEST_F(LaunchedAppTest, IsTheOneAroundTheServer) {
   const fs::path bundle = home.path() / "Elsewhere" / "Corvane.app";
   const fs::path program = bundle / "Contents" / "MacOS" / "corvane-mcp";
   fs::create_directories(program.parent_path());
-  fs::copy_file(CORVANE_MCP_PROGRAM, program);
+  fs::copy_file(FaultTest::program(), program);
   auto given = setup();
   given.program = program;
   ServerProcess server(std::move(given));

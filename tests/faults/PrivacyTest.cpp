@@ -92,13 +92,8 @@ TEST_F(PrivacyTest, WhatWasOpenIsClosedAtTheStart) {
   }
 }
 
-class PrivacyAppTest : public PrivacyTest {
- protected:
-  PrivacyAppTest() { waitUntilNoAppRuns(); }
-};
-
 // Fails when the stand-in leaves a file to the umask, pictures of a screen among them.
-TEST_F(PrivacyAppTest, WhatTheStandInMakesIsForTheUserAlone) {
+TEST_F(PrivacyTest, WhatTheStandInMakesIsForTheUserAlone) {
   TestFiles::write(paths.applicationSupport() / "StandIn" / "settings.json",
                    R"({"coldStartSeconds":0,"stepSeconds":0,"buildSeconds":0})");
   TestFiles::setMode(paths.applicationSupport() / "StandIn" / "settings.json", 0600);

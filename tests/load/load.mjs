@@ -24,7 +24,11 @@ function seeded(seed) {
 }
 
 const home = mkdtempSync(join(tmpdir(), 'corvane-load-'));
-const environment = { PATH: process.env.PATH, HOME: home };
+const environment = {
+  PATH: process.env.PATH,
+  HOME: home,
+  LD_PRELOAD: process.env.CORVANE_OWN_PROCESSES ?? '',
+};
 const support = join(home, '.local', 'share', 'Corvane');
 mkdirSync(join(support, 'StandIn'), { recursive: true });
 writeFileSync(

@@ -128,7 +128,6 @@ void SessionPlayer::perform(const SessionScript::SetVariable& step) {
 
 void SessionPlayer::perform(SessionScript::App state) {
   app.reset();
-  waitUntilNoAppRuns();
   if (state == SessionScript::App::none) return;
   app.emplace(home.path() / "Applications" / "Corvane.app");
   if (state == SessionScript::App::running) app->open();
@@ -169,7 +168,7 @@ void SessionPlayer::perform(const SessionScript::ExpectApp& step) {
   if (!app) fail("no app is installed");
   if (step.running) {
     static_cast<void>(app->waitUntilUp());
-  } else if (!ProcessFacts::withCommandLine(app->program().string()).empty()) {
+  } else if (!ProcessFacts::withCommandLine({app->program().native()}).empty()) {
     fail("the app runs");
   }
 }

@@ -80,14 +80,15 @@ std::vector<pid_t> ProcessFacts::children(pid_t process) {
   return found;
 }
 
-std::vector<pid_t> ProcessFacts::withCommandLine(std::string_view text) {
+std::vector<pid_t> ProcessFacts::withCommandLine(std::initializer_list<std::string_view> texts) {
   std::vector<pid_t> found;
   for (const pid_t candidate : allProcesses()) {
     std::ostringstream arguments;
     arguments << std::ifstream(folderOf(candidate) / "cmdline").rdbuf();
     std::string line = std::move(arguments).str();
     std::replace(line.begin(), line.end(), '\0', ' ');
-    if (line.find(text) != std::string::npos) found.push_back(candidate);
+    const auto isInLine = [&line](auto text) { return line.find(text) != std::string::npos; };
+    if (std::all_of(texts.begin(), texts.end(), isInLine)) found.push_back(candidate);
   }
   return found;
 }

@@ -3,6 +3,7 @@
 #include <sys/types.h>
 
 #include <cstddef>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,8 +25,8 @@ namespace ProcessFacts {
 [[nodiscard]] bool isAlive(pid_t process);
 /// The processes that have `process` as their parent, dead ones that wait to be reaped included.
 [[nodiscard]] std::vector<pid_t> children(pid_t process);
-/// The processes whose command line, arguments joined with blanks, contains `text`.
-[[nodiscard]] std::vector<pid_t> withCommandLine(std::string_view text);
+/// The processes whose command line, arguments joined with blanks, contains every one of `texts`.
+[[nodiscard]] std::vector<pid_t> withCommandLine(std::initializer_list<std::string_view> texts);
 
 }  // namespace ProcessFacts
 

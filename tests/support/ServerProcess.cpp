@@ -24,7 +24,8 @@ namespace corvane::testing {
 
 namespace {
 
-/// The environment of this process with a home of the test's own.
+/// The environment of this process with a home of the test's own, and without a look at other
+/// homes' processes.
 std::vector<std::string> environmentFor(const ServerProcess::Setup& setup) {
   std::vector<std::string> variables;
   for (char** next = environ; *next; ++next) {
@@ -35,6 +36,9 @@ std::vector<std::string> environmentFor(const ServerProcess::Setup& setup) {
     }
   }
   variables.push_back("HOME=" + setup.home.string());
+#ifdef CORVANE_OWN_PROCESSES
+  variables.push_back("LD_PRELOAD=" CORVANE_OWN_PROCESSES);
+#endif
   variables.insert(variables.end(), setup.environment.begin(), setup.environment.end());
   return variables;
 }

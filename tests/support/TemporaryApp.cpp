@@ -29,10 +29,10 @@ TemporaryApp::~TemporaryApp() {
   const std::string path = program();
   std::error_code ignored;
   fs::remove_all(folder, ignored);
-  for (const pid_t process : ProcessFacts::withCommandLine(path)) ::kill(process, SIGKILL);
+  for (const pid_t process : ProcessFacts::withCommandLine({path})) ::kill(process, SIGKILL);
   if (child > 0) ::waitpid(child, nullptr, 0);
   try {
-    waitUntil("the app is gone", [&] { return ProcessFacts::withCommandLine(path).empty(); });
+    waitUntil("the app is gone", [&] { return ProcessFacts::withCommandLine({path}).empty(); });
   } catch (const std::exception&) {
     // A test that leaves an app behind would spoil those that come after it.
     std::terminate();
@@ -60,10 +60,10 @@ pid_t TemporaryApp::waitUntilUp() const {
   return process;
 }
 
-void waitUntilNoAppRuns() {
-  waitUntil("no Corvane.app runs on this machine", [] {
-    return ProcessFacts::withCommandLine("Corvane.app/Contents/MacOS/Corvane").empty();
-  });
+std::function<bool(std::string_view)> onlyProcessesOf(fs::path home) {
+  return [home = std::move(home)](std::string_view text) {
+    return !ProcessFacts::withCommandLine({text, home.native()}).empty();
+  };
 }
 
 }  // namespace corvane::testing

@@ -3,6 +3,8 @@
 #include <sys/types.h>
 
 #include <filesystem>
+#include <functional>
+#include <string_view>
 
 namespace corvane::testing {
 
@@ -29,7 +31,9 @@ class TemporaryApp {
   pid_t child = -1;
 };
 
-/// Returns when no app runs on this machine, as tests that have just ended may have left one dying.
-void waitUntilNoAppRuns();
+/// Looks for a running app like a launcher does, but only among processes whose command line names
+/// `home`: what else runs on the machine, be it the app of another test, is none of a test's
+/// affair.
+[[nodiscard]] std::function<bool(std::string_view)> onlyProcessesOf(std::filesystem::path home);
 
 }  // namespace corvane::testing

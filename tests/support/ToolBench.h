@@ -15,6 +15,7 @@
 #include "corvane_mcp/tools/ToolServices.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/LogLines.h"
+#include "tests/support/TemporaryApp.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/TestFiles.h"
 #include "tests/support/Timeout.h"
@@ -78,7 +79,8 @@ class ToolBench {
   Logger logger{paths.logFile()};
   CorvaneLauncher launcher{{.program = {},
                             .home = home.path(),
-                            .systemApplications = home.path() / "SystemApplications"},
+                            .systemApplications = home.path() / "SystemApplications",
+                            .isRunning = onlyProcessesOf(home.path())},
                            logger};
   ClientIdentity client;
   FakeClock clock;

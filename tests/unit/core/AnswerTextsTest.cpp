@@ -68,6 +68,14 @@ TEST(AnswerTextsTest, ARemarkOfANewerServerIsShownAndNotUnderstood) {
   EXPECT_FALSE(AnswerTexts::readResultAnswer(""));
 }
 
+// Fails when a remark may stand anywhere in the line.
+TEST(AnswerTextsTest, ARemarkEndsItsLine) {
+  const auto read = AnswerTexts::readResultAnswer("status: running (terminal) or not\n\n{}");
+  ASSERT_TRUE(read);
+  EXPECT_EQ(read->standing, std::nullopt);
+  EXPECT_EQ(read->result, "");
+}
+
 // Fails when what stands where the seconds belong is not looked at.
 TEST(AnswerTextsTest, TheAgeOfAStaleResultIsANumber) {
   std::string line = AnswerTexts::statusLine("running", Standing::stale, 91);

@@ -6,6 +6,7 @@
 //   bigText COUNT       answers with one text block of so many characters
 //   say TEXT            writes the line as it is
 //   log TEXT            writes the line to standard error
+//   delay MILLISECONDS  waits before it goes on
 //   closeOutput         closes standard output
 //   ignoreTerm          stays when SIGTERM comes
 //   hang                does nothing any more
@@ -16,10 +17,12 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
 #include <string>
+#include <thread>
 
 #include "CorvaneCore/json/JsonReader.h"
 #include "CorvaneCore/json/JsonWriter.h"
@@ -53,6 +56,7 @@ class FakeServer {
     if (verb == "bigText") answerWithBigText(std::stoul(rest));
     if (verb == "say") say(rest);
     if (verb == "log") std::cerr << rest << std::endl;
+    if (verb == "delay") std::this_thread::sleep_for(std::chrono::milliseconds(std::stoi(rest)));
     if (verb == "closeOutput") ::close(STDOUT_FILENO);
     if (verb == "ignoreTerm") ::signal(SIGTERM, SIG_IGN);
     if (verb == "hang") {

@@ -140,6 +140,34 @@ TEST(Follow, SavesThePicturesOfAStep) {
       readJson(R"({"name":"get_result","arguments":{"includeStepTrace":true,"requestId":"ID"}})"));
 }
 
+// Fails when the lines about the pictures stand among the JSON.
+TEST(Follow, TellsOfPicturesBesideTheJson) {
+  const std::string answer = R"({"type":"text","text":"status: passed (terminal)\n\n{}"})";
+  const FakeServerScript script(
+      greeted({"expect tools/call", "result {\"content\":[" + answer + "]}", "expect tools/call",
+               "result {\"content\":[" + answer +
+                   R"(,{"type":"image","data":"Zm9v","mimeType":"image/jpeg"}]})"}));
+  const TemporaryDirectory directory;
+  const auto run = runWithFakeServer({"follow", "ID", "--json", "--pictures", directory.path()});
+  EXPECT_EQ(run.output, "{}\n");
+  EXPECT_EQ(run.errors, (directory.path() / "get_result-1.jpg").string() + "\n");
+}
+
+/// The script with a server that takes its time before it greets.
+std::vector<std::string> slowlyGreeted(std::vector<std::string> lines) {
+  lines = greeted(std::move(lines));
+  lines.insert(lines.begin() + 1, "delay 1500");
+  return lines;
+}
+
+// Fails when the time is counted from after the server's start.
+TEST(Follow, CountsTheServersStartAsTimeGone) {
+  const FakeServerScript script(slowlyGreeted(finishedResult("passed", passedJson)));
+  EXPECT_EQ(runWithFakeServer({"follow", "ID", "--timeout", "4"}).status, 0);
+  ASSERT_EQ(calls(script).size(), 1U);
+  EXPECT_LT(*calls(script).front().find("arguments")->find("waitSeconds")->integer(), 4);
+}
+
 const std::string dispatched =
     "Run request dispatched to Corvane.\n\n  requestId:   0f8fad5b-d9cb-469f-a165-70867728950e\n"
     "  Project:     Shop";
@@ -152,6 +180,15 @@ TEST(RunAndFollow, FollowsWhatWasDispatched) {
   EXPECT_EQ(run.output, dispatched + "\n\npassed: Shop\n");
   EXPECT_EQ(*calls(script).back().find("arguments")->find("requestId"),
             AnyCodable("0f8fad5b-d9cb-469f-a165-70867728950e"));
+}
+
+// Fails when the time is counted from after the server's start.
+TEST(RunAndFollow, CountsTheServersStartAsTimeGone) {
+  const FakeServerScript script(slowlyGreeted(
+      joined({"expect tools/call", textResult(dispatched)}, finishedResult("passed", passedJson))));
+  EXPECT_EQ(runWithFakeServer({"run", "Shop", "--all", "--follow", "--timeout", "4"}).status, 0);
+  ASSERT_EQ(calls(script).size(), 2U);
+  EXPECT_LT(*calls(script).back().find("arguments")->find("waitSeconds")->integer(), 4);
 }
 
 TEST(RunAndFollow, PrintsOnlyTheFinalResultAsJson) {

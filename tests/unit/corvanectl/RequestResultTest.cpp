@@ -50,6 +50,17 @@ TEST(RequestResult, TellsOfTestsAndTheirNotableSteps) {
       "credits: 1.5 spent, 20 left\n");
 }
 
+// Fails when the healing of a step hides that it has failed after all.
+TEST(RequestResult, CallsAStepFailedThatHealingDidNotSave) {
+  EXPECT_EQ(summaryOf(R"("status":"failed","tests":[{"testId":"1","testName":"Pay",
+"status":"failed","durationSeconds":3,"steps":[{"index":0,"title":"Tap Pay","description":"",
+"status":"failed","healedByAI":true,"failureReason":"No button"}]}])"),
+            "failed\n"
+            "  failed  Pay  (1 step, 3 s)\n"
+            "    step 0 failed: Tap Pay\n"
+            "      No button\n");
+}
+
 TEST(RequestResult, TellsWhatBlocks) {
   EXPECT_EQ(summaryOf(R"("status":"blocked","blocked":{"code":"budgetExceeded",
 "message":"No credits left","url":"https://example.com/buy"})"),

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <unistd.h>
 
 #include "CorvaneCore/files/Files.h"
 #include "FakeServerScript.h"
@@ -226,6 +227,32 @@ TEST_F(ServerProcessTest, LeavesNoServerBehind) {
   }
 }
 
+// Fails when a server that does not end with its input is killed without having been asked.
+TEST_F(ServerProcessTest, AsksTheServerToEndBeforeItKillsIt) {
+  const auto note = directory.path() / "asked";
+  {
+    ServerProcess server(shellProgram("trap 'echo >" + note.string() +
+                                      "; exit' TERM; echo ready; while :; do sleep 0.01; done"),
+                         log, interruption);
+    EXPECT_EQ(server.readLine(after(ampleTimeout)), "ready");
+  }
+  EXPECT_TRUE(fileExists(note));
+}
+
+// Fails when a line is collected however long it gets.
+TEST_F(ServerProcessTest, GivesUpOnALineWithoutEnd) {
+  constexpr std::size_t longest = 1'000'000;
+  const auto firstLine = [&](std::size_t length) {
+    ServerProcess server(shellProgram("head -c " + std::to_string(length) +
+                                      " /dev/zero | tr '\\0' x; echo; exec cat"),
+                         log, interruption, longest);
+    const auto line = server.readLine(after(ampleTimeout));
+    return line ? line->size() : 0;
+  };
+  EXPECT_EQ(firstLine(longest), longest);
+  EXPECT_THROW(firstLine(3 * longest), ProtocolError);
+}
+
 TEST_F(ServerProcessTest, LeavesNoServerBehindWhenTheLogCannotBeShown) {
   const auto idFile = directory.path() / "id";
   ServerLog broken([](std::string_view) { throw std::runtime_error("no reader"); });
@@ -236,6 +263,25 @@ TEST_F(ServerProcessTest, LeavesNoServerBehindWhenTheLogCannotBeShown) {
     EXPECT_EQ(server.readLine(after(ampleTimeout)), "ready");
   }
   EXPECT_NE(::kill(std::stoi(readFile(idFile)), 0), 0);
+}
+
+// Fails when Ctrl-C, which a terminal sends to the whole group, ends the server too.
+TEST_F(ServerProcessTest, LeavesCtrlCToThisProgram) {
+  ServerProcess server(shellProgram("echo $$; exec cat"), log, interruption);
+  const auto id = server.readLine(after(ampleTimeout));
+  ASSERT_TRUE(id);
+  EXPECT_EQ(::getpgid(std::stoi(*id)), std::stoi(*id));
+}
+
+// Fails when a program that was started in the background hears of Ctrl-C.
+TEST_F(ServerProcessTest, IgnoresASignalThatItWasStartedToIgnore) {
+  const auto former = ::signal(SIGINT, SIG_IGN);
+  {
+    Interruption ignorant;
+    ::raise(SIGINT);
+    EXPECT_FALSE(ignorant.wait({}, after(shortTimeout)));
+  }
+  ::signal(SIGINT, former);
 }
 
 TEST_F(ServerProcessTest, StopsWaitingAtASignal) {

@@ -39,7 +39,10 @@ constexpr const char* suppress = "CORVANE_MCP_SUPPRESS_LAUNCH";
 class CorvaneLauncherTest : public ::testing::Test {
  protected:
   [[nodiscard]] CorvaneLauncher launcher(fs::path program = {}) {
-    return {{.program = std::move(program), .home = home, .systemApplications = system},
+    return {{.program = std::move(program),
+             .home = home,
+             .systemApplications = system,
+             .isRunning = onlyProcessesOf(home)},
             bench.logger};
   }
   fs::path makeBundle(const fs::path& path) {
@@ -187,7 +190,7 @@ TEST_F(CorvaneLauncherTest, StartsNothingWhenLaunchesAreSuppressed) {
   const EnvironmentVariable set(suppress, "1");
   const TemporaryApp app(home / "Double.app");
   EXPECT_FALSE(launcher().launch(app.bundle()));
-  EXPECT_TRUE(ProcessFacts::withCommandLine(app.program().string()).empty());
+  EXPECT_TRUE(ProcessFacts::withCommandLine({app.program().native()}).empty());
   EXPECT_EQ(bench.logged(),
             std::vector<std::string>{
                 "WARN Launch suppressed via CORVANE_MCP_SUPPRESS_LAUNCH=1 (smoke-test only)"});
@@ -208,19 +211,14 @@ TEST_F(CorvaneLauncherTest, SaysWhyTheAppCannotBeStarted) {
                                                      ": No such file or directory"});
 }
 
-class CorvaneLauncherAppTest : public CorvaneLauncherTest {
- protected:
-  CorvaneLauncherAppTest() { waitUntilNoAppRuns(); }
-};
-
 // Fails when the programs of other bundles are taken for the app.
-TEST_F(CorvaneLauncherAppTest, TellsTheAppFromOtherBundles) {
+TEST_F(CorvaneLauncherTest, TellsTheAppFromOtherBundles) {
   TemporaryApp other(home / "Other.app");
   other.open();
   EXPECT_FALSE(launcher().isRunning());
 }
 
-TEST_F(CorvaneLauncherAppTest, KnowsWhetherTheAppRuns) {
+TEST_F(CorvaneLauncherTest, KnowsWhetherTheAppRuns) {
   EXPECT_FALSE(launcher().isRunning());
   {
     TemporaryApp app(home / "Anywhere" / "Corvane.app");
@@ -231,7 +229,7 @@ TEST_F(CorvaneLauncherAppTest, KnowsWhetherTheAppRuns) {
 }
 
 // Fails when calls do not take turns.
-TEST_F(CorvaneLauncherAppTest, StartsTheAppOnceForSeveralThatNeedIt) {
+TEST_F(CorvaneLauncherTest, StartsTheAppOnceForSeveralThatNeedIt) {
   const TemporaryApp app(home / "Applications" / "Corvane.app");
   const CorvaneLauncher shared = launcher();
   std::latch all(6);

@@ -161,8 +161,7 @@ TEST(DispatchTest, SaysWhenThereIsNoAppToLaunch) {
   EXPECT_EQ(bench.logged(), Lines{"WARN Could not locate Corvane.app to launch"});
 }
 
-TEST(DispatchAppTest, LaunchesTheAppUnlessItRuns) {
-  waitUntilNoAppRuns();
+TEST(DispatchTest, LaunchesTheAppUnlessItRuns) {
   ToolBench bench;
   const TemporaryApp app(bench.home.path() / "Applications" / "Corvane.app");
   const auto first = Dispatch::launchApp(bench.services);
@@ -175,8 +174,7 @@ TEST(DispatchAppTest, LaunchesTheAppUnlessItRuns) {
   EXPECT_EQ(bench.logged(), Lines());
 }
 
-TEST(DispatchAppTest, ReportsAnAppThatCannotBeStarted) {
-  waitUntilNoAppRuns();
+TEST(DispatchTest, ReportsAnAppThatCannotBeStarted) {
   ToolBench bench;
   const auto bundle = bench.home.path() / "Applications" / "Corvane.app";
   std::filesystem::create_directories(bundle);

@@ -127,7 +127,9 @@ TEST_F(ImportTest, WithoutAutoRunItOnlyImports) {
 }
 
 TEST_F(ImportTest, ATestOfThatNameIsUpdatedInPlace) {
+  ASSERT_EQ(finalResult(drop({"Redeem a voucher"})).status, "failed");
   const auto before = publishedTest("Redeem a voucher");
+  ASSERT_TRUE(before.lastFailure);
   auto changed = payload({interaction("visualAssert", "The text \"Cart\" is shown")});
   changed.tests[0].name = "Redeem a voucher";
   changed.autoRun = false;
@@ -136,6 +138,8 @@ TEST_F(ImportTest, ATestOfThatNameIsUpdatedInPlace) {
   EXPECT_EQ(after.id, before.id);
   EXPECT_EQ(after.steps.size(), 1U);
   EXPECT_EQ(after.flakinessScore, before.flakinessScore);
+  EXPECT_EQ(after.isFlaky, before.isFlaky);
+  EXPECT_EQ(after.lastFailure.value().errorMessage, before.lastFailure->errorMessage);
   const auto project = publishedProject("Corner Shop");
   EXPECT_EQ(project.suites.size(), 2U);
   EXPECT_EQ(project.tests.size(), 6U);

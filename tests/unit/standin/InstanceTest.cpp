@@ -1,15 +1,37 @@
 #include <gtest/gtest.h>
 
+#include <sys/file.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <filesystem>
+#include <thread>
+#include <utility>
 
 #include "corvane_standin/program/Instance.h"
 #include "tests/support/TestFiles.h"
 #include "tests/support/Timeout.h"
 #include "tests/support/Umask.h"
 #include "tests/unit/standin/StandInFixture.h"
+
+#ifdef __linux__
+#include <sys/syscall.h>
+
+namespace {
+
+/// The file that vanishes between being opened and being locked.
+std::filesystem::path deletedBeforeItIsLocked;
+
+}  // namespace
+
+/// In the place of the system's own.
+int flock(int descriptor, int operation) noexcept {
+  const auto deleted = std::exchange(deletedBeforeItIsLocked, {});
+  if (!deleted.empty()) std::filesystem::remove(deleted);
+  return static_cast<int>(::syscall(SYS_flock, descriptor, operation));
+}
+#endif
 
 namespace corvane::testing {
 
@@ -52,6 +74,17 @@ TEST_F(InstanceLockTest, AnInstancesOwnFilesAreForTheUserAlone) {
   EXPECT_EQ(TestFiles::mode(file), 0600U);
   EXPECT_EQ(TestFiles::mode(StandInPaths(paths).logFile()), 0600U);
 }
+
+#ifdef __linux__
+// Fails when a lock on a file that is gone by then counts.
+TEST_F(InstanceLockTest, IsTakenAnewWhenItsFileIsDeletedJustBefore) {
+  deletedBeforeItIsLocked = file;
+  const auto lock = InstanceLock::tryAcquire(file);
+  ASSERT_TRUE(deletedBeforeItIsLocked.empty());
+  ASSERT_TRUE(lock);
+  EXPECT_TRUE(lock->inPlace());
+}
+#endif
 
 TEST_F(InstanceLockTest, AFileThatCannotBeMadeIsAnError) {
   EXPECT_THROW((void)InstanceLock::tryAcquire(file / "below"), FileError);

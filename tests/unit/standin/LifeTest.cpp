@@ -12,7 +12,9 @@ using namespace standin;
 
 namespace {
 
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
+using ::testing::IsEmpty;
 using ::testing::IsSupersetOf;
 using namespace std::chrono_literals;
 
@@ -132,18 +134,18 @@ TEST_F(LifeTest, NothingItDoesLeavesItsFolder) {
 class StandInSettingsTest : public StandInFixture {
  protected:
   StandInSettings load(const std::string& contents) {
-    std::ofstream(files.settingsFile()) << contents;
-    return StandInSettings::load(files.settingsFile(), told);
+    std::ofstream(file) << contents;
+    problems.clear();
+    return StandInSettings::load(file, problems);
   }
-  [[nodiscard]] std::string logged() const { return readFile(files.logFile()); }
 
-  const StandInPaths files{paths};
-  StandInLog told{files.logFile(), clock};
+  const std::filesystem::path file = StandInPaths(paths).settingsFile();
+  std::vector<std::string> problems;
 };
 
 TEST_F(StandInSettingsTest, WithoutAFileTheDefaultsHold) {
-  EXPECT_EQ(StandInSettings::load(files.settingsFile(), told).stepSeconds, 0.4);
-  EXPECT_EQ(logged(), "");
+  EXPECT_EQ(StandInSettings::load(file, problems).stepSeconds, 0.4);
+  EXPECT_THAT(problems, IsEmpty());
 }
 
 TEST_F(StandInSettingsTest, WhatIsNotNamedKeepsItsDefault) {
@@ -155,22 +157,62 @@ TEST_F(StandInSettingsTest, WhatIsNotNamedKeepsItsDefault) {
   EXPECT_EQ(loaded.outcomes.at("Sign in").kind, TestOutcome::Kind::failed);
   EXPECT_EQ(loaded.outcomes.at("Sign in").failedStep, 1);
   EXPECT_EQ(loaded.outcomes.at("Check out").kind, TestOutcome::Kind::buildFailed);
-  EXPECT_EQ(logged(), "");
+  EXPECT_THAT(problems, IsEmpty());
 }
 
-TEST_F(StandInSettingsTest, BadSettingsGiveWayToTheDefaultsAndAreTold) {
-  for (const auto& [contents, complaint] : {
-           std::pair(R"({"stepSeconds":2,"buildSeconds":-1})", "buildSeconds: expected seconds"),
-           std::pair(R"({"stepSeconds":2000000})", "stepSeconds: expected seconds"),
-           std::pair(R"({"stepSeconds":"fast"})", "stepSeconds: expected a number"),
-           std::pair(R"({"stepSeconds":2,"outcomes":{"A":{"outcome":"fine"}}})",
-                     "outcomes.A.outcome: expected one of passed, failed, healed"),
-           std::pair(R"({"stepSeconds":2,"outcomes":{"A":{"outcome":"failed","failedStep":-1}}})",
-                     "outcomes.A.failedStep: expected a step number from 0"),
-           std::pair(R"({"stepSeconds":2)", "settings.json is not used"),
+// Fails when one bad value takes the rest of the file with it, or is passed over in silence.
+TEST_F(StandInSettingsTest, ABadValueIsToldAndTheRestCounts) {
+  for (const auto& [bad, complaint] : {
+           std::pair(R"("buildSeconds":-1)", "buildSeconds: expected seconds from 0 to 1000000"),
+           std::pair(R"("buildSeconds":2000000)",
+                     "buildSeconds: expected seconds from 0 to 1000000"),
+           std::pair(R"("buildSeconds":"fast")", "buildSeconds: expected a number"),
+           std::pair(R"("buildSecond":9)", "buildSecond: there is no such setting"),
+           std::pair(R"("outcomes":[])", "outcomes: expected an object"),
        }) {
+    const auto loaded = load(std::string(R"({"stepSeconds":2,)") + bad + R"(,"captures":false})");
+    EXPECT_THAT(problems, ElementsAre(complaint));
+    EXPECT_EQ(loaded.stepSeconds, 2) << bad;
+    EXPECT_EQ(loaded.buildSeconds, 1.5) << bad;
+    EXPECT_FALSE(loaded.captures) << bad;
+  }
+}
+
+// Fails when a bad outcome takes those of other tests with it.
+TEST_F(StandInSettingsTest, ABadOutcomeIsToldAndTheOthersCount) {
+  for (const auto& [bad, complaint] : {
+           std::pair(
+               R"({"outcome":"fine"})",
+               "outcomes.B.outcome: expected one of passed, failed, healed, blocked, warning, "
+               "buildFailed, wedged, hold, crash"),
+           std::pair(R"({"failedStep":1})", "outcomes.B.outcome: required"),
+           std::pair(R"({"outcome":"failed","failedStep":-1})",
+                     "outcomes.B.failedStep: expected a step number from 0"),
+           std::pair(R"("failed")", "outcomes.B: expected an object"),
+       }) {
+    const auto loaded =
+        load(std::string(R"({"stepSeconds":2,"outcomes":{"A":{"outcome":"hold"},"B":)") + bad +
+             R"(,"C":{"outcome":"crash"}}})");
+    EXPECT_THAT(problems, ElementsAre(complaint));
+    EXPECT_EQ(loaded.stepSeconds, 2) << bad;
+    EXPECT_EQ(loaded.outcomes.at("A").kind, TestOutcome::Kind::hold) << bad;
+    EXPECT_FALSE(loaded.outcomes.contains("B")) << bad;
+    EXPECT_EQ(loaded.outcomes.at("C").kind, TestOutcome::Kind::crash) << bad;
+  }
+}
+
+// Fails when a misspelt member of an outcome is passed over.
+TEST_F(StandInSettingsTest, AnUnknownKeyOfAnOutcomeIsToldAndTheRestOfItCounts) {
+  const auto loaded =
+      load(R"({"outcomes":{"A":{"outcome":"failed","failStep":3,"failureReason":"No."}}})");
+  EXPECT_THAT(problems, ElementsAre("outcomes.A.failStep: there is no such setting"));
+  EXPECT_EQ(loaded.outcomes.at("A").failureReason, "No.");
+}
+
+TEST_F(StandInSettingsTest, AFileThatIsNoObjectIsToldOnce) {
+  for (const char* contents : {R"({"stepSeconds":2)", "[]", ""}) {
     EXPECT_EQ(load(contents).stepSeconds, 0.4) << contents;
-    EXPECT_THAT(logged(), HasSubstr(complaint)) << contents;
+    EXPECT_EQ(problems.size(), 1U) << contents;
   }
 }
 

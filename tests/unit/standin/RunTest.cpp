@@ -230,6 +230,15 @@ TEST_F(OutcomeTest, AWarningIsNeitherPassedNorFailed) {
   EXPECT_EQ(last.summary.value().testsPassed, 0);
 }
 
+// Fails when a warning hides that another test has failed.
+TEST_F(OutcomeTest, AFailureWeighsMoreThanAWarning) {
+  setOutcome(cart, Kind::warning);
+  setOutcome("Browse the catalogue", Kind::failed);
+  start();
+  EXPECT_EQ(finalResult(drop({cart, "Browse the catalogue"})).status, "failed");
+  EXPECT_EQ(finalResult(drop({"Browse the catalogue", cart})).status, "failed");
+}
+
 TEST_F(OutcomeTest, ABlockedTestEndsTheRunWithWhatRanBefore) {
   auto& outcome = setOutcome(cart, Kind::blocked);
   outcome.blockedCode = "budgetExceeded";

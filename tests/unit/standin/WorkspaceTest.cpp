@@ -58,6 +58,30 @@ TEST_F(WorkspaceStoreTest, AlternatingMakesATestFlakyAndSteadyRunsCalmIt) {
   EXPECT_EQ(test().isFlaky, false);
 }
 
+// Fails when the score from which on a test is flaky is any other.
+TEST_F(WorkspaceStoreTest, ATestIsFlakyFromThreeTenthsOn) {
+  for (const auto& [before, after, isFlaky] :
+       {std::tuple(0.4, 0.3, true), std::tuple(0.39, 0.29, false)}) {
+    store.update([before](AgentContext& workspace) {
+      workspace.projects.at(0).tests.at(3).flakinessScore = before;
+    });
+    record("passed");
+    EXPECT_EQ(test().flakinessScore, after);
+    EXPECT_EQ(test().isFlaky, isFlaky) << after;
+  }
+}
+
+// Fails when the workspace itself is changed, and not a copy of it.
+TEST_F(WorkspaceStoreTest, AChangeThatIsRefusedLeavesNoTrace) {
+  const auto projects = store.workspace().projects.size();
+  EXPECT_THROW(store.update([](AgentContext& workspace) {
+    workspace.projects.clear();
+    throw RequestRefused("no");
+  }),
+               RequestRefused);
+  EXPECT_EQ(store.workspace().projects.size(), projects);
+}
+
 TEST_F(WorkspaceStoreTest, EveryChangeIsPublished) {
   store.publish();
   record("passed");
@@ -155,6 +179,12 @@ TEST_F(LibraryTest, ATakenNameIsBlockedUnlessOverwritten) {
             "The library has a building block named 'Block' already. Pass overwrite:true to "
             "replace its steps, or choose another name.");
   EXPECT_FALSE(taken.udi);
+  EXPECT_EQ(publishedUdi("Block")->steps.front().type, "waitToLoad");
+
+  // Whoever says that nothing is to be overwritten says what holds anyway.
+  auto careful = extraction("Browse the catalogue", 2, 3);
+  careful.overwrite = false;
+  EXPECT_EQ(finalResult(drop(careful)).status, "blocked");
   EXPECT_EQ(publishedUdi("Block")->steps.front().type, "waitToLoad");
 
   auto overwriting = extraction("Browse the catalogue", 2, 3);
