@@ -84,7 +84,7 @@ static int fails(const char* operation, const char* what) {
 static int openWatched(const char* path, int flags, mode_t mode) {
   const int below = isBelowRoot(path);
   if (below && fails(flags & O_WRONLY ? "create" : "open", path)) return -1;
-  const int descriptor = (int)syscall(SYS_openat, AT_FDCWD, path, flags, mode);
+  const int descriptor = NEXT(open)(path, flags, mode);
   watch(descriptor, below);
   return descriptor;
 }

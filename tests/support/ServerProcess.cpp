@@ -36,10 +36,16 @@ std::vector<std::string> environmentFor(const ServerProcess::Setup& setup) {
     }
   }
   variables.push_back("HOME=" + setup.home.string());
-#ifdef CORVANE_OWN_PROCESSES
-  variables.push_back("LD_PRELOAD=" CORVANE_OWN_PROCESSES);
-#endif
   variables.insert(variables.end(), setup.environment.begin(), setup.environment.end());
+#ifdef CORVANE_OWN_PROCESSES
+  const auto preload = std::ranges::find_if(
+      variables, [](const std::string& each) { return each.starts_with("LD_PRELOAD="); });
+  if (preload == variables.end()) {
+    variables.emplace_back("LD_PRELOAD=" CORVANE_OWN_PROCESSES);
+  } else {
+    *preload += ":" CORVANE_OWN_PROCESSES;
+  }
+#endif
   return variables;
 }
 

@@ -241,7 +241,7 @@ TEST_F(CorvaneLauncherTest, StartsTheAppOnceForSeveralThatNeedIt) {
     });
   }
   for (auto& caller : callers) caller.join();
-  EXPECT_EQ(ProcessFacts::withCommandLine(app.program().string()).size(), 1U);
+  EXPECT_EQ(ProcessFacts::withCommandLine({app.program().native()}).size(), 1U);
 }
 
 }  // namespace
