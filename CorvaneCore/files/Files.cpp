@@ -71,7 +71,8 @@ void closeToOthers(const fs::path& path) {
     // What is asked about is what is changed, and never what a link leads to.
     const FileDescriptor file(::open(next.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     struct stat status{};
-    if (::fstat(file.get(), &status) != 0 || status.st_uid != ::geteuid()) continue;
+    if (!file.isOpen() || ::fstat(file.get(), &status) != 0) continue;
+    if (status.st_uid != ::geteuid()) continue;
     if ((status.st_mode & ofOthers) == 0) continue;
     if (::fchmod(file.get(), status.st_mode & permissions & ~ofOthers) != 0) continue;
     const auto inside = listVisible(next);

@@ -13,8 +13,9 @@ namespace AppProcess {
 [[nodiscard]] bool isRunning(std::string_view text);
 
 /// Starts an application bundle on its own, without waiting for it: it inherits no descriptor,
-/// outlives this process, and leaves no zombie. Starting it again once this has returned, or asking
-/// isRunning about it, finds it. Throws std::system_error when it cannot be started.
+/// outlives this process, and leaves no zombie. By its return isRunning tells of the application,
+/// unless the system itself sees to it that one is not started twice. Throws std::system_error when
+/// it cannot be started.
 void start(const std::filesystem::path& bundle);
 
 }  // namespace AppProcess

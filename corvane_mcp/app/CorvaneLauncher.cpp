@@ -37,7 +37,7 @@ FileTime modifiedAt(const fs::path& path) {
 /// Held while this server sees to it that the app runs, so that no other server starts it as well.
 /// One that is stuck is not waited for for long.
 FileDescriptor lockAgainstOtherServers(const fs::path& app) {
-  constexpr int attempts = 2000;
+  constexpr int attempts = 5000;
   FileDescriptor bundle(::open(app.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   for (int i = 0; i < attempts && ::flock(bundle.get(), LOCK_EX | LOCK_NB) != 0; ++i) {
     if (errno != EWOULDBLOCK) break;

@@ -42,7 +42,7 @@ TEST_F(PrivacyTest, WhatTheServerMakesIsForTheUserAlone) {
     fs::remove_all(home.path() / "Library");
     ServerProcess server(setupWith(umask));
     server.sendLine(call(1, "run_test", anyRun));
-    const std::string dispatched = textOf(server.readLine());
+    EXPECT_TRUE(textOf(server.readLine()).starts_with("Run request dispatched"));
     const std::string id = listVisible(paths.agentRunRequestsDirectory()).at(0).filename();
     server.sendLine(call(2, "cancel_run", R"({"requestId":")" + id.substr(0, 36) + "\"}"));
     EXPECT_NE(server.readLine().find("had not picked it up yet"), std::string::npos);

@@ -4,6 +4,7 @@
 #include <stdlib.h>
 
 #include <algorithm>
+#include <array>
 #include <latch>
 #include <thread>
 
@@ -233,9 +234,9 @@ TEST_F(CorvaneLauncherTest, StartsTheAppOnceForSeveralThatNeedIt) {
   const TemporaryApp app(home / "Applications" / "Corvane.app");
   const CorvaneLauncher shared = launcher();
   std::latch all(6);
-  std::vector<std::thread> callers;
-  for (int i = 0; i < 6; ++i) {
-    callers.emplace_back([&] {
+  std::array<std::thread, 6> callers;
+  for (auto& caller : callers) {
+    caller = std::thread([&] {
       all.arrive_and_wait();
       EXPECT_TRUE(shared.ensureRunning(app.bundle()));
     });
