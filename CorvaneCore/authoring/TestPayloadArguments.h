@@ -20,7 +20,7 @@ namespace corvane {
 struct TestSteps {
   std::vector<AgentInteraction> list;
   /// A note on each thing that counts as absent.
-  std::vector<std::string> dropped = {};
+  std::vector<std::string> dropped;
 };
 
 template <>

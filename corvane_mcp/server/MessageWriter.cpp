@@ -59,8 +59,8 @@ void MessageWriter::flush() {
 
 void MessageWriter::writePending() {
   writeOut(output, pending);
-  if (pending.capacity() > 4 * mostPending) pending.shrink_to_fit();
   pending.clear();
+  if (pending.capacity() > 4 * mostPending) pending.shrink_to_fit();
 }
 
 void ProgressReporter::emit(double progress, std::optional<double> total,

@@ -145,7 +145,9 @@ TEST(FilesReadTest, AStampHasNoTimeOutOfReach) {
         {-4'000'000'001, "(no time)"},
         {std::numeric_limits<std::int64_t>::min(), "(no time)"}}) {
     const std::string time = modifiedAt(seconds);
-    if (time != "(not set)") EXPECT_EQ(time, expected) << seconds;
+    if (time != "(not set)") {
+      EXPECT_EQ(time, expected) << seconds;
+    }
   }
 }
 

@@ -2,10 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
+#include <ctime>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "tests/support/AllocatedMemory.h"
 #include "tests/support/Pipe.h"
 
 namespace corvane::testing {
@@ -148,6 +152,66 @@ TEST(LineReaderTest, WaitsOnANonBlockingInputAndLeavesItsModeAlone) {
   EXPECT_EQ(allLines(reader), Lines{"one"});
   sender.join();
   EXPECT_EQ(::fcntl(pipe.reading.get(), F_GETFL), mode);
+}
+
+/// Sends `text` through `pipe` while `reader` reads it. How much more memory is in use afterwards;
+/// the lines are left.
+std::size_t memoryAfterReading(Pipe& pipe, LineReader& reader, std::string_view text) {
+  const std::size_t before = allocatedBytes();
+  while (!text.empty()) {
+    // What a pipe takes at once.
+    const auto piece = text.substr(0, std::size_t{60} << 10);
+    writeAll(pipe.writing.get(), piece);
+    EXPECT_TRUE(reader.readMore());
+    (void)buffered(reader);
+    text.remove_prefix(piece.size());
+  }
+  const std::size_t after = allocatedBytes();
+  return after - std::min(after, before);
+}
+
+constexpr std::size_t oneMegabyte = 1'000'000;
+
+// Fails when a buffer that one huge line needed is kept for the lines after it.
+TEST(LineReaderTest, TheMemoryForAHugeLineIsGivenBack) {
+  const std::string huge(8 * oneMegabyte, 'x');
+  Pipe pipe;
+  LineReader reader(pipe.reading.get());
+  EXPECT_GT(memoryAfterReading(pipe, reader, huge), huge.size());
+  // The end of the line, and a line after it.
+  const std::size_t before = allocatedBytes();
+  (void)memoryAfterReading(pipe, reader, "\n");
+  (void)memoryAfterReading(pipe, reader, "next\n");
+  EXPECT_LT(allocatedBytes() + huge.size(), before + oneMegabyte);
+}
+
+// Fails when what cannot be handed out any more is kept.
+TEST(LineReaderTest, AnOverlongLineIsNotKept) {
+  Pipe pipe;
+  LineReader reader(pipe.reading.get(), 100'000);
+  const std::string huge(8 * oneMegabyte, 'x');
+  EXPECT_LT(memoryAfterReading(pipe, reader, huge), oneMegabyte);
+}
+
+std::chrono::nanoseconds processorTime() {
+  timespec time{};
+  ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+  return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
+
+// Fails when an input that has nothing yet is asked again and again.
+TEST(LineReaderTest, WaitsForANonBlockingInputWithoutWork) {
+  Pipe pipe;
+  makeNonBlocking(pipe.reading.get());
+  LineReader reader(pipe.reading.get());
+  std::thread sender([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    writeAll(pipe.writing.get(), "one\n");
+  });
+  const auto before = processorTime();
+  EXPECT_TRUE(reader.readMore());
+  EXPECT_LT(processorTime() - before, std::chrono::milliseconds(20));
+  sender.join();
 }
 
 TEST(LineReaderTest, TakesAnInputThatCannotBeReadForOneThatHasEnded) {

@@ -8,7 +8,9 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <csignal>
+#include <future>
 #include <latch>
 #include <map>
 #include <optional>
@@ -142,16 +144,52 @@ TEST_F(LogFileTest, DoesNotMindThatTheFileIsRotatedWhileItWaitsForItsTurn) {
   EXPECT_EQ(TestFiles::read(file), "first\nnew\n");
 }
 
+/// Whether appending ends by itself; if not, `letGo` has to make it end.
+template <class LetGo>
+bool appendingEnds(const fs::path& file, const std::vector<std::string>& lines, LetGo letGo) {
+  auto appending = std::async(std::launch::async, [&] { appendToLogFile(file, lines); });
+  const bool ends = appending.wait_for(testTimeout) == std::future_status::ready;
+  letGo();
+  appending.get();
+  return ends;
+}
+
+// Fails when another server's lock is not waited for, whether it writes or reads, or when one that
+// never goes is.
+TEST_F(LogFileTest, WaitsALittleForAnotherServer) {
+  for (const int kind : {LOCK_EX, LOCK_SH}) {
+    TestFiles::write(file, "");
+    FileDescriptor lock(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
+    ASSERT_EQ(::flock(lock.get(), kind), 0);
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_TRUE(appendingEnds(file, {"new\n"}, [&lock] { lock.close(); }));
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(100));
+    EXPECT_EQ(TestFiles::read(file), "new\n");
+  }
+}
+
 TEST_F(LogFileTest, PassesOverWhatCannotBeWritten) {
   appendToLogFile(home.path() / "missing" / "mcp.log", {"x\n"});
   fs::create_directory(file);
   appendToLogFile(file, {"x\n"});
-  const fs::path fifo = home.path() / "fifo.log";
-  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
-  // Nobody reads the FIFO; opening it must not wait for somebody.
-  appendToLogFile(fifo, {"x\n"});
-  appendToLogFile("/dev/full", {"x\n"});
-  EXPECT_EQ(home.entries(), (std::vector<std::string>{"fifo.log", "mcp.log"}));
+  EXPECT_TRUE(appendingEnds("/dev/full", {"x\n"}, [] {}));
+  EXPECT_EQ(home.entries(), std::vector<std::string>{"mcp.log"});
+}
+
+// Fails when opening waits for a reader, or writing for one that does not read.
+TEST_F(LogFileTest, AFifoHoldsNobodyUp) {
+  std::signal(SIGPIPE, SIG_IGN);
+  ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+  FileDescriptor reader;
+  const auto read = [&] { reader = FileDescriptor(::open(file.c_str(), O_RDONLY | O_NONBLOCK)); };
+  EXPECT_TRUE(appendingEnds(file, {"nobody reads\n"}, read));
+  const std::string more(std::size_t{1} << 20, 'x');
+  std::string first(4, '\0');
+  EXPECT_TRUE(appendingEnds(file, {"one\n", more}, [&] {
+    EXPECT_EQ(::read(reader.get(), first.data(), first.size()), 4);
+    reader.close();
+  }));
+  EXPECT_EQ(first, "one\n");
 }
 
 /// Starts processes that each append `count` lines, "NAME NUMBER filling", a few at a time, and
@@ -344,10 +382,14 @@ TEST_F(LoggerTest, GoesOnWhenNobodyHasEverReadStandardError) {
   const Pipe unread;
   const StandardStreamReplacement errors(STDERR_FILENO, unread.writing.get());
   constexpr int count = 3000;
+  const auto start = std::chrono::steady_clock::now();
   {
     Logger logger(file);
     for (int i = 0; i < count; ++i) logger.info(std::string(100, 'x'));
   }
+  // A second is waited, once.
+  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(9));
   EXPECT_EQ(TestFiles::lines(file).size(), static_cast<std::size_t>(count));
 }
 

@@ -16,6 +16,7 @@
 
 #include "CorvaneCore/json/AnyCodable.h"
 #include "corvane_mcp/server/LineReader.h"
+#include "tests/support/AllocatedMemory.h"
 #include "tests/support/Pipe.h"
 
 namespace corvane::testing {
@@ -141,11 +142,27 @@ TEST_F(MessageWriterTest, DoesNotQueueWithoutBound) {
 }
 
 TEST_F(MessageWriterTest, DropsWhatIsWrittenToAReaderThatIsGone) {
+  const int descriptor = pipe.writing.get();
   MessageWriter writer(std::move(pipe.writing));
   pipe.reading.close();
   for (int i = 0; i < 100; ++i) writer.send(std::string(10'000, 'x'));
   writer.queue("y");
   writer.flush();
+  // Nothing of that is left for whoever reads next.
+  const Pipe next;
+  ::dup2(next.writing.get(), descriptor);
+  writer.send("z");
+  EXPECT_EQ(readyText(next.reading.get()), "z\n");
+}
+
+// Fails when the memory for a huge message is kept for the messages after it.
+TEST_F(MessageWriterTest, TheMemoryForAHugeMessageIsGivenBack) {
+  const std::string huge(8'000'000, 'x');
+  MessageWriter writer(FileDescriptor(::open("/dev/null", O_WRONLY | O_CLOEXEC)));
+  const std::size_t before = allocatedBytes();
+  writer.queue(huge);
+  writer.queue("next");
+  EXPECT_LT(allocatedBytes(), before + 1'000'000);
 }
 
 TEST_F(MessageWriterTest, NoticesAReaderThatGoesWhileItWaitsForIt) {

@@ -154,12 +154,34 @@ TEST_F(ErrorStreamTest, WaitsForASlowReader) {
 }
 
 TEST_F(ErrorStreamTest, AReaderThatIsGoneHoldsUpNobody) {
-  ErrorStream stream(pipe.writing.get(), 60s);
+  const int descriptor = pipe.writing.get();
+  ErrorStream stream(descriptor, 60s);
   pipe.reading.close();
   ::signal(SIGPIPE, SIG_IGN);
+  const auto start = std::chrono::steady_clock::now();
   for (int i = 0; i < 1000; ++i) stream.write(line('d', 3000));
   pipe.writing.close();
   stream.write("no descriptor any more\n");
+  EXPECT_LT(std::chrono::steady_clock::now() - start, 60s);
+  // Nothing of all that is left for whoever reads next.
+  Pipe next;
+  pipe.writing = FileDescriptor(::dup2(next.writing.get(), descriptor));
+  stream.write("next\n");
+  pipe.reading = std::move(next.reading);
+  EXPECT_EQ(read(), "next\n");
+}
+
+// Fails when what is left of a line waits for whoever reads next.
+TEST_F(ErrorStreamTest, ALineWhoseReaderIsGoneIsNotFinished) {
+  ::signal(SIGPIPE, SIG_IGN);
+  stream.write(line('b', 100'000));
+  pipe.reading.close();
+  stream.write("dropped\n");
+  Pipe next;
+  ::dup2(next.writing.get(), pipe.writing.get());
+  stream.write("next\n");
+  pipe.reading = std::move(next.reading);
+  EXPECT_EQ(read(), "next\n");
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 
 #include "corvane_mcp/server/Clock.h"
 #include "corvane_mcp/server/ToolTasks.h"
+#include "tests/support/Timeout.h"
 #include "tests/support/ToolBench.h"
 
 namespace corvane::testing {
@@ -41,6 +42,27 @@ TEST(ToolTasksTest, CountsTheTasksInFlight) {
   latch.count_down();
   tasks.waitUntilIdle();
   EXPECT_EQ(tasks.inFlight(), 0U);
+}
+
+// Fails when fewer threads than four take tasks.
+TEST(ToolTasksTest, FourTasksMayWorkAtOnce) {
+  std::atomic<int> atWork = 0;
+  std::latch latch(1);
+  ToolTasks tasks;
+  const auto work = [&]() -> Task<void> {
+    ++atWork;
+    latch.wait();
+    co_return;
+  };
+  for (int i = 0; i < 8; ++i) tasks.start(work());
+  const auto deadline = std::chrono::steady_clock::now() + testTimeout;
+  while (atWork < 4 && std::chrono::steady_clock::now() < deadline) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  EXPECT_EQ(atWork, 4);
+  latch.count_down();
+  tasks.waitUntilIdle();
+  EXPECT_EQ(atWork, 8);
 }
 
 TEST(ToolTasksTest, LetsAThousandTasksWaitAtOnce) {

@@ -192,7 +192,10 @@ TEST(TouchMarksTest, WhereMarksCrossTheNearestStrokeShows) {
 TEST(TouchMarksTest, EveryOneOfManyMarksIsDrawn) {
   constexpr PictureSize size{400, 800};
   std::vector<TouchMark> marks;
-  for (int i = 0; i < 20'000; ++i) marks.push_back({{i % 200 / 2.0, 40 + i / 200 * 2.0}, {}});
+  marks.reserve(20'001);
+  for (int y = 0; y < 100; ++y) {
+    for (int x = 0; x < 200; ++x) marks.push_back({{x / 2.0, 40 + y * 2.0}, {}});
+  }
   const Picture many = marked(size, marks);
   const Picture one = marked(size, {{{320, 600}, {}}});
   marks.insert(marks.begin() + 10'000, TouchMark{{320, 600}, {}});
