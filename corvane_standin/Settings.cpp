@@ -73,7 +73,8 @@ StandInSettings StandInSettings::load(const std::filesystem::path& file,
       for (const auto& [test, outcome] : *tests) {
         take({{key, JsonObject{{test, outcome}}}}, settings, problems);
         if (const auto* members = std::get_if<JsonObject>(&outcome.value())) {
-          tellUnknown<TestOutcome>(*members, key + "." + test + ".", problems);
+          const auto place = std::string(key).append(".").append(test).append(".");
+          tellUnknown<TestOutcome>(*members, place, problems);
         }
       }
     }

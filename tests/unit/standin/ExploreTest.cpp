@@ -112,6 +112,15 @@ TEST_F(ExploreTest, ABudgetThatRunsOutKeepsWhatThereIs) {
   EXPECT_EQ(publishedTest("Voucher").steps.size(), 1U);
 }
 
+// Fails when a budget has to be more than a step costs.
+TEST_F(ExploreTest, ABudgetMayBeSpentToTheLastCredit) {
+  auto request = exploration(twoGoals);
+  request.maxCreditSpend = 45;
+  const auto result = finalResult(drop(request));
+  EXPECT_EQ(result.status, "warning");
+  EXPECT_EQ(result.creditsSpent, 45);
+}
+
 TEST_F(ExploreTest, ABudgetForLessThanAStepBlocks) {
   auto request = exploration(twoGoals);
   request.maxCreditSpend = 14;

@@ -202,6 +202,29 @@ TEST_F(ImportTest, ReferencesAreLookedUp) {
                           "tests[0].interactions[5].children[0].referencedTestName"));
 }
 
+// Fails when the last step of a test is taken for one behind it, or the one behind it for a step.
+TEST_F(ImportTest, StepsAreReusedToTheLastOne) {
+  auto whole = payload({reuse("Browse the catalogue", 0, 4)});
+  whole.autoRun = false;
+  EXPECT_EQ(finalResult(import(whole)).status, "imported");
+  auto beyond = payload({reuse("Browse the catalogue", 0, 5)});
+  const auto result = finalResult(import(beyond));
+  EXPECT_EQ(result.status, "importFailed");
+  EXPECT_EQ(result.validationIssues.value().at(0).message,
+            "'Browse the catalogue' has 5 steps, so there is no step 5.");
+}
+
+// Fails when only tests that are filed already can be referred to.
+TEST_F(ImportTest, ATestMayRunOneBeforeItInThePayload) {
+  auto both = payload({});
+  both.autoRun = false;
+  auto& second = both.tests.emplace_back(both.tests.front());
+  second.name = "Order twice";
+  second.index = 1;
+  second.interactions.insert(second.interactions.end() - 1, runTest("Order"));
+  EXPECT_EQ(finalResult(import(both)).status, "imported");
+}
+
 TEST_F(ImportTest, WarningsAreKeptWithTheRun) {
   auto twice = payload({});
   twice.tests.push_back(twice.tests[0]);

@@ -160,6 +160,13 @@ TEST_F(StandInSettingsTest, WhatIsNotNamedKeepsItsDefault) {
   EXPECT_THAT(problems, IsEmpty());
 }
 
+TEST_F(StandInSettingsTest, TimesReachFromNothingToDays) {
+  const auto loaded = load(R"({"stepSeconds":0,"buildSeconds":1000000})");
+  EXPECT_EQ(loaded.stepSeconds, 0);
+  EXPECT_EQ(loaded.buildSeconds, 1'000'000);
+  EXPECT_THAT(problems, IsEmpty());
+}
+
 // Fails when one bad value takes the rest of the file with it, or is passed over in silence.
 TEST_F(StandInSettingsTest, ABadValueIsToldAndTheRestCounts) {
   for (const auto& [bad, complaint] : {

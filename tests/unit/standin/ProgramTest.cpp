@@ -36,7 +36,7 @@ class StandInProgramTest : public ::testing::Test {
     if (process != 0) return;
     ::setenv("HOME", home.path().c_str(), 1);
     ::unsetenv("XDG_DATA_HOME");
-    ::dup2(errors, STDERR_FILENO);
+    if (errors >= 0) ::dup2(errors, STDERR_FILENO);
     ::execl(CORVANE_STANDIN_PROGRAM, CORVANE_STANDIN_PROGRAM, nullptr);
     ::_exit(127);
   }

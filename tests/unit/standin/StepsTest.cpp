@@ -15,6 +15,12 @@ TEST(StepTextTest, TitlesAreTheHeadersOfTheEditor) {
   EXPECT_EQ(stepTitle("gesture"), "gesture");
 }
 
+// Fails when a price is taken for a placeholder.
+TEST(StepTextTest, ANameDoesNotBeginWithADigit) {
+  EXPECT_EQ(placeholdersIn("$user pays $5.00 and $ to $_2"),
+            (std::vector<std::string>{"user", "_2"}));
+}
+
 TEST(StepTextTest, OnlyWholeNamesAreReplaced) {
   const std::map<std::string, std::string> values{{"user", "ada"}, {"price", "$user"}};
   EXPECT_EQ(substituteParameters("$user", values), "ada");

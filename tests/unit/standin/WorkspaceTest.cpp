@@ -170,6 +170,11 @@ TEST_F(LibraryTest, ABlockWithoutPlaceholdersHasNoParameters) {
   EXPECT_FALSE(result.udi.value().parameterNames);
 }
 
+// Fails when a range may not reach to the last step.
+TEST_F(LibraryTest, ARangeMayReachToTheEnd) {
+  EXPECT_EQ(finalResult(drop(extraction("Browse the catalogue", 3, 4))).status, "extracted");
+}
+
 TEST_F(LibraryTest, ATakenNameIsBlockedUnlessOverwritten) {
   const auto first = finalResult(drop(extraction("Browse the catalogue", 0, 1)));
   const auto taken = finalResult(drop(extraction("Browse the catalogue", 2, 3)));
