@@ -36,8 +36,8 @@ class Logger {
   ~Logger();
 
   /// Writes "[timestamp] [LEVEL] message". Control characters of the message are escaped, so that
-  /// one event is one line that reads from left to right. Returns at once, unless the disk has fallen megabytes behind or whoever
-  /// reads standard error has just stopped reading.
+  /// one event is one line that reads from left to right. Returns at once, unless the disk has
+  /// fallen megabytes behind or whoever reads standard error has just stopped reading.
   void emit(Level level, std::string_view message);
   void info(std::string_view message) { emit(Level::info, message); }
   void warn(std::string_view message) { emit(Level::warn, message); }
