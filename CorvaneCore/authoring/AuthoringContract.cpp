@@ -162,14 +162,18 @@ std::string_view AuthoringContract::guidance(InteractionType type) {
   return vocabularyRow(type).guidance();
 }
 
-std::string AuthoringContract::fullMarkdown() {
-  std::string markdown = generalContract() + "\n\n# Per-interaction guidance\n\n";
-  std::string_view separator;
-  for (const auto& row : Vocabulary<InteractionType>::rows) {
-    markdown.append(separator).append("## ").append(row.rawValue).append("\n\n");
-    markdown.append(guidance(row.value));
-    separator = "\n\n";
-  }
+const std::string& AuthoringContract::fullMarkdown() {
+  // Making it costs more than all else that a call of list_interaction_types does.
+  static const std::string markdown = [] {
+    std::string text = generalContract() + "\n\n# Per-interaction guidance\n\n";
+    std::string_view separator;
+    for (const auto& row : Vocabulary<InteractionType>::rows) {
+      text.append(separator).append("## ").append(row.rawValue).append("\n\n");
+      text.append(guidance(row.value));
+      separator = "\n\n";
+    }
+    return text;
+  }();
   return markdown;
 }
 

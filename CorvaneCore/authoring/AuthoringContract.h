@@ -36,7 +36,7 @@ inline constexpr std::string_view noExtraGuidance =
     "(no extra guidance — see create_test.inputSchema)";
 
 /// The general contract followed by the hint of every step type.
-[[nodiscard]] std::string fullMarkdown();
+[[nodiscard]] const std::string& fullMarkdown();
 
 }  // namespace corvane::AuthoringContract
 

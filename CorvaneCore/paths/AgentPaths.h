@@ -6,47 +6,34 @@
 
 namespace corvane {
 
-/// The one place that names the folders and files shared with Corvane.app. A plain value: every
-/// member is computed, nothing is touched on disk except by the ensure… operations.
+/// The one place that names the folders and files shared with Corvane.app. A plain value: nothing
+/// is touched on disk except by the ensure… operations.
 class AgentPaths {
  public:
-  explicit AgentPaths(UserFolders folders) : folders(std::move(folders)) {}
+  explicit AgentPaths(const UserFolders& folders)
+      : userHome(folders.home), support(folders.applicationSupport / "Corvane") {}
 
   /// The paths of the user who runs this process.
   [[nodiscard]] static AgentPaths current() { return AgentPaths(UserFolders::current()); }
 
-  [[nodiscard]] const std::filesystem::path& home() const { return folders.home; }
-  [[nodiscard]] std::filesystem::path applicationSupport() const {
-    return folders.applicationSupport / "Corvane";
-  }
+  [[nodiscard]] const std::filesystem::path& home() const { return userHome; }
+  [[nodiscard]] const std::filesystem::path& applicationSupport() const { return support; }
   /// Test payload files dropped for the app to import.
-  [[nodiscard]] std::filesystem::path agentImportsDirectory() const {
-    return applicationSupport() / "AgentImports";
-  }
+  [[nodiscard]] const std::filesystem::path& agentImportsDirectory() const { return imports; }
   /// The drop folder of an older import mechanism; named so that both sides agree.
   [[nodiscard]] std::filesystem::path legacyCursorImportsDirectory() const {
-    return applicationSupport() / "CursorImports";
+    return support / "CursorImports";
   }
   /// Run, explore and library requests and cancel markers, told apart by suffix.
-  [[nodiscard]] std::filesystem::path agentRunRequestsDirectory() const {
-    return applicationSupport() / "AgentRunRequests";
+  [[nodiscard]] const std::filesystem::path& agentRunRequestsDirectory() const {
+    return runRequests;
   }
-  [[nodiscard]] std::filesystem::path agentResultsDirectory() const {
-    return applicationSupport() / "AgentResults";
-  }
-  [[nodiscard]] std::filesystem::path agentMCPDirectory() const {
-    return applicationSupport() / "AgentMCP";
-  }
-  [[nodiscard]] std::filesystem::path agentContextFile() const {
-    return agentMCPDirectory() / "context.json";
-  }
-  [[nodiscard]] std::filesystem::path agentActivityFile() const {
-    return agentMCPDirectory() / "activity.json";
-  }
-  [[nodiscard]] std::filesystem::path logsDirectory() const {
-    return folders.home / "Library" / "Logs" / "Corvane";
-  }
-  [[nodiscard]] std::filesystem::path logFile() const { return logsDirectory() / "mcp.log"; }
+  [[nodiscard]] const std::filesystem::path& agentResultsDirectory() const { return results; }
+  [[nodiscard]] const std::filesystem::path& agentMCPDirectory() const { return published; }
+  [[nodiscard]] const std::filesystem::path& agentContextFile() const { return context; }
+  [[nodiscard]] const std::filesystem::path& agentActivityFile() const { return activity; }
+  [[nodiscard]] std::filesystem::path logsDirectory() const { return log.parent_path(); }
+  [[nodiscard]] const std::filesystem::path& logFile() const { return log; }
 
   /// Each makes its folder exist; see ensureDirectoryExists for what happens on failure.
   void ensureAgentImportsDirectoryExists() const;
@@ -57,7 +44,15 @@ class AgentPaths {
  private:
   void ensure(const std::filesystem::path& folder) const;
 
-  UserFolders folders;
+  std::filesystem::path userHome;
+  std::filesystem::path support;
+  std::filesystem::path imports = support / "AgentImports";
+  std::filesystem::path runRequests = support / "AgentRunRequests";
+  std::filesystem::path results = support / "AgentResults";
+  std::filesystem::path published = support / "AgentMCP";
+  std::filesystem::path context = published / "context.json";
+  std::filesystem::path activity = published / "activity.json";
+  std::filesystem::path log = userHome / "Library" / "Logs" / "Corvane" / "mcp.log";
 };
 
 }  // namespace corvane

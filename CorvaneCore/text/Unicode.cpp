@@ -64,6 +64,7 @@ bool isValidUtf8(std::string_view text) {
 }
 
 std::string toValidUtf8(std::string_view text) {
+  if (isValidUtf8(text)) return std::string(text);
   std::string valid;
   valid.reserve(text.size());
   while (!text.empty()) {
@@ -110,6 +111,10 @@ std::string asciiLowercase(std::string_view text) {
 
 namespace {
 
+bool isPlainAscii(char byte) {
+  return byte >= 0x20 && byte < 0x7F;
+}
+
 bool isControl(utf8proc_int32_t codePoint) {
   if ((codePoint >= 0 && codePoint < 0x20) || (codePoint >= 0x7F && codePoint < 0xA0)) return true;
   // The two separators end a line for some readers of text, and the others turn the text around
@@ -129,6 +134,10 @@ std::string escapeControls(std::string_view text) {
   std::string escaped;
   escaped.reserve(text.size());
   while (!text.empty()) {
+    const auto plain = std::find_if_not(text.begin(), text.end(), isPlainAscii);
+    escaped.append(text.begin(), plain);
+    text.remove_prefix(static_cast<std::size_t>(plain - text.begin()));
+    if (text.empty()) break;
     const Character character = firstCharacter(text);
     const auto codePoint = character.codePoint;
     if (codePoint == '\n') {

@@ -3,8 +3,10 @@
 #include <fcntl.h>
 #include <sys/file.h>
 
+#include <array>
 #include <cerrno>
 #include <chrono>
+#include <climits>
 #include <cstdlib>
 #include <string>
 #include <system_error>
@@ -54,6 +56,15 @@ FileDescriptor lockAgainstOtherServers(const fs::path& app) {
   return bundle;
 }
 
+/// `path` with all links resolved, also of a file that is no more; empty when that fails.
+fs::path withoutLinks(const fs::path& path) {
+  std::array<char, PATH_MAX> resolved;
+  if (::realpath(path.c_str(), resolved.data())) return resolved.data();
+  std::error_code error;
+  fs::path known = fs::weakly_canonical(path, error);
+  return error ? fs::path() : known;
+}
+
 std::optional<fs::path> ifExists(fs::path path) {
   return fileExists(path) ? std::optional(std::move(path)) : std::nullopt;
 }
@@ -69,9 +80,7 @@ std::optional<fs::path> CorvaneLauncher::findCorvaneApp() const {
 
 std::optional<fs::path> CorvaneLauncher::bundledCorvaneApp() const {
   if (places.program.empty()) return std::nullopt;
-  std::error_code error;
-  const fs::path program = fs::weakly_canonical(places.program, error);
-  if (error) return std::nullopt;
+  const fs::path program = withoutLinks(places.program);
   const fs::path bundle = program.parent_path().parent_path().parent_path();
   if (bundle.extension() != ".app" || !bundle.filename().native().starts_with("Corvane")) {
     return std::nullopt;

@@ -150,12 +150,14 @@ MCPServer::Reader MCPServer::start(Call call, Leadership& readers) {
     });
     return Reader::thisThread;
   }
-  if (call.tool.waits() || !readers.handOver()) {
+  const auto absence = call.tool.waits() ? std::nullopt : readers.beginAbsence();
+  if (!absence) {
     performOnPool(std::move(call), std::move(*turn));
     return Reader::thisThread;
   }
+  parts.writer.flush();
   perform(call, std::move(*turn));
-  return Reader::another;
+  return readers.endAbsence(*absence) ? Reader::thisThread : Reader::another;
 }
 
 void MCPServer::performOnPool(Call call, DispatchOrder::Turn turn) {

@@ -19,9 +19,10 @@
 namespace corvane {
 
 /// Speaks the protocol: reads messages line by line, answers them, and runs tool calls beside that.
-/// The thread that reads answers everything but tool calls itself. With a tool call it hands on the
-/// reading and runs the call, so neither costs a hop between threads and no tool can delay a ping.
-/// A call that waits, or comes while both reading threads are busy, runs on a pool.
+/// The thread that reads answers everything itself, tool calls as well, so nothing costs a hop
+/// between threads; when a call takes more than a moment another thread reads on, so no tool can
+/// hold up a ping. A call that waits, or comes while all who could read on are busy, runs on a
+/// pool.
 class MCPServer {
  public:
   /// What the server works with; all of it outlives the server.

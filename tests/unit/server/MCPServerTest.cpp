@@ -230,7 +230,7 @@ TEST_F(BusyServerTest, AnswersWhateverHangs) {
   for (int i = 5; i <= 20; ++i) send(call(100 + i, "slow"));
   send(ping(1));
   EXPECT_EQ(nextReply(), 1);
-  waitUntil("every thread hangs", [&] { return hanging == 5; });
+  waitUntil("every thread hangs", [&] { return hanging == 6; });
   finish();
   EXPECT_TRUE(contains(bench.logged(), "INFO stdin closed; exiting"));
 }
