@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 namespace corvane::testing {
 
@@ -13,6 +14,12 @@ struct Finding {
   /// The figures behind it.
   std::string ours;
   std::string others;
+
+  [[nodiscard]] Finding with(std::string oursText, std::string othersText) && {
+    ours = std::move(oursText);
+    others = std::move(othersText);
+    return std::move(*this);
+  }
 };
 
 /// `value` with so many digits that three or so count, e.g. "0.0123", "4.56", "789".

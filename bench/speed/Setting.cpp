@@ -30,6 +30,11 @@ Contender::Command Setting::loggingFloor() const {
   return {{floor.string(), "log"}, {searchPath()}};
 }
 
+Contender::Command Setting::foldersProgram(std::vector<std::string> arguments) const {
+  arguments.insert(arguments.begin(), folders.string());
+  return {std::move(arguments), {searchPath()}};
+}
+
 Contender::Command Setting::nodeJob(const std::string& program,
                                     std::vector<std::string> arguments) const {
   Contender::Command command{{node.string(), (peers / program).string()}, {searchPath()}};

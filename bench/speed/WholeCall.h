@@ -22,12 +22,14 @@ class WholeCall {
   /// `request` has id 1 and is answered with a line that holds `expected`.
   WholeCall(const Setting& setting, std::filesystem::path home, std::string request,
             std::string expected)
-      : setting(setting),
+      : setting(&setting),
         home(std::move(home)),
         request(std::move(request)),
         expected(std::move(expected)) {}
 
   void addServerRound();
+  /// The least that the same can cost: what bench/speed/folders.c does with these arguments.
+  void addFloorRound(std::vector<std::string> arguments);
   /// `program` is asked the same in the same way.
   void addNodeRound(const std::string& program, std::vector<std::string> arguments);
   /// `program` does something else that is compared with the call. It is told as well how often to
@@ -35,22 +37,27 @@ class WholeCall {
   /// as a JSON array.
   void addNodeJob(const std::string& program, std::vector<std::string> arguments);
 
-  /// How many times faster the call is.
-  [[nodiscard]] double ratio() const { return node.median() / server.median(); }
-  /// Median milliseconds of what it is compared with.
+  /// Median milliseconds of the call and of what it is compared with.
+  [[nodiscard]] double milliseconds() const { return server.median(); }
   [[nodiscard]] double nodeMilliseconds() const { return node.median(); }
-  /// Fills in the figures.
-  void describe(Finding& finding) const;
+  [[nodiscard]] double floorMilliseconds() const { return floor.median(); }
+
+  /// How many times faster the call is than what Node.js does.
+  [[nodiscard]] Finding fasterThanNode(std::string what, double required) const;
+  /// How many times as long as the floor it takes.
+  [[nodiscard]] Finding timesTheFloor(std::string what, double allowed) const;
 
  private:
-  void askRepeatedly(Contender& contender, Samples& samples) const;
+  void askRepeatedly(Contender& contender, std::string_view answer, Samples& samples) const;
 
-  const Setting& setting;
+  // A pointer, so that calls can be copied.
+  const Setting* setting;
   std::filesystem::path home;
   std::string request;
   std::string expected;
   Samples server;
   Samples node;
+  Samples floor;
 };
 
 /// The size of a file, e.g. "23.4 MB".

@@ -53,6 +53,8 @@ int main(int argumentCount, char** arguments) {
       ->check(CLI::IsMember(rowNames()));
   app.add_option("--server", setting.server, "The corvane-mcp program")->required();
   app.add_option("--floor", setting.floor, "The floor program")->required();
+  app.add_option("--folders", setting.folders, "The folders program")->required();
+  app.add_option("--plot", setting.plot, "An SVG file to write that shows how cost grows");
   app.add_option("--node", setting.node, "The node program")->required();
   app.add_option("--peers", setting.peers, "The folder of the programs for Node.js")->required();
   app.add_option("--rounds", setting.rounds, "How often each contender has its turn")

@@ -4,18 +4,10 @@
 //   node describe_project.mjs CONTEXT_FILE
 import {readFileSync} from "node:fs";
 import {serve} from "./answering.mjs";
+import {sorted} from "./sorting.mjs";
 
 const file = process.argv[2];
 const collator = new Intl.Collator(undefined, {sensitivity: "accent"});
-
-/** JSON.stringify keeps the order in which members were set, so a copy is made in key order. */
-function sorted(value) {
-  if (Array.isArray(value)) return value.map(sorted);
-  if (value === null || typeof value !== "object") return value;
-  const copy = {};
-  for (const key of Object.keys(value).sort()) copy[key] = sorted(value[key]);
-  return copy;
-}
 
 serve(() => {
   const context = JSON.parse(readFileSync(file, "utf8"));

@@ -29,7 +29,7 @@ Rows::Findings Rows::coldStart(const Setting& setting) {
   }
   const double ours = server.median();
   Finding toSdk = timesBetter("cold start, against the SDK server", 80, sdk.median() / ours);
-  Finding toFloor = timesAtMost("cold start, against the floor", 3, ours / floor.median());
+  Finding toFloor = timesAtMost("cold start, against the floor", 2, ours / floor.median());
   toSdk.ours = toFloor.ours = shortNumber(ours) + " ms";
   toSdk.others = shortNumber(sdk.median()) + " ms";
   toFloor.others = shortNumber(floor.median()) + " ms";

@@ -30,6 +30,11 @@ using Findings = std::vector<Finding>;
 [[nodiscard]] Findings getResult(const Setting& setting);
 /// A large test validated and written.
 [[nodiscard]] Findings createTest(const Setting& setting);
+/// Calls that look through folders of up to a hundred thousand entries: how they compare, how they
+/// grow, and the memory they take.
+[[nodiscard]] Findings folders(const Setting& setting);
+/// A run dispatched beside two thousand processes, any of which could be the app.
+[[nodiscard]] Findings processes(const Setting& setting);
 /// Many calls that wait for a result.
 [[nodiscard]] Findings waitingCalls(const Setting& setting);
 
@@ -43,6 +48,7 @@ inline constexpr std::array all{
     Row{"pipelined", pipelinedPings}, Row{"health", healthCall},
     Row{"peak-memory", peakMemory},   Row{"describe-project", describeProject},
     Row{"get-result", getResult},     Row{"create-test", createTest},
+    Row{"folders", folders},          Row{"processes", processes},
     Row{"waiting", waitingCalls},
 };
 
