@@ -2,6 +2,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "CorvaneCore/authoring/TestPayloadArguments.h"
 #include "CorvaneCore/authoring/TestValidator.h"
@@ -51,21 +52,48 @@ void checkFile(const AnyCodable& document) {
   checkJudgement(payload);
 }
 
-void checkArguments(JsonObject arguments) {
-  auto taken = takeDeclared<TestPayloadArguments>(arguments);
-  if (taken.refusal()) return;
+/// What becomes of arguments, notes on what was dropped included.
+struct Taken {
   AgentTestSchema payload;
-  std::move(taken).moveInto(payload);
-  checkJudgement(payload);
+  std::optional<std::string> refusal;
+  std::vector<std::string> notes;
+};
+
+Taken finish(TestPayloadArguments arguments, std::vector<std::string> notes) {
+  if (arguments.interactions) {
+    const auto& dropped = arguments.interactions->dropped;
+    notes.insert(notes.end(), dropped.begin(), dropped.end());
+  }
+  Taken taken{{}, arguments.refusal(), std::move(notes)};
+  std::move(arguments).moveInto(taken.payload);
+  return taken;
+}
+
+void checkArguments(std::string_view text, JsonObject arguments) {
+  std::vector<std::string> notes;
+  const auto note = [&notes](std::string_view key, std::string_view why) {
+    notes.push_back(droppedNote(key, why));
+  };
+  auto read = TestPayloadArguments::read(text, note);
+  require(read.has_value(), "an object is read as one");
+  const Taken fromText = finish(*std::move(read), std::exchange(notes, {}));
+  auto taken = takeDeclared<TestPayloadArguments>(arguments, note);
+  const Taken fromValues = finish(std::move(taken), std::exchange(notes, {}));
+  require(AgentWire::encode(fromText.payload) == AgentWire::encode(fromValues.payload),
+          "arguments are the same whether they are read as values first or not");
+  require(fromText.refusal == fromValues.refusal, "they are refused alike");
+  require(fromText.notes == fromValues.notes, "and the same is dropped");
+  if (!fromText.refusal) checkJudgement(fromText.payload);
 }
 
 }  // namespace
 
 /// The input is a payload: a file's, or the arguments of create_test, which take nearly anything.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const auto document = read({reinterpret_cast<const char*>(data), size});
+  const std::string_view text(reinterpret_cast<const char*>(data), size);
+  const auto document = read(text);
   if (!document) return 0;
   checkFile(*document);
-  if (const auto* arguments = document->object()) checkArguments(*arguments);
+  if (const auto* arguments = document->object()) checkArguments(text, *arguments);
   return 0;
 }

@@ -7,6 +7,7 @@
 
 #include "CorvaneCore/authoring/AuthoringContract.h"
 #include "CorvaneCore/authoring/InputSchemaBuilder.h"
+#include "CorvaneCore/json/JsonReader.h"
 #include "CorvaneCore/json/LenientReading.h"
 #include "CorvaneCore/text/Unicode.h"
 
@@ -42,33 +43,162 @@ enum class Level { test, branch };
 
 constexpr std::string_view noSteps = "expected an array of objects";
 
-/// Takes the steps out of an array of objects at the place `at`, and adds notes on what is dropped.
-/// Branches are one level deep; what lies deeper is dropped.
+constexpr auto title = &AgentInteraction::title;
+constexpr auto children = &AgentInteraction::children;
+
+std::vector<AgentInteraction> takeSteps(AnyCodable& steps, Level level, const DecodePath& at,
+                                        std::vector<std::string>& dropped);
+
+/// Takes the step at the place `at` out of an object, and adds notes on what is dropped. Branches
+/// are one level deep; what lies deeper is dropped.
+AgentInteraction takeStep(JsonObject& given, Level level, const DecodePath& at,
+                          std::vector<std::string>& dropped) {
+  AgentInteraction step;
+  const auto drop = [&](std::string_view key, std::string_view why) {
+    dropped.push_back(droppedNote(at.member(key).text(), why));
+  };
+  takeFieldsExcept<title, children>(given, step, drop);
+  normalizeDescription(step);
+  AnyCodable* branch = given.find(keyOf<children>());
+  if (!branch || branch->isNull()) return step;
+  if (!holdsObjects(*branch)) {
+    drop(keyOf<children>(), noSteps);
+  } else if (level == Level::test) {
+    step.children = takeSteps(*branch, Level::branch, at.member(keyOf<children>()), dropped);
+  } else if (!branch->array()->empty()) {
+    drop(keyOf<children>(), "branches are one level deep");
+  }
+  return step;
+}
+
+/// The same for an array of objects.
 std::vector<AgentInteraction> takeSteps(AnyCodable& steps, Level level, const DecodePath& at,
                                         std::vector<std::string>& dropped) {
-  constexpr auto children = &AgentInteraction::children;
-  auto& elements = std::get<AnyCodable::Array>(steps.value());
-  std::vector<AgentInteraction> taken(elements.size());
-  for (std::size_t i = 0; i < elements.size(); ++i) {
-    auto& given = std::get<JsonObject>(elements[i].value());
-    AgentInteraction& step = taken[i];
-    const DecodePath place = at.element(i);
-    const auto drop = [&](std::string_view key, std::string_view why) {
-      dropped.push_back(droppedNote(place.member(key).text(), why));
-    };
-    takeFieldsExcept<&AgentInteraction::title, children>(given, step, drop);
-    normalizeDescription(step);
-    AnyCodable* branch = given.find(keyOf<children>());
-    if (!branch || branch->isNull()) continue;
-    if (!holdsObjects(*branch)) {
-      drop(keyOf<children>(), noSteps);
-    } else if (level == Level::test) {
-      step.children = takeSteps(*branch, Level::branch, place.member(keyOf<children>()), dropped);
-    } else if (!branch->array()->empty()) {
-      drop(keyOf<children>(), "branches are one level deep");
-    }
+  std::vector<AgentInteraction> taken;
+  for (AnyCodable& element : std::get<AnyCodable::Array>(steps.value())) {
+    auto& given = std::get<JsonObject>(element.value());
+    taken.push_back(takeStep(given, level, at.element(taken.size()), dropped));
   }
   return taken;
+}
+
+/// Reads steps that are as they should be: of each key there is one, with a value of its type.
+namespace PlainSteps {
+
+// Each of these says whether the value here was as it should be; only then it has been taken.
+
+bool take(JsonCursor& cursor, std::string& text) {
+  const auto taken = cursor.takeIfString();
+  if (taken) text = *taken;
+  return taken.has_value();
+}
+bool take(JsonCursor& cursor, std::optional<std::string>& text) {
+  return take(cursor, text.emplace());
+}
+bool take(JsonCursor& cursor, std::optional<bool>& value) {
+  return (value = cursor.takeIfBoolean()).has_value();
+}
+bool take(JsonCursor& cursor, std::optional<std::int64_t>& value) {
+  return (value = cursor.takeIfInteger()).has_value();
+}
+bool take(JsonCursor& cursor, std::optional<JsonObject>& object) {
+  if (!cursor.atObject()) return false;
+  AnyCodable value = cursor.read();
+  object = std::move(std::get<JsonObject>(value.value()));
+  return true;
+}
+bool take(JsonCursor& cursor, std::optional<std::map<std::string, std::string>>& texts);
+bool take(JsonCursor& cursor, std::optional<std::vector<AgentInteraction>>& branch);
+
+/// Does `take` with a value that is passed over when that fails, or when `isPlain` is false
+/// already.
+template <class Take>
+bool takeOrSkip(JsonCursor& cursor, bool isPlain, Take take) {
+  const auto before = cursor.mark();
+  if (isPlain && take()) return true;
+  cursor.goBackTo(before);
+  cursor.skip();
+  return false;
+}
+
+bool take(JsonCursor& cursor, std::optional<std::map<std::string, std::string>>& texts) {
+  if (!cursor.atObject()) return false;
+  bool isPlain = true;
+  auto& taken = texts.emplace();
+  cursor.members([&](std::string_view key) {
+    std::string& text = taken[std::string(key)];
+    isPlain = takeOrSkip(cursor, isPlain, [&] { return take(cursor, text); });
+  });
+  return isPlain;
+}
+
+/// Takes the value of `key` into its field, of which `seen` tells whether there was one before.
+/// What is no field is passed over, as is the title, which nobody sends.
+bool takeField(JsonCursor& cursor, std::string_view key, Level level, AgentInteraction& step,
+               std::uint32_t& seen) {
+  static constexpr auto fields = AgentInteraction::fields();
+  bool isPlain = true;
+  const auto takeIfOf = [&]<std::size_t position>() {
+    static constexpr auto& field = fields.template at<position>();
+    if constexpr (field.key == keyOf<title>()) return false;
+    if (field.key != key) return false;
+    constexpr std::uint32_t bit = std::uint32_t{1} << position;
+    const bool isAllowed = field.key != keyOf<children>() || level == Level::test;
+    isPlain = (seen & bit) == 0 && isAllowed && take(cursor, step.*field.member);
+    seen |= bit;
+    return true;
+  };
+  const bool isField = [&]<std::size_t... I>(std::index_sequence<I...>) {
+    return (takeIfOf.template operator()<I>() || ...);
+  }(std::make_index_sequence<decltype(fields)::size>());
+  if (!isField) cursor.skip();
+  return isPlain;
+}
+
+bool take(JsonCursor& cursor, Level level, AgentInteraction& step) {
+  if (!cursor.atObject()) return false;
+  bool isPlain = true;
+  std::uint32_t seen = 0;
+  cursor.members([&](std::string_view key) {
+    isPlain =
+        takeOrSkip(cursor, isPlain, [&] { return takeField(cursor, key, level, step, seen); });
+  });
+  normalizeDescription(step);
+  return isPlain;
+}
+
+bool take(JsonCursor& cursor, std::optional<std::vector<AgentInteraction>>& branch) {
+  if (!cursor.atArray()) return false;
+  bool isPlain = true;
+  auto& taken = branch.emplace();
+  cursor.elements([&] {
+    isPlain = takeOrSkip(cursor, isPlain,
+                         [&] { return take(cursor, Level::branch, taken.emplace_back()); });
+  });
+  return isPlain;
+}
+
+}  // namespace PlainSteps
+
+/// Reads the steps of a test; nothing, and the cursor is anywhere, where there is no array of
+/// objects.
+std::optional<TestSteps> readSteps(JsonCursor& cursor) {
+  if (!cursor.atArray()) return std::nullopt;
+  const DecodePath at(keyOf<&AgentTest::interactions>());
+  TestSteps steps;
+  bool areObjects = true;
+  cursor.elements([&] {
+    areObjects = areObjects && cursor.atObject();
+    if (!areObjects) return cursor.skip();
+    const auto before = cursor.mark();
+    AgentInteraction& step = steps.list.emplace_back();
+    if (PlainSteps::take(cursor, Level::test, step)) return;
+    cursor.goBackTo(before);
+    AnyCodable given = cursor.read();
+    step = takeStep(std::get<JsonObject>(given.value()), Level::test,
+                    at.element(steps.list.size() - 1), steps.dropped);
+  });
+  return areObjects ? std::optional(std::move(steps)) : std::nullopt;
 }
 
 /// The integer that a version text such as "1.0" begins with.
@@ -103,6 +233,33 @@ TestSteps Codec<TestSteps>::decode(AnyCodable&& value, const DecodePath& at) {
 
 JsonObject ArgumentType<TestSteps>::schema() {
   return InputSchemaBuilder::stepsSchema();
+}
+
+std::optional<TestPayloadArguments> TestPayloadArguments::read(std::string_view json,
+                                                               const OnMisfit& onMisfit) {
+  constexpr auto interactionsKey = keyOf<&AgentTest::interactions>();
+  bool isObject = false;
+  std::vector<JsonObject::Member> members;
+  std::optional<TestSteps> steps;
+  JsonReader().read(json, [&](JsonCursor& cursor) {
+    isObject = cursor.atObject();
+    if (!isObject) return cursor.skip();
+    cursor.members([&](std::string_view key) {
+      auto& member = members.emplace_back(std::string(key), AnyCodable());
+      if (key == interactionsKey) {
+        const auto before = cursor.mark();
+        // Of members of one name the last counts; where these are steps, the others count as null.
+        if ((steps = readSteps(cursor))) return;
+        cursor.goBackTo(before);
+      }
+      member.value = cursor.read();
+    });
+  });
+  if (!isObject) return std::nullopt;
+  JsonObject object(std::move(members));
+  auto arguments = takeDeclared<TestPayloadArguments>(object, onMisfit);
+  if (steps) arguments.interactions = std::move(steps);
+  return arguments;
 }
 
 std::optional<std::string> TestPayloadArguments::refusal() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <tuple>
@@ -128,6 +129,13 @@ struct TestPayloadArguments {
                 listedTypes("/", isConcrete) + ") are authored with explore_flow.")
             .required());
   }
+
+  /// Is told which argument is dropped and why.
+  using OnMisfit = std::function<void(std::string_view, std::string_view)>;
+  /// Reads these from a valid JSON text; nothing when it holds no object. Steps that are as they
+  /// should be become steps without ever being values, as there may be thousands.
+  [[nodiscard]] static std::optional<TestPayloadArguments> read(std::string_view json,
+                                                                const OnMisfit& onMisfit);
 
   /// Why no payload can be made of these, if none can.
   [[nodiscard]] std::optional<std::string> refusal() const;

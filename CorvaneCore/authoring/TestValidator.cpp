@@ -6,6 +6,7 @@
 
 #include "CorvaneCore/authoring/AuthoringContract.h"
 #include "CorvaneCore/authoring/Vocabularies.h"
+#include "CorvaneCore/json/LenientReading.h"
 
 namespace corvane {
 
@@ -231,9 +232,10 @@ void checkBranch(const CheckedStep& step) {
   checkParent(step);
   if (!step.interaction.children) return;
   const auto& children = *step.interaction.children;
+  const DecodePath branch = step.path.member(keyOf<&AgentInteraction::children>());
   for (std::size_t c = 0; c < children.size(); ++c) {
-    const CheckedStep child{children[c], step.path + ".children[" + std::to_string(c) + "]",
-                            step.platform, step.result};
+    const DecodePath place = branch.element(c);
+    const CheckedStep child{children[c], place, step.platform, step.result};
     checkChild(child);
     checkStep(child);
   }
@@ -247,9 +249,10 @@ void checkInteractions(const AgentTest& test, const std::string& path, AgentTarg
     return;
   }
   checkBookends(test, path, result);
+  const DecodePath steps(path);
   for (std::size_t n = 0; n < test.interactions.size(); ++n) {
-    const CheckedStep step{test.interactions[n], path + "[" + std::to_string(n) + "]", platform,
-                           result};
+    const DecodePath place = steps.element(n);
+    const CheckedStep step{test.interactions[n], place, platform, result};
     checkComposition(step);
     checkStep(step);
     checkBranch(step);

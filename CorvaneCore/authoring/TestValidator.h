@@ -7,6 +7,7 @@
 #include "CorvaneCore/authoring/AgentTestSchema.h"
 #include "CorvaneCore/authoring/ValidationResult.h"
 #include "CorvaneCore/authoring/Vocabularies.h"
+#include "CorvaneCore/json/Codec.h"
 
 namespace corvane {
 
@@ -15,8 +16,8 @@ struct CheckedStep {
   using Code = ValidationIssue::Code;
 
   const AgentInteraction& interaction;
-  /// Where the step stands, e.g. "tests[0].interactions[2]".
-  std::string path;
+  /// Where the step stands, e.g. "tests[0].interactions[2]"; a text only for those who ask.
+  const DecodePath& path;
   /// The platform that its payload is for.
   AgentTargetPlatform platform;
   ValidationResult& result;
@@ -24,11 +25,10 @@ struct CheckedStep {
   /// Reports a problem at `place`, which continues the step's path, e.g. ".description".
   void error(Code code, std::string_view place, std::string message,
              std::optional<AnyCodable> suggestion = std::nullopt) const {
-    result.addError(code, std::string(path).append(place), std::move(message),
-                    std::move(suggestion));
+    result.addError(code, path.text().append(place), std::move(message), std::move(suggestion));
   }
   void warning(Code code, std::string_view place, std::string message) const {
-    result.addWarning(code, std::string(path).append(place), std::move(message));
+    result.addWarning(code, path.text().append(place), std::move(message));
   }
 };
 

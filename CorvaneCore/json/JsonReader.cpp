@@ -158,6 +158,33 @@ void JsonCursor::skip() {
   walk(nothing);
 }
 
+std::optional<std::string_view> JsonCursor::takeIfString() {
+  if (byte() != '"') return std::nullopt;
+  return takeString();
+}
+
+std::optional<bool> JsonCursor::takeIfBoolean() {
+  const auto* const before = next;
+  if (byte() == 't' || byte() == 'f') {
+    const std::string_view token = takeToken();
+    if (token == "true" || token == "false") return token == "true";
+    next = before;
+  }
+  return std::nullopt;
+}
+
+std::optional<std::int64_t> JsonCursor::takeIfInteger() {
+  const auto* const before = next;
+  if (byte() == '-' || (byte() >= '0' && byte() <= '9')) {
+    const auto number = parseJsonNumber(takeToken());
+    if (number && std::holds_alternative<std::int64_t>(*number)) {
+      return std::get<std::int64_t>(*number);
+    }
+    next = before;
+  }
+  return std::nullopt;
+}
+
 AnyCodable JsonReader::read(std::string_view text) {
   AnyCodable value;
   read(text, [&value](JsonCursor& cursor) { value = cursor.read(); });

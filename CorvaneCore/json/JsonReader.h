@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,10 +32,21 @@ class JsonCursor {
   /// size of the text when there is nothing more.
   [[nodiscard]] std::size_t position() const noexcept { return *next; }
 
+  /// A place to come back to.
+  using Mark = const std::uint32_t*;
+  [[nodiscard]] Mark mark() const noexcept { return next; }
+  void goBackTo(Mark place) noexcept { next = place; }
+
   /// Takes the value here, however deep it nests; of duplicate keys the last one wins.
   [[nodiscard]] AnyCodable read();
   /// Passes over the value here.
   void skip();
+
+  /// The value here, when it is of the asked kind; nothing is taken otherwise. A string is valid
+  /// until the next call; a number is an integer when it is written as one and is in range.
+  [[nodiscard]] std::optional<std::string_view> takeIfString();
+  [[nodiscard]] std::optional<bool> takeIfBoolean();
+  [[nodiscard]] std::optional<std::int64_t> takeIfInteger();
 
   /// Takes the object here: calls `visit` with every key in turn, upon which `visit` takes the
   /// value by one of the functions of this cursor. The key is valid until then.

@@ -95,6 +95,15 @@ char* putEscaped(std::string_view bytes, SlashStyle slashes, char* out) {
 #pragma GCC unroll 8
     for (std::size_t i = 0; i < sizeof(Word); ++i) out = putByte(in[i], table, out);
   }
+  const auto rest = static_cast<std::size_t>(end - in);
+  if (rest == 0) return out;
+  // Blanks fill up the last word, as they stand for themselves.
+  Word word = everyByte(' ');
+  std::memcpy(&word, in, rest);
+  if (isPlain(word, slashes)) {
+    std::memcpy(out, &word, sizeof word);
+    return out + rest;
+  }
   for (; in != end; ++in) out = putByte(*in, table, out);
   return out;
 }

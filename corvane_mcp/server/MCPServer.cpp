@@ -62,15 +62,16 @@ void MCPServer::lead(LineReader& input, Leadership& readers) {
 }
 
 MCPServer::Reader MCPServer::handleLine(std::string_view line, Leadership& readers) {
-  JSONRPCRequest request;
+  RequestLine read;
   try {
-    request = decodeValue<JSONRPCRequest>(reader.read(line));
+    read = readRequestLine(line, reader);
   } catch (const std::exception& error) {
     replyToUnreadable(error.what());
     return Reader::thisThread;
   }
+  const JSONRPCRequest& request = read.request;
   parts.logger.info("→ " + request.method + " (id=" + describeId(request.id) + ")");
-  if (request.method == toolsCallMethod) return handleToolsCall(std::move(request), readers);
+  if (request.method == toolsCallMethod) return handleToolsCall(std::move(read), readers);
   try {
     AnyCodable result = dispatch(request);
     if (request.id) {
@@ -111,18 +112,18 @@ InitializeResult MCPServer::handleInitialize(const std::optional<AnyCodable>& pa
   return {answered, {ToolsCapability{}}, parts.serverInfo};
 }
 
-MCPServer::Reader MCPServer::handleToolsCall(JSONRPCRequest request, Leadership& readers) {
-  const std::optional<JSONRPCID> id = request.id;
+MCPServer::Reader MCPServer::handleToolsCall(RequestLine line, Leadership& readers) {
+  const std::optional<JSONRPCID> id = line.request.id;
   try {
-    return start(readToolsCall(std::move(request)), readers);
+    return start(readToolsCall(std::move(line)), readers);
   } catch (...) {
     replyWithFailure(id, std::current_exception(), toolsCallFailure(), Delivery::together);
     return Reader::thisThread;
   }
 }
 
-MCPServer::Call MCPServer::readToolsCall(JSONRPCRequest request) {
-  auto& params = request.params;
+MCPServer::Call MCPServer::readToolsCall(RequestLine line) {
+  auto& params = line.request.params;
   if (!params) throw JSONRPCError(JSONRPCError::invalidParams, "tools/call requires params");
   ToolCall sent;
   if (auto token = progressToken(*params)) sent.progress.emplace(parts.writer, std::move(*token));
@@ -133,10 +134,11 @@ MCPServer::Call MCPServer::readToolsCall(JSONRPCRequest request) {
     throw JSONRPCError(JSONRPCError::invalidParams,
                        std::string("tools/call params malformed: ") + error.what());
   }
-  sent.arguments = std::move(decoded.arguments);
+  sent.arguments = std::move(line.arguments);
   parts.logger.info("tools/call " + decoded.name + ": progressToken " +
                     (sent.progress ? "present" : "ABSENT"));
-  return {std::move(request.id), parts.registry.find(decoded.name), std::move(sent), tasks.count()};
+  return {std::move(line.request.id), parts.registry.find(decoded.name), std::move(sent),
+          tasks.count()};
 }
 
 MCPServer::Reader MCPServer::start(Call call, Leadership& readers) {

@@ -8,6 +8,7 @@
 #include "CorvaneCore/json/JsonReader.h"
 #include "corvane_mcp/protocol/JsonRpc.h"
 #include "corvane_mcp/protocol/McpRecords.h"
+#include "corvane_mcp/protocol/RequestLine.h"
 #include "corvane_mcp/server/DispatchOrder.h"
 #include "corvane_mcp/server/Leadership.h"
 #include "corvane_mcp/server/LineReader.h"
@@ -57,9 +58,9 @@ class MCPServer {
   AnyCodable dispatch(const JSONRPCRequest& request);
   InitializeResult handleInitialize(const std::optional<AnyCodable>& params);
 
-  Reader handleToolsCall(JSONRPCRequest request, Leadership& readers);
+  Reader handleToolsCall(RequestLine line, Leadership& readers);
   /// Throws JSONRPCError when there is no such tool or the params make no sense.
-  Call readToolsCall(JSONRPCRequest request);
+  Call readToolsCall(RequestLine line);
   Reader start(Call call, Leadership& readers);
   void performOnPool(Call call, DispatchOrder::Turn turn);
   void perform(Call& call, DispatchOrder::Turn turn);

@@ -37,8 +37,8 @@ class ClientIdentity {
 
 /// One call of a tool.
 struct ToolCall {
-  /// As the client sent them, of any JSON kind; absent when it sent none.
-  std::optional<AnyCodable> arguments;
+  /// As the client sent them: a valid JSON text of any kind; absent when it sent none.
+  std::optional<std::string> arguments;
   /// Present when the client asked for progress.
   std::optional<ProgressReporter> progress;
 };

@@ -113,17 +113,20 @@ std::string launchApp(const ToolServices& services) {
   return launch.describe();
 }
 
-ToolsCallResult call(JsonObject& sent, const ToolServices& services, DispatchOrder::Turn& turn) {
-  auto arguments = takeDeclared<TestPayloadArguments>(
-      sent, [&services](std::string_view argument, std::string_view why) {
-        services.logger.warn(droppedNote(argument, why));
-      });
-  if (arguments.interactions) {
-    for (const auto& note : arguments.interactions->dropped) services.logger.warn(note);
+ToolsCallResult call(const ToolCall& sent, const ToolServices& services,
+                     DispatchOrder::Turn& turn) {
+  auto arguments =
+      TestPayloadArguments::read(sent.arguments.value_or("null"),
+                                 [&services](std::string_view argument, std::string_view why) {
+                                   services.logger.warn(droppedNote(argument, why));
+                                 });
+  if (!arguments) failForWantOfArguments(name);
+  if (arguments->interactions) {
+    for (const auto& note : arguments->interactions->dropped) services.logger.warn(note);
   }
-  if (auto reason = arguments.refusal()) return ToolsCallResult::failure(std::move(*reason));
+  if (auto reason = arguments->refusal()) return ToolsCallResult::failure(std::move(*reason));
   auto payload = Dispatch::newRequest<AgentTestSchema>(services);
-  std::move(arguments).moveInto(payload);
+  std::move(*arguments).moveInto(payload);
 
   const ValidationResult validation = TestValidator::validate(payload);
   if (validation.hasErrors()) {
@@ -169,7 +172,7 @@ MCPTool makeListInteractionTypesTool() {
 MCPTool makeCreateTestTool(const ToolServices& services) {
   using namespace create_test;
   return {name, description, inputSchema, [services](ToolCall sent, DispatchOrder::Turn& turn) {
-            return call(requireArguments(sent, name), services, turn);
+            return call(sent, services, turn);
           }};
 }
 

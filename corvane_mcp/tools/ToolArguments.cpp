@@ -1,13 +1,18 @@
 #include "corvane_mcp/tools/ToolArguments.h"
 
+#include "CorvaneCore/json/JsonReader.h"
 #include "corvane_mcp/protocol/JsonRpc.h"
 
 namespace corvane {
 
-JsonObject& requireArguments(ToolCall& call, std::string_view toolName) {
-  if (call.arguments) {
-    if (auto* object = std::get_if<JsonObject>(&call.arguments->value())) return *object;
-  }
+std::optional<JsonObject> argumentsObject(const ToolCall& call) {
+  if (!call.arguments) return std::nullopt;
+  AnyCodable arguments = readJson(*call.arguments);
+  auto* object = std::get_if<JsonObject>(&arguments.value());
+  return object ? std::optional(std::move(*object)) : std::nullopt;
+}
+
+void failForWantOfArguments(std::string_view toolName) {
   throw JSONRPCError(JSONRPCError::invalidParams,
                      std::string(toolName).append(" requires arguments"));
 }

@@ -4,28 +4,31 @@
 #include <string>
 #include <string_view>
 #include <tuple>
-#include <variant>
 
 #include "CorvaneCore/json/ArgumentTable.h"
 #include "corvane_mcp/server/MCPTool.h"
 
 namespace corvane {
 
-/// The arguments object of a call. Throws JSONRPCError "<tool> requires arguments" when the call
-/// carries none.
-[[nodiscard]] JsonObject& requireArguments(ToolCall& call, std::string_view toolName);
+/// The arguments object of a call; nothing when it carries none.
+[[nodiscard]] std::optional<JsonObject> argumentsObject(const ToolCall& call);
 
-/// Takes the declared arguments out of a call. Throws JSONRPCError "<tool> requires arguments" when
-/// the call carries no arguments object; a single argument of the wrong type counts as absent.
+/// Throws JSONRPCError "<tool> requires arguments".
+[[noreturn]] void failForWantOfArguments(std::string_view toolName);
+
+/// The declared arguments of a call. Throws JSONRPCError "<tool> requires arguments" when the call
+/// carries no arguments object; a single argument of the wrong type counts as absent.
 template <class Arguments>
-[[nodiscard]] Arguments takeArguments(ToolCall& call, std::string_view toolName) {
-  return takeDeclared<Arguments>(requireArguments(call, toolName));
+[[nodiscard]] Arguments takeArguments(const ToolCall& call, std::string_view toolName) {
+  auto object = argumentsObject(call);
+  if (!object) failForWantOfArguments(toolName);
+  return takeDeclared<Arguments>(*object);
 }
 
 /// The same for a tool that can be called without an arguments object: all are absent then.
 template <class Arguments>
-[[nodiscard]] Arguments takeArgumentsIfAny(ToolCall& call) {
-  auto* object = call.arguments ? std::get_if<JsonObject>(&call.arguments->value()) : nullptr;
+[[nodiscard]] Arguments takeArgumentsIfAny(const ToolCall& call) {
+  auto object = argumentsObject(call);
   return object ? takeDeclared<Arguments>(*object) : Arguments();
 }
 

@@ -53,7 +53,7 @@ class ToolBench {
   ToolsCallResult call(const MCPTool& tool, std::optional<std::string_view> arguments,
                        std::optional<ProgressReporter> progress = std::nullopt) {
     ToolCall call;
-    if (arguments) call.arguments = readJson(*arguments);
+    if (arguments) call.arguments = *arguments;
     call.progress = std::move(progress);
     return runTask(tool.call(std::move(call)));
   }

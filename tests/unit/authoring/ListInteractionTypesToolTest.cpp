@@ -13,7 +13,7 @@ namespace {
 /// The text that the tool answers to these arguments, a JSON text, or to none.
 std::string answer(std::optional<std::string_view> arguments = std::nullopt) {
   ToolCall call;
-  if (arguments) call.arguments = readJson(*arguments);
+  if (arguments) call.arguments = *arguments;
   const auto result = runTask(makeListInteractionTypesTool().call(std::move(call)));
   EXPECT_FALSE(result.isError);
   return textOf(result);

@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "CorvaneCore/json/AgentWire.h"
+#include "CorvaneCore/json/JsonReader.h"
+#include "CorvaneCore/json/JsonWriter.h"
+#include "corvane_mcp/protocol/RequestLine.h"
 #include "tests/support/ErrorText.h"
 
 namespace corvane::testing {
@@ -138,6 +141,63 @@ TEST(JSONRPCResponseTest, ReadsWhatItWrites) {
   EXPECT_EQ(response.error->code, 1);
   EXPECT_EQ(response.error->message, "m");
   EXPECT_EQ(response.error->data, AnyCodable(AnyCodable::Array{true}));
+}
+
+/// The arguments that a line carries, as they came.
+std::string argumentsOf(std::string_view line) {
+  JsonReader reader;
+  return readRequestLine(line, reader).arguments.value_or("none");
+}
+
+// Fails when arguments are made into values, or taken from elsewhere than the params.
+TEST(RequestLineTest, KeepsArgumentsAsTheTextTheyAre) {
+  EXPECT_EQ(argumentsOf(R"({"method":"m","params":{"arguments":{ "b" : [1.50], "a":"\u0041" }},)"
+                        R"("jsonrpc":"2.0"})"),
+            R"({ "b" : [1.50], "a":"\u0041" })");
+  for (const char* value : {"null", "7", "\"x\"", "[]", "[1,[2]]", "{}"}) {
+    EXPECT_EQ(argumentsOf(R"({"jsonrpc":"2.0","method":"m","params":{"name":"x","arguments":)" +
+                          std::string(value) + "}}"),
+              value);
+  }
+  EXPECT_EQ(argumentsOf(R"({"jsonrpc":"2.0","method":"m","params":{"argu\u006dents":1}})"), "1");
+  for (const char* params : {"{}", "[]", "null", "7", R"([{"arguments":1}])",
+                             R"({"name":{"arguments":1}})", R"({"Arguments":1})"}) {
+    EXPECT_EQ(argumentsOf(R"({"jsonrpc":"2.0","method":"m","arguments":2,"params":)" +
+                          std::string(params) + "}"),
+              "none")
+        << params;
+  }
+}
+
+// Fails when arguments outlive the params that a later member of that name replaces.
+TEST(RequestLineTest, OfSeveralTheLastCount) {
+  const std::string begin = R"({"jsonrpc":"2.0","method":"m",)";
+  EXPECT_EQ(argumentsOf(begin + R"("params":{"arguments":1,"arguments":2}})"), "2");
+  EXPECT_EQ(argumentsOf(begin + R"("params":{"arguments":1},"params":{"arguments":2}})"), "2");
+  EXPECT_EQ(argumentsOf(begin + R"("params":{"arguments":1},"params":{"name":"x"}})"), "none");
+  EXPECT_EQ(argumentsOf(begin + R"("params":{"arguments":1},"params":null})"), "none");
+}
+
+TEST(RequestLineTest, LeavesTheRestOfTheRequestAsItIs) {
+  JsonReader reader;
+  const auto line = readRequestLine(
+      R"({"id":"i","jsonrpc":"2.0","method":"m","params":{"_meta":{"progressToken":5},)"
+      R"("arguments":{"a":1},"name":"x"}})",
+      reader);
+  EXPECT_EQ(line.request.method, "m");
+  EXPECT_EQ(toJson(*line.request.params), R"({"_meta":{"progressToken":5},"name":"x"})");
+}
+
+// Fails when what is not made into a value is not checked.
+TEST(RequestLineTest, ChecksArgumentsAsEverythingElse) {
+  for (const char* arguments : {"", "{", "[1,]", "{\"a\"}", "01", "1e999", "tru", "\"\\x\""}) {
+    const std::string line =
+        R"({"jsonrpc":"2.0","method":"m","params":{"arguments":)" + std::string(arguments) + "}}";
+    JsonReader reader;
+    EXPECT_EQ(errorText<DecodeError>([&] { (void)readRequestLine(line, reader); }),
+              errorText<DecodeError>([&] { (void)readJson(line); }))
+        << line;
+  }
 }
 
 }  // namespace

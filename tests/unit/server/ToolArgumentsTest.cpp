@@ -33,7 +33,7 @@ struct Nothing {
 };
 
 Sample read(std::string_view json) {
-  ToolCall call{readJson(json), std::nullopt};
+  const ToolCall call{std::string(json), std::nullopt};
   return takeArguments<Sample>(call, "sample");
 }
 

@@ -33,7 +33,7 @@ class WorkspaceBench : public ToolBench {
   [[nodiscard]] Answer call(std::optional<std::string_view> arguments = std::nullopt) const {
     const MCPTool tool = makeTool(services);
     ToolCall call;
-    if (arguments) call.arguments = readJson(*arguments);
+    if (arguments) call.arguments = *arguments;
     const auto result = runTask(tool.call(std::move(call)));
     return {textOf(result), result.isError};
   }
