@@ -144,6 +144,21 @@ void ensureDirectoryExists(const fs::path& directory) {
   }
 }
 
+namespace {
+
+/// Whether people do not get to see an entry for a flag that it carries, as `~/Library` does on
+/// macOS.
+bool isFlaggedHidden([[maybe_unused]] const fs::path& entry) {
+#ifdef __APPLE__
+  struct stat status{};
+  return ::lstat(entry.c_str(), &status) == 0 && (status.st_flags & UF_HIDDEN) != 0;
+#else
+  return false;
+#endif
+}
+
+}  // namespace
+
 bool fileExists(const fs::path& path) {
   std::error_code ignored;
   return fs::exists(path, ignored);
@@ -154,6 +169,7 @@ std::vector<fs::path> listVisible(const fs::path& directory) {
   std::error_code error;
   for (fs::directory_iterator next(directory, error), end; !error && next != end;
        next.increment(error)) {
+    if (isFlaggedHidden(next->path())) continue;
     if (!next->path().filename().native().starts_with('.')) entries.push_back(next->path());
   }
   std::sort(entries.begin(), entries.end());

@@ -112,8 +112,8 @@ void ensureDirectoryExists(const std::filesystem::path& directory);
 /// Whether something exists at `path`, links followed.
 [[nodiscard]] bool fileExists(const std::filesystem::path& path);
 
-/// The entries of a folder whose names do not begin with a dot, sorted by name; empty when the
-/// folder is missing or cannot be listed.
+/// The entries of a folder that are not hidden, by a dot that their names begin with or by macOS's
+/// flag, sorted by name; empty when the folder is missing or cannot be listed.
 [[nodiscard]] std::vector<std::filesystem::path> listVisible(
     const std::filesystem::path& directory);
 
