@@ -110,7 +110,7 @@ class FileFaultsTest : public FaultTest {
   /// The operations of a life in which nothing goes wrong.
   [[nodiscard]] std::vector<std::string> undisturbedOperations() const {
     const TemporaryHome other;
-    furnish(other.programPaths());
+    furnish(other.paths());
     return converse(other, home.path() / "journal", std::nullopt).operations;
   }
 
@@ -162,11 +162,11 @@ class FileFaultsTest : public FaultTest {
     SCOPED_TRACE("operation " + std::to_string(index + 1) + " (" + operation + ") fails with " +
                  std::to_string(error));
     const TemporaryHome other;
-    furnish(other.programPaths());
+    furnish(other.paths());
     const auto outcome =
         converse(other, home.path() / "faulty", Fault{index + 1, std::to_string(error)});
     expectEveryRequestAnsweredOnce(outcome);
-    EXPECT_EQ(promised(outcome), dropped(other.programPaths()));
+    EXPECT_EQ(promised(outcome), dropped(other.paths()));
     fs::remove(home.path() / "faulty");
   }
 
@@ -209,11 +209,11 @@ class NamelessFilesTest : public FileFaultsTest {
 // Fails when a request is given up because the nameless file gets no name.
 TEST_F(NamelessFilesTest, AFileThatGetsNoNameIsWrittenWithOne) {
   const TemporaryHome other;
-  furnish(other.programPaths());
+  furnish(other.paths());
   const auto outcome = converse(other, home.path() / "journal", std::nullopt);
   expectEveryRequestAnsweredOnce(outcome);
   EXPECT_EQ(promised(outcome).size(), 4U);
-  EXPECT_EQ(promised(outcome), dropped(other.programPaths()));
+  EXPECT_EQ(promised(outcome), dropped(other.paths()));
   const auto count = [&outcome](std::string_view kind) {
     return std::count_if(outcome.operations.begin(), outcome.operations.end(),
                          [kind](const auto& each) { return each.starts_with(kind); });
@@ -235,11 +235,11 @@ TEST_F(FileFaultsTest, ShortWritesAndReadsChangeNothing) {
     if (!operations[i].starts_with("write ") && !operations[i].starts_with("read ")) continue;
     SCOPED_TRACE("operation " + std::to_string(i + 1) + " (" + operations[i] + ") is cut short");
     const TemporaryHome other;
-    furnish(other.programPaths());
+    furnish(other.paths());
     const auto outcome = converse(other, home.path() / "faulty", Fault{i + 1, "short"});
     expectEveryRequestAnsweredOnce(outcome);
     EXPECT_EQ(promised(outcome).size(), 4U);
-    EXPECT_EQ(promised(outcome), dropped(other.programPaths()));
+    EXPECT_EQ(promised(outcome), dropped(other.paths()));
     fs::remove(home.path() / "faulty");
   }
 }
@@ -259,12 +259,12 @@ TEST_F(FileFaultsTest, AServerThatIsKilledLeavesWholeFilesOnly) {
   for (std::size_t i = 0; i < operations.size(); ++i) {
     SCOPED_TRACE("killed before operation " + std::to_string(i + 1) + " (" + operations[i] + ")");
     const TemporaryHome other;
-    furnish(other.programPaths());
+    furnish(other.paths());
     const auto outcome = converse(other, home.path() / "faulty", Fault{i + 1, "kill"});
     // The log's lines go out in batches, so that a life may do with fewer operations than another.
     const bool livedOn = outcome.end == "exit 0" && outcome.operations.size() <= i;
     EXPECT_TRUE(outcome.end == "signal 9" || livedOn) << outcome.end;
-    const auto there = dropped(other.programPaths());
+    const auto there = dropped(other.paths());
     for (const auto& id : promised(outcome)) EXPECT_TRUE(there.contains(id)) << id;
     // The last one may have been written without there being time to say so.
     EXPECT_LE(there.size(), promised(outcome).size() + 1);

@@ -57,7 +57,7 @@ Rows::Findings Rows::createTest(const Setting& setting) {
   Samples validations;
   for (int i = 0; i < setting.rounds; ++i) {
     call.addServerRound();
-    validations.add(validationMilliseconds(home.programPaths()));
+    validations.add(validationMilliseconds(home.paths()));
     call.addNodeJob("validate.mjs", {schemaFile, argumentsFile});
   }
   const std::string test = "2,000 interactions (" + megabytes(argumentsFile) + ")";

@@ -8,8 +8,8 @@ namespace corvane::testing {
 
 Rows::Findings Rows::describeProject(const Setting& setting) {
   const TemporaryHome home;
-  Documents::writeContext(home.programPaths());
-  const std::string file = home.programPaths().agentContextFile();
+  Documents::writeContext(home.paths());
+  const std::string file = home.paths().agentContextFile();
   WholeCall call(setting, home.path(), Messages::call(1, "describe_project", "{}"),
                  "Corvane workspace context");
   for (int i = 0; i < setting.rounds; ++i) {

@@ -10,8 +10,8 @@ namespace corvane::testing {
 Rows::Findings Rows::getResult(const Setting& setting) {
   const TemporaryHome home;
   const std::string id = "0b5f7a0e-9c1d-4e2f-8a3b-abcdef012345";
-  Documents::writeTerminalResult(id, home.programPaths());
-  const std::string file = AgentRunResult::fileURL(id, home.programPaths());
+  Documents::writeTerminalResult(id, home.paths());
+  const std::string file = AgentRunResult::fileURL(id, home.paths());
   WholeCall call(setting, home.path(),
                  Messages::call(1, "get_result", R"({"requestId":")" + id + R"("})"),
                  "status: passed (terminal)");

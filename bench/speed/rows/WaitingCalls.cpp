@@ -54,7 +54,7 @@ struct Waiting {
 Rows::Findings Rows::waitingCalls(const Setting& setting) {
   const TemporaryHome home;
   for (std::size_t i = 0; i <= callCount; ++i) {
-    Documents::writeRunningResult(requestId(i), home.programPaths());
+    Documents::writeRunningResult(requestId(i), home.paths());
   }
   Waiting waiting;
   for (int i = 0; i < setting.rounds; ++i) waiting.addRound(setting, home.path());
