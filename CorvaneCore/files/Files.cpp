@@ -1,11 +1,10 @@
 #include "CorvaneCore/files/Files.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <cerrno>
 
+#include "CorvaneCore/files/Folder.h"
 #include "CorvaneCore/files/TemporaryFile.h"
 #include "CorvaneCore/text/Unicode.h"
 
@@ -82,41 +81,49 @@ void closeToOthers(const fs::path& path) {
 
 }  // namespace
 
+FileStamp FileStamp::of(const struct stat& status) {
+  return {modificationTime(status), static_cast<std::uintmax_t>(status.st_size)};
+}
+
 std::optional<FileStamp> readStamp(const fs::path& path) {
   struct stat status{};
   if (::stat(path.c_str(), &status) != 0) return std::nullopt;
-  return FileStamp{modificationTime(status), static_cast<std::uintmax_t>(status.st_size)};
+  return FileStamp::of(status);
+}
+
+std::error_code readWhole(const FileDescriptor& file, std::string& buffer, std::size_t& length,
+                          std::size_t limit, std::size_t spare) {
+  struct stat status{};
+  if (!file.isOpen() || ::fstat(file.get(), &status) != 0) return lastError();
+  if (S_ISDIR(status.st_mode)) return std::make_error_code(std::errc::is_a_directory);
+  if (!S_ISREG(status.st_mode)) return std::make_error_code(std::errc::invalid_argument);
+  const auto tooLarge = std::make_error_code(std::errc::file_too_large);
+  const auto size = static_cast<std::size_t>(status.st_size);
+  if (size > limit) return tooLarge;
+  length = 0;
+  // The size is only a hint: the file may grow or shrink while it is read.
+  if (buffer.size() <= size) {
+    buffer.reserve(size + 1 + spare);
+    buffer.resize(size + 1);
+  }
+  while (true) {
+    const ssize_t count = ::read(file.get(), buffer.data() + length, buffer.size() - length);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return lastError();
+    length += static_cast<std::size_t>(count);
+    if (count == 0) return {};
+    if (length > limit) return tooLarge;
+    constexpr std::size_t smallestStep = 4096;
+    if (length == buffer.size()) buffer.resize(length + smallestStep);
+  }
 }
 
 std::string readFile(const fs::path& path, std::size_t limit, std::size_t spare) {
-  // Without O_NONBLOCK opening a FIFO would wait for its writer.
-  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-  struct stat status{};
-  if (!file.isOpen() || ::fstat(file.get(), &status) != 0) {
-    throw FileError("read", path, lastError());
-  }
-  const auto fail = [&path](std::errc reason) {
-    throw FileError("read", path, std::make_error_code(reason));
-  };
-  if (S_ISDIR(status.st_mode)) fail(std::errc::is_a_directory);
-  if (!S_ISREG(status.st_mode)) fail(std::errc::invalid_argument);
-  const auto size = static_cast<std::size_t>(status.st_size);
-  if (size > limit) fail(std::errc::file_too_large);
+  const FileDescriptor file(::open(path.c_str(), openForReading));
   std::string contents;
-  contents.reserve(size + 1 + spare);
-  // The size is only a hint: the file may grow or shrink while it is read.
-  std::size_t capacity = size + 1;
   std::size_t length = 0;
-  while (true) {
-    contents.resize(length + capacity);
-    const ssize_t count = ::read(file.get(), contents.data() + length, capacity);
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) throw FileError("read", path, lastError());
-    length += static_cast<std::size_t>(count);
-    if (count == 0) break;
-    if (length > limit) fail(std::errc::file_too_large);
-    constexpr std::size_t smallestStep = 4096;
-    capacity = contents.size() > length ? contents.size() - length : smallestStep;
+  if (const auto error = readWhole(file, contents, length, limit, spare)) {
+    throw FileError("read", path, error);
   }
   contents.resize(length);
   return contents;
@@ -144,36 +151,9 @@ void ensureDirectoryExists(const fs::path& directory) {
   }
 }
 
-namespace {
-
-/// Whether people do not get to see an entry for a flag that it carries, as `~/Library` does on
-/// macOS.
-bool isFlaggedHidden([[maybe_unused]] const fs::path& entry) {
-#ifdef __APPLE__
-  struct stat status{};
-  return ::lstat(entry.c_str(), &status) == 0 && (status.st_flags & UF_HIDDEN) != 0;
-#else
-  return false;
-#endif
-}
-
-}  // namespace
-
 bool fileExists(const fs::path& path) {
   std::error_code ignored;
   return fs::exists(path, ignored);
-}
-
-std::vector<fs::path> listVisible(const fs::path& directory) {
-  std::vector<fs::path> entries;
-  std::error_code error;
-  for (fs::directory_iterator next(directory, error), end; !error && next != end;
-       next.increment(error)) {
-    if (isFlaggedHidden(next->path())) continue;
-    if (!next->path().filename().native().starts_with('.')) entries.push_back(next->path());
-  }
-  std::sort(entries.begin(), entries.end());
-  return entries;
 }
 
 }  // namespace corvane

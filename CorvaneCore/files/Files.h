@@ -1,5 +1,6 @@
 #pragma once
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -11,7 +12,6 @@
 #include <string_view>
 #include <system_error>
 #include <utility>
-#include <vector>
 
 namespace corvane {
 
@@ -67,6 +67,7 @@ struct FileStamp {
   std::optional<FileTime> modifiedAt;
   std::uintmax_t size = 0;
 
+  [[nodiscard]] static FileStamp of(const struct stat& status);
   friend bool operator==(const FileStamp&, const FileStamp&) = default;
 };
 
@@ -82,6 +83,15 @@ inline constexpr std::size_t largestFile = std::size_t{64} << 20;
 /// file and for one larger than `limit` bytes.
 [[nodiscard]] std::string readFile(const std::filesystem::path& path,
                                    std::size_t limit = largestFile, std::size_t spare = 0);
+
+/// How readFile opens a file. Without O_NONBLOCK opening a FIFO would wait for its writer.
+inline constexpr int openForReading = O_RDONLY | O_CLOEXEC | O_NONBLOCK;
+
+/// What readFile does with a file that was opened so, or could not be: `buffer` begins with what
+/// was read, `length` bytes, and keeps what memory it has. Tells what readFile would throw.
+[[nodiscard]] std::error_code readWhole(const FileDescriptor& file, std::string& buffer,
+                                        std::size_t& length, std::size_t limit = largestFile,
+                                        std::size_t spare = 0);
 
 /// Who may use a file that is made, and the folders that are made for it: the permissions that they
 /// have at most.
@@ -111,10 +121,5 @@ void ensureDirectoryExists(const std::filesystem::path& directory);
 
 /// Whether something exists at `path`, links followed.
 [[nodiscard]] bool fileExists(const std::filesystem::path& path);
-
-/// The entries of a folder that are not hidden, by a dot that their names begin with or by macOS's
-/// flag, sorted by name; empty when the folder is missing or cannot be listed.
-[[nodiscard]] std::vector<std::filesystem::path> listVisible(
-    const std::filesystem::path& directory);
 
 }  // namespace corvane

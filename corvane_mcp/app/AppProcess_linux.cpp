@@ -15,7 +15,7 @@
 #include <system_error>
 #include <thread>
 
-#include "CorvaneCore/files/Files.h"
+#include "CorvaneCore/files/Folder.h"
 #include "corvane_mcp/app/AppProcess.h"
 
 namespace corvane {
@@ -24,19 +24,17 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bool isProcessFolder(const fs::path& entry) {
-  const std::string name = entry.filename();
-  return std::all_of(name.begin(), name.end(), [](char c) { return c >= '0' && c <= '9'; });
-}
-
-/// The process's arguments joined with blanks; empty when it is gone or not ours to see.
-std::string commandLine(const fs::path& processFolder) {
-  const FileDescriptor file(::open((processFolder / "cmdline").c_str(), O_RDONLY | O_CLOEXEC));
+/// The arguments of a process joined with blanks, from the system's file of them; empty when it is
+/// gone or not ours to see.
+std::string commandLine(const std::string& file) {
+  const FileDescriptor opened(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
   std::string arguments;
   std::array<char, 4096> chunk;
-  ssize_t count = 0;
-  while (file.isOpen() && (count = ::read(file.get(), chunk.data(), chunk.size())) > 0) {
-    arguments.append(chunk.data(), static_cast<std::size_t>(count));
+  ssize_t count = static_cast<ssize_t>(chunk.size());
+  // Only the last read of such a file is short, which saves asking for its end.
+  while (opened.isOpen() && count == static_cast<ssize_t>(chunk.size())) {
+    count = ::read(opened.get(), chunk.data(), chunk.size());
+    if (count > 0) arguments.append(chunk.data(), static_cast<std::size_t>(count));
   }
   std::replace(arguments.begin(), arguments.end(), '\0', ' ');
   return arguments;
@@ -121,9 +119,9 @@ pid_t readNews(const FileDescriptor& pipe) {
 /// end, and is not waited for for long.
 void waitUntilShown(pid_t application, std::string_view program) {
   constexpr int attempts = 1000;
-  const fs::path folder = fs::path("/proc") / std::to_string(application);
+  const std::string folder = "/proc/" + std::to_string(application);
   for (int i = 0; i < attempts && fileExists(folder); ++i) {
-    if (commandLine(folder).find(program) != std::string::npos) return;
+    if (commandLine(folder + "/cmdline").find(program) != std::string::npos) return;
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
 }
@@ -131,8 +129,12 @@ void waitUntilShown(pid_t application, std::string_view program) {
 }  // namespace
 
 bool AppProcess::isRunning(std::string_view text) {
-  for (const auto& entry : listVisible("/proc")) {
-    if (isProcessFolder(entry) && commandLine(entry).find(text) != std::string::npos) return true;
+  Folder processes("/proc");
+  std::string file;
+  while (const auto entry = processes.next()) {
+    if (entry->name.find_first_not_of("0123456789") != std::string_view::npos) continue;
+    file.assign("/proc/").append(entry->name).append("/cmdline");
+    if (commandLine(file).find(text) != std::string::npos) return true;
   }
   return false;
 }

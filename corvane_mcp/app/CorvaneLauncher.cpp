@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "CorvaneCore/files/Files.h"
+#include "CorvaneCore/files/Folder.h"
 #include "corvane_mcp/app/AppProcess.h"
 
 namespace corvane {
@@ -23,16 +24,23 @@ namespace fs = std::filesystem;
 constexpr const char* suppressVariable = "CORVANE_MCP_SUPPRESS_LAUNCH";
 
 /// Mac Catalyst builds and index-store copies are never what a developer means to run.
-bool isDevelopmentBuild(const fs::path& path) {
-  return path.filename() == "Corvane.app" &&
-         path.native().find("maccatalyst") == std::string::npos &&
-         path.native().find("Index.noindex") == std::string::npos;
+bool isMeantToRun(std::string_view path) {
+  return path.find("maccatalyst") == std::string_view::npos &&
+         path.find("Index.noindex") == std::string_view::npos;
 }
 
-FileTime modifiedAt(const fs::path& path) {
-  const auto stamp = readStamp(path);
-  return (stamp ? stamp->modifiedAt : std::nullopt).value_or(FileTime::min());
-}
+/// The newest build met so far. Of builds of one date the first in the order of names stays.
+struct NewestBuild {
+  std::optional<fs::path> path;
+  FileTime modifiedAt = FileTime::min();
+
+  void consider(const fs::path& build, std::optional<FileStamp> stamp) {
+    const FileTime time = (stamp ? stamp->modifiedAt : std::nullopt).value_or(FileTime::min());
+    if (path && (time < modifiedAt || (time == modifiedAt && *path < build))) return;
+    path = build;
+    modifiedAt = time;
+  }
+};
 
 /// Held while this server sees to it that the app runs, so that no other server starts it as well.
 /// One that is stuck is not waited for for long.
@@ -72,26 +80,24 @@ std::optional<fs::path> CorvaneLauncher::bundledCorvaneApp() const {
 }
 
 std::optional<fs::path> CorvaneLauncher::newestDerivedDataBuild() const {
-  std::optional<fs::path> newest;
-  FileTime newestTime = FileTime::min();
-  std::vector<fs::path> folders{places.home / "Library" / "Developer" / "Xcode" / "DerivedData"};
-  while (!folders.empty()) {
-    const fs::path folder = std::move(folders.back());
-    folders.pop_back();
-    if (isDevelopmentBuild(folder)) {
-      const FileTime time = modifiedAt(folder);
-      if (!newest || time > newestTime) {
-        newest = folder;
-        newestTime = time;
-      }
+  NewestBuild newest;
+  // A development folder holds a hundred thousand files: an entry that is no folder and has another
+  // name costs nothing but its reading.
+  std::vector<std::string> left{places.home / "Library" / "Developer" / "Xcode" / "DerivedData"};
+  while (!left.empty()) {
+    const std::string path = std::move(left.back());
+    left.pop_back();
+    Folder folder(path, Folder::Links::refused);
+    while (const auto entry = folder.next()) {
+      const bool hasAppsName = entry->name == "Corvane.app";
+      if (!hasAppsName && !entry->mayBeFolder) continue;
+      std::string inside = path + '/';
+      inside += entry->name;
+      if (hasAppsName && isMeantToRun(inside)) newest.consider(inside, folder.stampOf(*entry));
+      if (entry->mayBeFolder) left.push_back(std::move(inside));
     }
-    std::error_code ignored;
-    if (fs::symlink_status(folder, ignored).type() != fs::file_type::directory) continue;
-    // The last one pushed is the next one looked at, so that of equals the first in order is found.
-    const auto entries = listVisible(folder);
-    folders.insert(folders.end(), entries.rbegin(), entries.rend());
   }
-  return newest;
+  return newest.path;
 }
 
 bool CorvaneLauncher::isRunning() const {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "CorvaneCore/files/Folder.h"
 #include "CorvaneCore/json/LenientReading.h"
 #include "CorvaneCore/requests/Requests.h"
 #include "CorvaneCore/results/AgentRunResult.h"
@@ -52,26 +53,31 @@ class WatchedFile {
 constexpr std::size_t mostListed = 5;
 
 struct ResultFile {
-  std::filesystem::path path;
+  std::string name;
   FileTime modifiedAt;
 };
 
 /// Files of one time stand in the order of their names.
 bool isNewer(const ResultFile& left, const ResultFile& right) {
   if (left.modifiedAt != right.modifiedAt) return left.modifiedAt > right.modifiedAt;
-  return left.path < right.path;
+  return left.name < right.name;
 }
 
-std::vector<ResultFile> newestFiles(const std::filesystem::path& folder) {
-  std::vector<ResultFile> files;
-  for (const auto& entry : listVisible(folder)) {
-    if (entry.extension() != ".json") continue;
-    const auto stamp = readStamp(entry);
-    if (stamp && stamp->modifiedAt) files.push_back({entry, *stamp->modifiedAt});
+/// The newest files of a folder that may hold a hundred thousand: no more than are wanted are kept.
+std::vector<ResultFile> newestFiles(const std::filesystem::path& path) {
+  std::vector<ResultFile> newest;
+  Folder folder(path);
+  while (const auto entry = folder.next()) {
+    if (!entry->name.ends_with(".json")) continue;
+    const auto stamp = folder.stampOf(*entry);
+    if (!stamp || !stamp->modifiedAt) continue;
+    const bool isFull = newest.size() == mostListed;
+    if (isFull && *stamp->modifiedAt < newest.back().modifiedAt) continue;
+    const ResultFile file{std::string(entry->name), *stamp->modifiedAt};
+    newest.insert(std::upper_bound(newest.begin(), newest.end(), file, isNewer), file);
+    if (isFull) newest.pop_back();
   }
-  std::sort(files.begin(), files.end(), isNewer);
-  if (files.size() > mostListed) files.resize(mostListed);
-  return files;
+  return newest;
 }
 
 std::optional<JsonObject> readResult(const std::filesystem::path& path) {
@@ -139,15 +145,14 @@ std::optional<ResultFileStore::Snapshot> ResultFileStore::parse(const std::files
 
 bool ResultFileStore::requestStillPending(std::string_view requestId) const {
   if (fileExists(AgentRunRequest::fileURL(requestId, paths))) return true;
-  for (const auto& entry : listVisible(paths.agentImportsDirectory())) {
-    const std::string name = entry.filename();
-    if (name.find(".corvane") == std::string::npos) continue;
-    if (name.find(requestId) != std::string::npos) return true;
-    try {
-      const std::string payload = readFile(entry);
-      if (isValidUtf8(payload) && payload.find(requestId) != std::string::npos) return true;
-    } catch (const FileError&) {
-      // A payload that cannot be read says nothing about this request.
+  Folder imports(paths.agentImportsDirectory());
+  while (const auto entry = imports.next()) {
+    if (entry->name.find(".corvane") == std::string_view::npos) continue;
+    if (entry->name.find(requestId) != std::string_view::npos) return true;
+    // A payload that cannot be read says nothing about this request.
+    const auto payload = imports.contentsOf(*entry);
+    if (payload && payload->find(requestId) != std::string_view::npos && isValidUtf8(*payload)) {
+      return true;
     }
   }
   return false;
@@ -155,8 +160,9 @@ bool ResultFileStore::requestStillPending(std::string_view requestId) const {
 
 AnyCodable::Array recentResults(const AgentPaths& paths, FileTime now) {
   AnyCodable::Array summaries;
-  for (const auto& file : newestFiles(paths.agentResultsDirectory())) {
-    const auto result = readResult(file.path);
+  const auto folder = paths.agentResultsDirectory();
+  for (const auto& file : newestFiles(folder)) {
+    const auto result = readResult(folder / file.name);
     if (!result) continue;
     JsonObject summary{{"secondsSinceUpdate", secondsBetween(file.modifiedAt, now)}};
     if (!copyField<&Result::requestId>(*result, summary)) continue;

@@ -1,5 +1,7 @@
 #include "corvane_mcp/server/MCPServer.h"
 
+#include <memory>
+
 #include "CorvaneCore/json/AgentWire.h"
 #include "CorvaneCore/json/LenientReading.h"
 #include "corvane_mcp/protocol/McpRecords.h"
@@ -34,42 +36,41 @@ MCPServer::FailureTexts MCPServer::toolsCallFailure() {
 void MCPServer::run(LineReader& input) {
   parts.logger.info("corvane-mcp starting (" + parts.serverInfo.name + " v" +
                     parts.serverInfo.version + ")");
+  Leadership readers([&] { lead(input, readers); });
+  readers.run();
+  tasks.waitUntilIdle();
+  parts.logger.info("stdin closed; exiting");
+}
+
+void MCPServer::lead(LineReader& input, Leadership& readers) {
   do {
-    handleBufferedLines(input);
+    while (const auto line = input.nextBuffered()) {
+      if (line->tooLong) {
+        replyToUnreadable("the line is longer than " + std::to_string(LineReader::longestLine) +
+                          " bytes");
+      } else if (!line->text.empty() && handleLine(line->text, readers) == Reader::another) {
+        return;
+      }
+    }
+    parts.writer.flush();
   } while (input.readMore());
   if (const std::size_t count = tasks.inFlight(); count > 0) {
     parts.logger.info("stdin closed; draining " + std::to_string(count) +
                       " in-flight tool call(s)");
-    tasks.waitUntilIdle();
   }
-  parts.logger.info("stdin closed; exiting");
+  readers.end();
 }
 
-void MCPServer::handleBufferedLines(LineReader& input) {
-  while (const auto line = input.nextBuffered()) {
-    if (line->tooLong) {
-      replyToUnreadable("the line is longer than " + std::to_string(LineReader::longestLine) +
-                        " bytes");
-    } else if (!line->text.empty()) {
-      handleLine(line->text);
-    }
-  }
-  parts.writer.flush();
-}
-
-void MCPServer::handleLine(std::string_view line) {
+MCPServer::Reader MCPServer::handleLine(std::string_view line, Leadership& readers) {
   JSONRPCRequest request;
   try {
     request = decodeValue<JSONRPCRequest>(reader.read(line));
   } catch (const std::exception& error) {
     replyToUnreadable(error.what());
-    return;
+    return Reader::thisThread;
   }
   parts.logger.info("→ " + request.method + " (id=" + describeId(request.id) + ")");
-  if (request.method == toolsCallMethod) {
-    startToolsCall(std::move(request));
-    return;
-  }
+  if (request.method == toolsCallMethod) return handleToolsCall(std::move(request), readers);
   try {
     AnyCodable result = dispatch(request);
     if (request.id) {
@@ -81,6 +82,7 @@ void MCPServer::handleLine(std::string_view line) {
                       "Unhandled error in " + request.method + ": "},
                      Delivery::together);
   }
+  return Reader::thisThread;
 }
 
 AnyCodable MCPServer::dispatch(const JSONRPCRequest& request) {
@@ -109,35 +111,21 @@ InitializeResult MCPServer::handleInitialize(const std::optional<AnyCodable>& pa
   return {answered, {ToolsCapability{}}, parts.serverInfo};
 }
 
-void MCPServer::startToolsCall(JSONRPCRequest request) {
+MCPServer::Reader MCPServer::handleToolsCall(JSONRPCRequest request, Leadership& readers) {
   const std::optional<JSONRPCID> id = request.id;
   try {
-    tasks.start(respondToToolsCall(std::move(request)));
+    return start(readToolsCall(std::move(request)), readers);
   } catch (...) {
     replyWithFailure(id, std::current_exception(), toolsCallFailure(), Delivery::together);
+    return Reader::thisThread;
   }
 }
 
-Task<void> MCPServer::respondToToolsCall(JSONRPCRequest request) {
-  std::exception_ptr failure;
-  ToolsCallResult result;
-  try {
-    result = co_await handleToolsCall(std::move(request.params));
-  } catch (...) {
-    failure = std::current_exception();
-  }
-  if (failure) {
-    replyWithFailure(request.id, failure, toolsCallFailure(), Delivery::now);
-  } else if (request.id) {
-    send(JSONRPCResponseWith<ToolsCallResult>::success(*request.id, std::move(result)),
-         Delivery::now);
-  }
-}
-
-Task<ToolsCallResult> MCPServer::handleToolsCall(std::optional<AnyCodable> params) {
+MCPServer::Call MCPServer::readToolsCall(JSONRPCRequest request) {
+  auto& params = request.params;
   if (!params) throw JSONRPCError(JSONRPCError::invalidParams, "tools/call requires params");
-  ToolCall call;
-  if (auto token = progressToken(*params)) call.progress.emplace(parts.writer, std::move(*token));
+  ToolCall sent;
+  if (auto token = progressToken(*params)) sent.progress.emplace(parts.writer, std::move(*token));
   ToolsCallParams decoded;
   try {
     decoded = decodeValue<ToolsCallParams>(std::move(*params), "params");
@@ -145,10 +133,65 @@ Task<ToolsCallResult> MCPServer::handleToolsCall(std::optional<AnyCodable> param
     throw JSONRPCError(JSONRPCError::invalidParams,
                        std::string("tools/call params malformed: ") + error.what());
   }
-  call.arguments = std::move(decoded.arguments);
+  sent.arguments = std::move(decoded.arguments);
   parts.logger.info("tools/call " + decoded.name + ": progressToken " +
-                    (call.progress ? "present" : "ABSENT"));
-  return parts.registry.find(decoded.name).call(std::move(call));
+                    (sent.progress ? "present" : "ABSENT"));
+  return {std::move(request.id), parts.registry.find(decoded.name), std::move(sent), tasks.count()};
+}
+
+MCPServer::Reader MCPServer::start(Call call, Leadership& readers) {
+  std::optional<DispatchOrder::Turn> turn;
+  if (!call.tool.dispatches()) {
+    turn.emplace();
+  } else if (!(turn = dispatchOrder.tryEnter())) {
+    const auto waiting = std::make_shared<Call>(std::move(call));
+    dispatchOrder.enter([this, waiting](DispatchOrder::Turn entered) {
+      performOnPool(std::move(*waiting), std::move(entered));
+    });
+    return Reader::thisThread;
+  }
+  if (call.tool.waits() || !readers.handOver()) {
+    performOnPool(std::move(call), std::move(*turn));
+    return Reader::thisThread;
+  }
+  perform(call, std::move(*turn));
+  return Reader::another;
+}
+
+void MCPServer::performOnPool(Call call, DispatchOrder::Turn turn) {
+  const std::optional<JSONRPCID> id = call.id;
+  try {
+    tasks.start(performAsTask(std::move(call), std::move(turn)));
+  } catch (...) {
+    replyWithFailure(id, std::current_exception(), toolsCallFailure(), Delivery::now);
+  }
+}
+
+void MCPServer::perform(Call& call, DispatchOrder::Turn turn) {
+  try {
+    reply(call.id, call.tool.perform(std::move(call.sent), std::move(turn)));
+  } catch (...) {
+    replyWithFailure(call.id, std::current_exception(), toolsCallFailure(), Delivery::now);
+  }
+}
+
+Task<void> MCPServer::performAsTask(Call call, DispatchOrder::Turn turn) {
+  if (!call.tool.waits()) {
+    perform(call, std::move(turn));
+    co_return;
+  }
+  std::exception_ptr failure;
+  try {
+    reply(call.id, co_await call.tool.call(std::move(call.sent)));
+  } catch (...) {
+    failure = std::current_exception();
+  }
+  if (failure) replyWithFailure(call.id, failure, toolsCallFailure(), Delivery::now);
+}
+
+void MCPServer::reply(const std::optional<JSONRPCID>& id, ToolsCallResult result) {
+  if (!id) return;
+  send(JSONRPCResponseWith<ToolsCallResult>::success(*id, std::move(result)), Delivery::now);
 }
 
 void MCPServer::replyToUnreadable(std::string_view description) {

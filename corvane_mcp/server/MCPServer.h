@@ -8,6 +8,8 @@
 #include "CorvaneCore/json/JsonReader.h"
 #include "corvane_mcp/protocol/JsonRpc.h"
 #include "corvane_mcp/protocol/McpRecords.h"
+#include "corvane_mcp/server/DispatchOrder.h"
+#include "corvane_mcp/server/Leadership.h"
 #include "corvane_mcp/server/LineReader.h"
 #include "corvane_mcp/server/Logger.h"
 #include "corvane_mcp/server/MCPTool.h"
@@ -16,9 +18,10 @@
 
 namespace corvane {
 
-/// Speaks the protocol: reads messages line by line, answers them, and runs tool calls as tasks
-/// beside that. The thread that calls run() reads and answers everything but tool calls itself, so
-/// a ping costs no hop between threads and no tool can delay it.
+/// Speaks the protocol: reads messages line by line, answers them, and runs tool calls beside that.
+/// The thread that reads answers everything but tool calls itself. With a tool call it hands on the
+/// reading and runs the call, so neither costs a hop between threads and no tool can delay a ping.
+/// A call that waits, or comes while both reading threads are busy, runs on a pool.
 class MCPServer {
  public:
   /// What the server works with; all of it outlives the server.
@@ -36,14 +39,31 @@ class MCPServer {
   void run(LineReader& input);
 
  private:
-  void handleBufferedLines(LineReader& input);
-  void handleLine(std::string_view line);
+  /// A call of a tool that exists.
+  struct Call {
+    std::optional<JSONRPCID> id;
+    const MCPTool& tool;
+    ToolCall sent;
+    ToolTasks::InFlight inFlight;
+  };
+  /// Who reads on after a line.
+  enum class Reader { thisThread, another };
+
+  /// Reads until the input ends or another thread reads on.
+  void lead(LineReader& input, Leadership& readers);
+  Reader handleLine(std::string_view line, Leadership& readers);
   /// The result of any method but `tools/call`. Throws JSONRPCError.
   AnyCodable dispatch(const JSONRPCRequest& request);
   InitializeResult handleInitialize(const std::optional<AnyCodable>& params);
-  void startToolsCall(JSONRPCRequest request);
-  Task<void> respondToToolsCall(JSONRPCRequest request);
-  Task<ToolsCallResult> handleToolsCall(std::optional<AnyCodable> params);
+
+  Reader handleToolsCall(JSONRPCRequest request, Leadership& readers);
+  /// Throws JSONRPCError when there is no such tool or the params make no sense.
+  Call readToolsCall(JSONRPCRequest request);
+  Reader start(Call call, Leadership& readers);
+  void performOnPool(Call call, DispatchOrder::Turn turn);
+  void perform(Call& call, DispatchOrder::Turn turn);
+  Task<void> performAsTask(Call call, DispatchOrder::Turn turn);
+  void reply(const std::optional<JSONRPCID>& id, ToolsCallResult result);
 
   /// How the log speaks of a request that failed.
   struct FailureTexts {
@@ -64,8 +84,9 @@ class MCPServer {
   void send(const JSONRPCResponseWith<Result>& response, Delivery delivery);
 
   Parts parts;
-  /// Used by the reading thread only.
+  /// Used by the thread that reads.
   JsonReader reader;
+  DispatchOrder dispatchOrder;
   /// Last, so that it is destroyed first: that waits for the calls in flight, which use the rest.
   ToolTasks tasks;
 };

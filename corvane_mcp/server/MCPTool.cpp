@@ -4,8 +4,13 @@
 
 namespace corvane {
 
-Task<ToolsCallResult> MCPTool::call(ToolCall call) const {
-  if (const auto* plain = std::get_if<Plain>(&action)) co_return (*plain)(std::move(call));
+ToolsCallResult MCPTool::perform(ToolCall call, DispatchOrder::Turn turn) const {
+  if (const auto* plain = std::get_if<Plain>(&action)) return (*plain)(std::move(call));
+  return std::get<Dispatching>(action)(std::move(call), turn);
+}
+
+Task<ToolsCallResult> MCPTool::call(ToolCall call, DispatchOrder::Turn turn) const {
+  if (!waits()) co_return perform(std::move(call), std::move(turn));
   co_return co_await std::get<Waiting>(action)(std::move(call));
 }
 

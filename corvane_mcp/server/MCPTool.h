@@ -11,6 +11,7 @@
 #include "CorvaneCore/json/AnyCodable.h"
 #include "corvane_mcp/protocol/McpRecords.h"
 #include "corvane_mcp/server/Clock.h"
+#include "corvane_mcp/server/DispatchOrder.h"
 #include "corvane_mcp/server/MessageWriter.h"
 
 namespace corvane {
@@ -45,10 +46,13 @@ struct ToolCall {
 /// A capability offered to the agent. Tools hold no state of their own; everything durable is in
 /// files. Any number of calls of one tool run at the same time.
 struct MCPTool {
-  /// Performs one call, on a thread of the pool, where it may work on files. A failure that the
-  /// agent can act on is a result with isError set. Throws JSONRPCError for a call that carries no
-  /// arguments object and for a request file that cannot be written.
+  /// Performs one call, on any thread, where it may work on files. A failure that the agent can
+  /// act on is a result with isError set. Throws JSONRPCError for a call that carries no arguments
+  /// object and for a request file that cannot be written.
   using Plain = std::function<ToolsCallResult(ToolCall)>;
+  /// The same for a call that writes a request. Requests are written in the order in which the
+  /// client sent the calls; the turn may be given up as soon as that has happened.
+  using Dispatching = std::function<ToolsCallResult(ToolCall, DispatchOrder::Turn&)>;
   /// The same for a call that waits for something to happen: no thread waits with it.
   using Waiting = std::function<Task<ToolsCallResult>(ToolCall)>;
 
@@ -59,10 +63,15 @@ struct MCPTool {
   std::string_view description;
   /// Makes the JSON Schema of the arguments. It advises the client; the call checks for itself.
   std::function<AnyCodable()> inputSchema;
-  std::variant<Plain, Waiting> action;
+  std::variant<Plain, Dispatching, Waiting> action;
 
-  /// Performs one call, of either kind. The tool outlives the task.
-  [[nodiscard]] Task<ToolsCallResult> call(ToolCall call) const;
+  [[nodiscard]] bool dispatches() const { return std::holds_alternative<Dispatching>(action); }
+  [[nodiscard]] bool waits() const { return std::holds_alternative<Waiting>(action); }
+
+  /// Performs one call, on this thread, of a tool that does not wait.
+  [[nodiscard]] ToolsCallResult perform(ToolCall call, DispatchOrder::Turn turn) const;
+  /// Performs one call of any tool. The tool outlives the task.
+  [[nodiscard]] Task<ToolsCallResult> call(ToolCall call, DispatchOrder::Turn turn = {}) const;
 };
 
 /// The table in which tools are looked up by name. Tools are registered before the server runs;

@@ -17,20 +17,19 @@ ToolTasks::~ToolTasks() {
 }
 
 void ToolTasks::start(Task<void> task) {
-  if (!pool) pool.emplace(threadCount);
   {
     const std::scoped_lock lock(mutex);
-    ++running;
+    if (!pool) pool.emplace(threadCount);
   }
-  try {
-    asio::co_spawn(*pool, std::move(task), [this](const std::exception_ptr& fault) {
-      if (fault) std::terminate();
-      finished();
-    });
-  } catch (...) {
-    finished();
-    throw;
-  }
+  asio::co_spawn(*pool, std::move(task), [](const std::exception_ptr& fault) {
+    if (fault) std::terminate();
+  });
+}
+
+ToolTasks::InFlight ToolTasks::count() {
+  const std::scoped_lock lock(mutex);
+  ++running;
+  return InFlight(*this);
 }
 
 std::size_t ToolTasks::inFlight() const {

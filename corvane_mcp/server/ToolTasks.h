@@ -5,29 +5,50 @@
 #include <cstddef>
 #include <mutex>
 #include <optional>
+#include <utility>
 
 #include "corvane_mcp/server/Clock.h"
 
 namespace corvane {
 
-/// Runs the tool calls in flight on a small pool of threads. A task that waits occupies no thread;
-/// one that works on files occupies one of a few. The threads start with the first task, so that a
-/// server that is only asked for its tools never pays for them.
+/// The tool calls in flight, and the small pool of threads for those that the reading thread does
+/// not run itself. A call that waits occupies no thread; one that works on files occupies one of a
+/// few. The threads start with the first task, so that a server that is only asked for its tools
+/// never pays for them.
 class ToolTasks {
  public:
+  /// Counts a call as in flight for as long as it lives.
+  class InFlight {
+   public:
+    InFlight(InFlight&& other) noexcept : tasks(std::exchange(other.tasks, nullptr)) {}
+    InFlight& operator=(InFlight&&) = delete;
+    ~InFlight() {
+      if (tasks) tasks->finished();
+    }
+
+   private:
+    friend class ToolTasks;
+    explicit InFlight(ToolTasks& tasks) : tasks(&tasks) {}
+
+    ToolTasks* tasks;
+  };
+
   ToolTasks() = default;
   ToolTasks(const ToolTasks&) = delete;
   ToolTasks& operator=(const ToolTasks&) = delete;
-  /// Waits for the tasks in flight.
+  /// Waits for the tasks that were started.
   ~ToolTasks();
 
-  /// Starts `task`, which must not throw. Called by one thread only. Throws when the system is out
-  /// of threads or memory; the task has then not started.
-  void start(Task<void> task);
-  /// How many tasks have not finished yet. May be called from any thread.
+  /// Counts one more call. May be called from any thread.
+  [[nodiscard]] InFlight count();
+  /// How many calls have not finished yet. May be called from any thread.
   [[nodiscard]] std::size_t inFlight() const;
-  /// Returns when no task is in flight.
+  /// Returns when no call is in flight.
   void waitUntilIdle();
+
+  /// Runs `task`, which must not throw, on the pool. May be called from any thread. Throws when the
+  /// system is out of threads or memory; the task has then not started.
+  void start(Task<void> task);
 
  private:
   void finished();

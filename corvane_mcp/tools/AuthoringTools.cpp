@@ -85,7 +85,8 @@ std::string_view whatHappensNext(const AgentTestSchema& payload) {
 }
 
 /// Returns the path of the file written.
-std::string writePayload(const AgentTestSchema& payload, const ToolServices& services) {
+std::string writePayload(const AgentTestSchema& payload, const ToolServices& services,
+                         DispatchOrder::Turn& turn) {
   const auto file = payload.fileURL(services.paths, services.clock.now());
   std::size_t byteCount = 0;
   try {
@@ -96,6 +97,7 @@ std::string writePayload(const AgentTestSchema& payload, const ToolServices& ser
     throw JSONRPCError(JSONRPCError::internalError,
                        std::string("Failed to write test file: ") + error.what());
   }
+  turn.giveUp();
   std::string path = displayPath(file);
   services.logger.info("Wrote test file: " + path + " (" + std::to_string(byteCount) + " bytes)");
   return path;
@@ -111,7 +113,7 @@ std::string launchApp(const ToolServices& services) {
   return launch.describe();
 }
 
-ToolsCallResult call(JsonObject& sent, const ToolServices& services) {
+ToolsCallResult call(JsonObject& sent, const ToolServices& services, DispatchOrder::Turn& turn) {
   auto arguments = takeDeclared<TestPayloadArguments>(
       sent, [&services](std::string_view argument, std::string_view why) {
         services.logger.warn(droppedNote(argument, why));
@@ -129,7 +131,7 @@ ToolsCallResult call(JsonObject& sent, const ToolServices& services) {
                          std::to_string(validation.errors().size()) + " error(s)");
     return ToolsCallResult::failure(validationFailure(validation));
   }
-  const std::string path = writePayload(payload, services);
+  const std::string path = writePayload(payload, services, turn);
   const std::string app = launchApp(services);
 
   const std::string& requestId = *payload.requestId;
@@ -166,8 +168,9 @@ MCPTool makeListInteractionTypesTool() {
 
 MCPTool makeCreateTestTool(const ToolServices& services) {
   using namespace create_test;
-  return {name, description, inputSchema,
-          [services](ToolCall sent) { return call(requireArguments(sent, name), services); }};
+  return {name, description, inputSchema, [services](ToolCall sent, DispatchOrder::Turn& turn) {
+            return call(requireArguments(sent, name), services, turn);
+          }};
 }
 
 }  // namespace corvane

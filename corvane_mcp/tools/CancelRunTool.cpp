@@ -92,9 +92,10 @@ ToolsCallResult call(const Arguments& arguments, const ToolServices& services) {
 }  // namespace
 
 MCPTool makeCancelRunTool(const ToolServices& services) {
-  return {
-      name, description, [] { return schemaOf<Arguments>(OtherProperties::notMentioned); },
-      [services](ToolCall sent) { return call(takeArguments<Arguments>(sent, name), services); }};
+  return {name, description, [] { return schemaOf<Arguments>(OtherProperties::notMentioned); },
+          [services](ToolCall sent, DispatchOrder::Turn&) {
+            return call(takeArguments<Arguments>(sent, name), services);
+          }};
 }
 
 }  // namespace corvane

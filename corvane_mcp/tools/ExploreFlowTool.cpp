@@ -143,7 +143,7 @@ std::string describeBudget(const std::optional<double>& credits) {
   return std::string(digits.data(), result.ptr) + " credits";
 }
 
-ToolsCallResult call(Arguments arguments, const ToolServices& services) {
+ToolsCallResult call(Arguments arguments, const ToolServices& services, DispatchOrder::Turn& turn) {
   if (auto refused = refusal(arguments)) return std::move(*refused);
 
   auto request = Dispatch::newRequest<AgentExploreRequest>(services);
@@ -159,7 +159,7 @@ ToolsCallResult call(Arguments arguments, const ToolServices& services) {
   request.androidProjectPath = unlessEmpty(std::move(arguments.androidProjectPath));
   request.applicationId = unlessEmpty(std::move(arguments.applicationId));
 
-  const std::string path = Dispatch::writeRequest(request, "explore request", services);
+  const std::string path = Dispatch::writeRequest(request, "explore request", services, turn);
   const auto launch = Dispatch::launchApp(services);
 
   std::string text = "Exploration dispatched to Corvane.\n";
@@ -181,9 +181,10 @@ ToolsCallResult call(Arguments arguments, const ToolServices& services) {
 }  // namespace
 
 MCPTool makeExploreFlowTool(const ToolServices& services) {
-  return {
-      name, description, [] { return schemaOf<Arguments>(OtherProperties::refused); },
-      [services](ToolCall sent) { return call(takeArguments<Arguments>(sent, name), services); }};
+  return {name, description, [] { return schemaOf<Arguments>(OtherProperties::refused); },
+          [services](ToolCall sent, DispatchOrder::Turn& turn) {
+            return call(takeArguments<Arguments>(sent, name), services, turn);
+          }};
 }
 
 }  // namespace corvane

@@ -27,8 +27,8 @@ std::string describe(AgentLibraryRequest::Action action) {
 /// Writes a library request, makes sure that the app runs when it can be found, and words the
 /// answer. Throws JSONRPCError when the request cannot be written.
 ToolsCallResult dispatch(const AgentLibraryRequest& request, const LibraryAnswer& answer,
-                         const ToolServices& services) {
-  Dispatch::writeRequest(request, "library request", services, describe(request.action));
+                         const ToolServices& services, DispatchOrder::Turn& turn) {
+  Dispatch::writeRequest(request, "library request", services, turn, describe(request.action));
   Dispatch::launchAppIfFound(services);
   std::string text = std::string(answer.what).append(" dispatched to Corvane.\n");
   text += "\n  " + AnswerTexts::requestIdLine(request.requestId, 12);
@@ -88,7 +88,8 @@ struct Arguments {
   }
 };
 
-ToolsCallResult call(const Arguments& arguments, const ToolServices& services) {
+ToolsCallResult call(const Arguments& arguments, const ToolServices& services,
+                     DispatchOrder::Turn& turn) {
   const std::string projectName = arguments.projectName.value_or("");
   const std::string testName = arguments.testName.value_or("");
   const std::string udiName(trimWhitespace(arguments.udiName.value_or("")));
@@ -119,7 +120,7 @@ ToolsCallResult call(const Arguments& arguments, const ToolServices& services) {
        " — terminal \"extracted\" carries the udi payload; then embed it via create_test "
        "{\"type\":\"userDefined\",\"udiName\":\"" +
            udiName + "\"}."},
-      services);
+      services, turn);
 }
 
 }  // namespace extract_udi
@@ -146,7 +147,8 @@ struct Arguments {
   }
 };
 
-ToolsCallResult call(const Arguments& arguments, const ToolServices& services) {
+ToolsCallResult call(const Arguments& arguments, const ToolServices& services,
+                     DispatchOrder::Turn& turn) {
   const auto given = arguments.udiName.value_or("");
   const auto udiName = trimWhitespace(given);
   if (udiName.empty()) return invalidArguments("delete_udi requires udiName.");
@@ -159,7 +161,7 @@ ToolsCallResult call(const Arguments& arguments, const ToolServices& services) {
       {"Deletion", "\n  UDI name:   " + request.udiName,
        " — terminal \"deleted\" confirms removal. Tests already embedding this UDI keep their copy "
        "and keep running."},
-      services);
+      services, turn);
 }
 
 }  // namespace delete_udi
@@ -186,7 +188,8 @@ struct Arguments {
   }
 };
 
-ToolsCallResult call(const Arguments& arguments, const ToolServices& services) {
+ToolsCallResult call(const Arguments& arguments, const ToolServices& services,
+                     DispatchOrder::Turn& turn) {
   const auto given = arguments.projectName.value_or("");
   const auto projectName = trimWhitespace(given);
   if (projectName.empty()) return invalidArguments("reset_world_map requires projectName.");
@@ -199,7 +202,7 @@ ToolsCallResult call(const Arguments& arguments, const ToolServices& services) {
       {"World-map reset", "\n  Project:    " + request.projectName,
        " — terminal \"deleted\" confirms the reset. The map rebuilds from the next exploration "
        "session."},
-      services);
+      services, turn);
 }
 
 }  // namespace reset_world_map
@@ -208,23 +211,26 @@ ToolsCallResult call(const Arguments& arguments, const ToolServices& services) {
 
 MCPTool makeExtractUdiTool(const ToolServices& services) {
   using namespace extract_udi;
-  return {
-      name, description, [] { return schemaOf<Arguments>(OtherProperties::refused); },
-      [services](ToolCall sent) { return call(takeArgumentsIfAny<Arguments>(sent), services); }};
+  return {name, description, [] { return schemaOf<Arguments>(OtherProperties::refused); },
+          [services](ToolCall sent, DispatchOrder::Turn& turn) {
+            return call(takeArgumentsIfAny<Arguments>(sent), services, turn);
+          }};
 }
 
 MCPTool makeDeleteUdiTool(const ToolServices& services) {
   using namespace delete_udi;
-  return {
-      name, description, [] { return schemaOf<Arguments>(OtherProperties::refused); },
-      [services](ToolCall sent) { return call(takeArgumentsIfAny<Arguments>(sent), services); }};
+  return {name, description, [] { return schemaOf<Arguments>(OtherProperties::refused); },
+          [services](ToolCall sent, DispatchOrder::Turn& turn) {
+            return call(takeArgumentsIfAny<Arguments>(sent), services, turn);
+          }};
 }
 
 MCPTool makeResetWorldMapTool(const ToolServices& services) {
   using namespace reset_world_map;
-  return {
-      name, description, [] { return schemaOf<Arguments>(OtherProperties::refused); },
-      [services](ToolCall sent) { return call(takeArgumentsIfAny<Arguments>(sent), services); }};
+  return {name, description, [] { return schemaOf<Arguments>(OtherProperties::refused); },
+          [services](ToolCall sent, DispatchOrder::Turn& turn) {
+            return call(takeArgumentsIfAny<Arguments>(sent), services, turn);
+          }};
 }
 
 }  // namespace corvane

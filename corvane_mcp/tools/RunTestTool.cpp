@@ -134,7 +134,7 @@ std::string_view describe(std::optional<bool> buildFirst) {
   return *buildFirst ? "true" : "false (runs the binary already on the device)";
 }
 
-ToolsCallResult call(Arguments arguments, const ToolServices& services) {
+ToolsCallResult call(Arguments arguments, const ToolServices& services, DispatchOrder::Turn& turn) {
   if (arguments.projectName.value_or("").empty()) {
     return invalidArguments(
         "'projectName' is required and must be non-empty. Use the exact project name as it appears "
@@ -151,7 +151,7 @@ ToolsCallResult call(Arguments arguments, const ToolServices& services) {
   request.targetPlatform = std::move(arguments.targetPlatform);
   if (arguments.simulatorUDID) request.simulatorUDID = trimWhitespace(*arguments.simulatorUDID);
 
-  const std::string path = Dispatch::writeRequest(request, "run request", services);
+  const std::string path = Dispatch::writeRequest(request, "run request", services, turn);
   const auto launch = Dispatch::launchApp(services);
 
   std::string text = "Run request dispatched to Corvane.\n";
@@ -169,9 +169,10 @@ ToolsCallResult call(Arguments arguments, const ToolServices& services) {
 }  // namespace
 
 MCPTool makeRunTestTool(const ToolServices& services) {
-  return {
-      name, description, [] { return schemaOf<Arguments>(OtherProperties::refused); },
-      [services](ToolCall sent) { return call(takeArguments<Arguments>(sent, name), services); }};
+  return {name, description, [] { return schemaOf<Arguments>(OtherProperties::refused); },
+          [services](ToolCall sent, DispatchOrder::Turn& turn) {
+            return call(takeArguments<Arguments>(sent, name), services, turn);
+          }};
 }
 
 }  // namespace corvane

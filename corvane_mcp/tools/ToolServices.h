@@ -40,17 +40,20 @@ template <class Request>
   return request;
 }
 
-/// Writes a request into its drop folder and logs "Wrote <kind><detail>: <path>". Returns the path.
-/// Throws JSONRPCError "Failed to write <kind>: …" when that fails.
+/// Writes a request into its drop folder, gives up the turn to do so, and logs "Wrote
+/// <kind><detail>: <path>". Returns the path. Throws JSONRPCError "Failed to write <kind>: …" when
+/// that fails.
 template <class Request>
 std::string writeRequest(const Request& request, std::string_view kind,
-                         const ToolServices& services, std::string_view detail = {}) {
+                         const ToolServices& services, DispatchOrder::Turn& turn,
+                         std::string_view detail = {}) {
   try {
     request.write(services.paths);
   } catch (const std::exception& error) {
     throw JSONRPCError(JSONRPCError::internalError,
                        std::string("Failed to write ").append(kind) + ": " + error.what());
   }
+  turn.giveUp();
   std::string path = displayPath(Request::fileURL(request.requestId, services.paths));
   services.logger.info(std::string("Wrote ").append(kind).append(detail) + ": " + path);
   return path;

@@ -6,6 +6,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "CorvaneCore/files/Folder.h"
 #include "CorvaneCore/requests/Requests.h"
 #include "CorvaneCore/text/Uuid.h"
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "CorvaneCore/files/Folder.h"
+
 namespace corvane::standin {
 
 namespace {

@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "CorvaneCore/files/Files.h"
+#include "CorvaneCore/files/Folder.h"
 #include "CorvaneCore/text/Uuid.h"
 #include "corvane_standin/capture/ScreenPainter.h"
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "CorvaneCore/files/Folder.h"
 #include "CorvaneCore/json/JsonReader.h"
 #include "tests/support/ProcessFacts.h"
 #include "tests/support/ServerProcess.h"

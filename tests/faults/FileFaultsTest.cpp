@@ -184,8 +184,8 @@ std::vector<int> errorsOf(const std::string& operation) {
 
 TEST_F(FileFaultsTest, TheJournalSeesEveryKindOfOperation) {
   const auto operations = undisturbedOperations();
-  for (const std::string kind :
-       {"create ", "open ", "read ", "write ", "close ", "link ", "unlink ", "stat "}) {
+  for (const std::string kind : {"create ", "open ", "read ", "write ", "close ", "link ",
+                                 "unlink ", "stat ", "opendir ", "readdir "}) {
     EXPECT_TRUE(std::any_of(operations.begin(), operations.end(), [&](const auto& each) {
       return each.starts_with(kind);
     })) << kind;

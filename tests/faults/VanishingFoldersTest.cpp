@@ -55,5 +55,21 @@ TEST_F(VanishingFoldersTest, MayVanishWhileAResultIsAwaited) {
   EXPECT_EQ(server.wait(), "exit 0");
 }
 
+class UntoldKindsTest : public FaultTest {};
+
+// Fails when an entry has to be called a folder to be looked into.
+TEST_F(UntoldKindsTest, AreFoundOutByLooking) {
+  const fs::path derivedData = home.path() / "Library" / "Developer" / "Xcode" / "DerivedData";
+  const fs::path build = derivedData / "A" / "Debug" / "Corvane.app";
+  fs::create_directories(build);
+  TestFiles::write(derivedData / "file", "");
+  auto given = setup();
+  given.environment = {"LD_PRELOAD=" CORVANE_FILE_FAULTS, "CORVANE_FAULT_KINDS=untold",
+                       "CORVANE_FAULT_ROOT=" + home.path().native()};
+  ServerProcess server(std::move(given));
+  server.sendLine(call(1, "health", "{}"));
+  EXPECT_NE(textOf(server.readLine()).find(build), std::string::npos);
+}
+
 }  // namespace
 }  // namespace corvane::testing

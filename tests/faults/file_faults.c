@@ -3,11 +3,12 @@
  *   CORVANE_FAULT_ROOT     the folder; operations elsewhere are left alone
  *   CORVANE_FAULT_JOURNAL  a file outside of it that gets one line per operation, "open PATH"
  *   CORVANE_FAULT_AT       which operation, counted from 1; none when absent
- *   CORVANE_FAULT_AS       an errno value, "short", "kill", or "taken": another file appears there
- * first CORVANE_FAULT_REFUSED  the name of operations that all fail, as where the system lacks them
- *   CORVANE_FAULT_EXEC     "slow": between exec's closing of descriptors and the moment from which
- * the system shows the new command line passes some time Starts of programs are in the journal,
- * too, as "exec PATH", but are not counted. */
+ *   CORVANE_FAULT_AS       an errno value, "short", "kill", or "taken": another file is there first
+ *   CORVANE_FAULT_REFUSED  the name of operations that all fail, as where the system lacks them
+ *   CORVANE_FAULT_KINDS    "untold": folders do not tell of what kind their entries are
+ *   CORVANE_FAULT_EXEC     "slow": some time passes between exec's closing of descriptors and the
+ *                          moment from which the system shows the new command line
+ * Starts of programs are in the journal, too, as "exec PATH", but are not counted. */
 #define _GNU_SOURCE
 #include <dirent.h>
 #include <dlfcn.h>
@@ -103,7 +104,11 @@ int openat(int folder, const char* path, int flags, ...) {
   const mode_t mode = flags & (O_CREAT | O_TMPFILE) ? va_arg(arguments, mode_t) : 0;
   va_end(arguments);
   if (folder == AT_FDCWD) return openWatched(path, flags, mode);
-  return (int)syscall(SYS_openat, folder, path, flags, mode);
+  const int below = isWatched(folder);
+  if (below && fails("open", path)) return -1;
+  const int descriptor = (int)syscall(SYS_openat, folder, path, flags, mode);
+  watch(descriptor, below);
+  return descriptor;
 }
 
 ssize_t write(int descriptor, const void* bytes, size_t count) {
@@ -189,7 +194,20 @@ int stat(const char* restrict path, struct stat* restrict status) {
   return NEXT(stat)(path, status);
 }
 
-DIR* opendir(const char* path) {
-  if (isBelowRoot(path) && fails("opendir", path)) return NULL;
-  return NEXT(opendir)(path);
+int fstatat(int folder, const char* restrict path, struct stat* restrict status, int flags) {
+  if (isWatched(folder) && fails("stat", path)) return -1;
+  return NEXT(fstatat)(folder, path, status, flags);
+}
+
+DIR* fdopendir(int descriptor) {
+  if (isWatched(descriptor) && fails("opendir", "")) return NULL;
+  return NEXT(fdopendir)(descriptor);
+}
+
+struct dirent* readdir(DIR* folder) {
+  if (isWatched(dirfd(folder)) && fails("readdir", "")) return NULL;
+  struct dirent* entry = NEXT(readdir)(folder);
+  const char* kinds = getenv("CORVANE_FAULT_KINDS");
+  if (entry && kinds && strcmp(kinds, "untold") == 0) entry->d_type = DT_UNKNOWN;
+  return entry;
 }

@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "CorvaneCore/files/Files.h"
+#include "CorvaneCore/files/Folder.h"
 #include "CorvaneCore/json/JsonReader.h"
 #include "CorvaneCore/json/JsonWriter.h"
 

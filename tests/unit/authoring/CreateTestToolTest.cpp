@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "CorvaneCore/authoring/InputSchemaBuilder.h"
+#include "CorvaneCore/files/Folder.h"
 #include "CorvaneCore/text/Uuid.h"
 #include "corvane_mcp/protocol/JsonRpc.h"
 #include "tests/support/PrintJson.h"

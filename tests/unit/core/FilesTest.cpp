@@ -13,6 +13,7 @@
 #include <thread>
 
 #include "CorvaneCore/files/Files.h"
+#include "CorvaneCore/files/Folder.h"
 #include "tests/support/ErrorText.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryHome.h"

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include "CorvaneCore/files/Files.h"
+#include "CorvaneCore/files/Folder.h"
 #include "CorvaneCore/files/TemporaryFile.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/TestFiles.h"

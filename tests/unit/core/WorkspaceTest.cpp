@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "CorvaneCore/files/Folder.h"
 #include "CorvaneCore/json/AnyCodable.h"
 #include "CorvaneCore/workspace/AgentActivity.h"
 #include "CorvaneCore/workspace/AgentContext.h"

@@ -136,6 +136,15 @@ TEST_F(CorvaneLauncherTest, TakesTheFirstOfBuildsOfOneAge) {
   EXPECT_EQ(launcher().newestDerivedDataBuild(), first);
 }
 
+// Fails when a build's own folder is passed over.
+TEST_F(CorvaneLauncherTest, LooksForBuildsInsideOfBuilds) {
+  const auto now = std::chrono::system_clock::now();
+  const fs::path inner = makeBundle(derivedData / "Corvane.app" / "PlugIns" / "Corvane.app");
+  TestFiles::setModified(derivedData / "Corvane.app", now - std::chrono::hours(1));
+  TestFiles::setModified(inner, now);
+  EXPECT_EQ(launcher().newestDerivedDataBuild(), inner);
+}
+
 TEST_F(CorvaneLauncherTest, TakesTheOnlyBuildHoweverOld) {
   const fs::path build = makeBundle(derivedData / "A" / "Corvane.app");
   TestFiles::setModified(build, FileTime{std::chrono::seconds(0)});

@@ -3,13 +3,17 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
+#include <latch>
 #include <limits>
+#include <set>
 #include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "tests/support/Pipe.h"
+#include "tests/support/Timeout.h"
 #include "tests/support/ToolBench.h"
 #include "tests/unit/server/FakeTool.h"
 
@@ -160,6 +164,142 @@ TEST_F(MCPServerTest, FinishesCallsWhenItsInputEnds) {
   const auto log = bench.logged();
   EXPECT_EQ(log.back(), "INFO stdin closed; exiting");
   EXPECT_TRUE(contains(log, "INFO stdin closed; draining 1 in-flight tool call(s)"));
+}
+
+/// A conversation with such a server while calls of its tools are going on.
+class BusyServerTest : public MCPServerTest {
+ protected:
+  /// Answers once it is released.
+  void addSlow(std::string_view name) {
+    add(name, [this](const ToolCall&) {
+      ++hanging;
+      release.wait();
+      return ToolsCallResult::success("slow");
+    });
+  }
+  void start() {
+    server = std::jthread([this] {
+      MessageWriter writer(std::move(out.writing));
+      MCPServer running({registry, {"corvane-mcp", "0.2.0"}, bench.client, bench.logger, writer});
+      LineReader reader(in.reading.get());
+      running.run(reader);
+    });
+  }
+  static std::string call(int id, std::string_view tool) {
+    return R"({"jsonrpc":"2.0","id":)" + std::to_string(id) +
+           R"(,"method":"tools/call","params":{"name":")" + std::string(tool) + "\"}}\n";
+  }
+  static std::string ping(int id) {
+    return R"({"jsonrpc":"2.0","id":)" + std::to_string(id) + R"(,"method":"ping"})" + "\n";
+  }
+  void send(std::string_view lines) { writeAll(in.writing.get(), lines); }
+  /// The id of the next reply.
+  std::int64_t nextReply() {
+    std::string line;
+    for (char next = 0; ::read(out.reading.get(), &next, 1) == 1 && next != '\n';) line += next;
+    return *readJson(line).findAs<std::int64_t>("id");
+  }
+  /// Lets all calls come to their end.
+  void finish() {
+    release.count_down();
+    in.writing.close();
+    server.join();
+  }
+
+  Pipe in;
+  Pipe out;
+  std::latch release{1};
+  std::atomic<int> hanging = 0;
+  std::jthread server;
+};
+
+// Fails when a call keeps the thread that reads, at first or when the other one is busy as well.
+TEST_F(BusyServerTest, AnswersWhateverHangs) {
+  addSlow("slow");
+  add("quick", [](const ToolCall&) { return ToolsCallResult::success("quick"); });
+  start();
+  for (int i = 1; i <= 4; ++i) {
+    send(call(100 + i, "slow"));
+    waitUntil("the call hangs", [&] { return hanging == i; });
+    send(call(i, "quick"));
+    EXPECT_EQ(nextReply(), i);
+    send(ping(10 + i));
+    EXPECT_EQ(nextReply(), 10 + i);
+  }
+  // One for every thread there is, and more; those that have begun hang, the others wait.
+  for (int i = 5; i <= 20; ++i) send(call(100 + i, "slow"));
+  send(ping(1));
+  EXPECT_EQ(nextReply(), 1);
+  waitUntil("every thread hangs", [&] { return hanging == 5; });
+  finish();
+  EXPECT_TRUE(contains(bench.logged(), "INFO stdin closed; exiting"));
+}
+
+// Fails when calls that write requests run side by side, or are handed to the threads out of order.
+TEST_F(BusyServerTest, WritesRequestsInTheOrderOfTheirCalls) {
+  constexpr int count = 2000;
+  std::vector<std::string> written;
+  add("write", [&](const ToolCall& call, DispatchOrder::Turn& turn) {
+    written.push_back(toJson(*call.arguments));
+    turn.giveUp();
+    return ToolsCallResult::success("written");
+  });
+  start();
+  std::string lines;
+  std::vector<std::string> expected;
+  for (int i = 1; i <= count; ++i) {
+    lines +=
+        R"({"jsonrpc":"2.0","id":1,"method":"tools/call","params":{"name":"write","arguments":)" +
+        std::to_string(i) + "}}\n";
+    expected.push_back(std::to_string(i));
+  }
+  std::jthread sender([&] {
+    for (std::string_view left = lines; !left.empty();) {
+      const ssize_t sent = ::write(in.writing.get(), left.data(), left.size());
+      left.remove_prefix(static_cast<std::size_t>(sent));
+    }
+  });
+  for (int i = 0; i < count; ++i) EXPECT_EQ(nextReply(), 1);
+  sender.join();
+  finish();
+  EXPECT_EQ(written, expected);
+}
+
+// Fails when others wait for a call that has not written yet, or the next writer for one that has.
+TEST_F(BusyServerTest, HoldsUpNobodyButThoseWhoWriteLater) {
+  add("stuck", [this](const ToolCall&, DispatchOrder::Turn&) {
+    ++hanging;
+    release.wait();
+    return ToolsCallResult::success("stuck");
+  });
+  std::latch launched(1);
+  add("launches", [&](const ToolCall&, DispatchOrder::Turn& turn) {
+    turn.giveUp();
+    ++hanging;
+    launched.wait();
+    return ToolsCallResult::success("launched");
+  });
+  add("write", [](const ToolCall&, DispatchOrder::Turn&) { return ToolsCallResult::success(""); });
+  add("read", [](const ToolCall&) { return ToolsCallResult::success(""); });
+  start();
+  send(call(1, "launches"));
+  waitUntil("the first has written", [&] { return hanging == 1; });
+  send(call(2, "write"));
+  EXPECT_EQ(nextReply(), 2);
+  launched.count_down();
+  EXPECT_EQ(nextReply(), 1);
+  send(call(3, "stuck") + call(4, "write") + call(5, "read") + ping(6));
+  std::set<std::int64_t> replied{nextReply(), nextReply()};
+  EXPECT_EQ(replied, (std::set<std::int64_t>{5, 6}));
+  in.writing.close();
+  waitUntil("the end is seen", [&] {
+    const auto log = TestFiles::lines(bench.paths.logFile());
+    return log.back().ends_with("[INFO] stdin closed; draining 2 in-flight tool call(s)");
+  });
+  release.count_down();
+  EXPECT_EQ(nextReply(), 3);
+  EXPECT_EQ(nextReply(), 4);
+  server.join();
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "CorvaneCore/files/Folder.h"
 #include "corvane_mcp/protocol/JsonRpc.h"
 #include "tests/support/ErrorText.h"
 #include "tests/support/ToolBench.h"

@@ -130,7 +130,10 @@ TEST(DispatchTest, WritesARequestAndLogsIt) {
   AgentRunRequest request;
   request.requestId = "some-id";
   const auto path = bench.paths.agentRunRequestsDirectory() / "some-id.runrequest.json";
-  EXPECT_EQ(Dispatch::writeRequest(request, "run request", bench.services), path);
+  DispatchOrder order;
+  auto turn = order.tryEnter();
+  EXPECT_EQ(Dispatch::writeRequest(request, "run request", bench.services, *turn), path);
+  EXPECT_TRUE(order.tryEnter()) << "the next call may write once this one has";
   EXPECT_EQ(AgentRunRequest::read(path).requestId, "some-id");
   EXPECT_EQ(bench.logged(), Lines{"INFO Wrote run request: " + path.string()});
 }
@@ -141,7 +144,8 @@ TEST(DispatchTest, SaysWhyARequestCannotBeWritten) {
   AgentRunRequest request;
   request.requestId = "some-id";
   try {
-    Dispatch::writeRequest(request, "run request", bench.services);
+    DispatchOrder::Turn turn;
+    Dispatch::writeRequest(request, "run request", bench.services, turn);
     ADD_FAILURE();
   } catch (const JSONRPCError& error) {
     EXPECT_EQ(error.code, -32603);

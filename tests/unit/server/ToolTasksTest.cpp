@@ -16,13 +16,14 @@
 namespace corvane::testing {
 namespace {
 
-Task<void> sleepThenCount(std::chrono::milliseconds time, std::atomic<int>& count) {
+Task<void> sleepThenCount(std::chrono::milliseconds time, std::atomic<int>& count,
+                          ToolTasks::InFlight) {
   asio::steady_timer timer(co_await asio::this_coro::executor, time);
   co_await timer.async_wait(asio::use_awaitable);
   ++count;
 }
 
-Task<void> waitOnThread(std::latch& latch) {
+Task<void> waitOnThread(std::latch& latch, ToolTasks::InFlight) {
   latch.wait();
   co_return;
 }
@@ -33,14 +34,24 @@ TEST(ToolTasksTest, IsIdleBeforeTheFirstTask) {
   tasks.waitUntilIdle();
 }
 
-TEST(ToolTasksTest, CountsTheTasksInFlight) {
+TEST(ToolTasksTest, CountsTheCallsInFlight) {
   std::latch latch(1);
   ToolTasks tasks;
-  tasks.start(waitOnThread(latch));
-  tasks.start(waitOnThread(latch));
+  tasks.start(waitOnThread(latch, tasks.count()));
+  tasks.start(waitOnThread(latch, tasks.count()));
   EXPECT_EQ(tasks.inFlight(), 2U);
   latch.count_down();
   tasks.waitUntilIdle();
+  EXPECT_EQ(tasks.inFlight(), 0U);
+}
+
+TEST(ToolTasksTest, CountsACallThatIsHandedOnOnce) {
+  ToolTasks tasks;
+  {
+    ToolTasks::InFlight first = tasks.count();
+    const ToolTasks::InFlight second = std::move(first);
+    EXPECT_EQ(tasks.inFlight(), 1U);
+  }
   EXPECT_EQ(tasks.inFlight(), 0U);
 }
 
@@ -49,12 +60,12 @@ TEST(ToolTasksTest, FourTasksMayWorkAtOnce) {
   std::atomic<int> atWork = 0;
   std::latch latch(1);
   ToolTasks tasks;
-  const auto work = [&]() -> Task<void> {
+  const auto work = [&](ToolTasks::InFlight) -> Task<void> {
     ++atWork;
     latch.wait();
     co_return;
   };
-  for (int i = 0; i < 8; ++i) tasks.start(work());
+  for (int i = 0; i < 8; ++i) tasks.start(work(tasks.count()));
   const auto deadline = std::chrono::steady_clock::now() + testTimeout;
   while (atWork < 4 && std::chrono::steady_clock::now() < deadline) {
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -71,7 +82,7 @@ TEST(ToolTasksTest, LetsAThousandTasksWaitAtOnce) {
   {
     ToolTasks tasks;
     for (int i = 0; i < 1000; ++i) {
-      tasks.start(sleepThenCount(std::chrono::milliseconds(100), count));
+      tasks.start(sleepThenCount(std::chrono::milliseconds(100), count, tasks.count()));
     }
     tasks.waitUntilIdle();
   }
@@ -84,7 +95,9 @@ TEST(ToolTasksTest, WaitsForItsTasksAtItsEnd) {
   std::atomic<int> count = 0;
   {
     ToolTasks tasks;
-    for (int i = 0; i < 10; ++i) tasks.start(sleepThenCount(std::chrono::milliseconds(20), count));
+    for (int i = 0; i < 10; ++i) {
+      tasks.start(sleepThenCount(std::chrono::milliseconds(20), count, tasks.count()));
+    }
   }
   EXPECT_EQ(count, 10);
 }
@@ -93,7 +106,7 @@ TEST(ToolTasksTest, CanBecomeIdleAgainAndAgain) {
   std::atomic<int> count = 0;
   ToolTasks tasks;
   for (int i = 1; i <= 200; ++i) {
-    tasks.start(sleepThenCount(std::chrono::milliseconds(0), count));
+    tasks.start(sleepThenCount(std::chrono::milliseconds(0), count, tasks.count()));
     tasks.waitUntilIdle();
     ASSERT_EQ(count, i);
     ASSERT_EQ(tasks.inFlight(), 0U);

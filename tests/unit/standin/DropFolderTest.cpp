@@ -4,6 +4,7 @@
 
 #include <fstream>
 
+#include "CorvaneCore/files/Folder.h"
 #include "corvane_standin/jobs/DropFolder.h"
 #include "tests/unit/standin/StandInFixture.h"
 

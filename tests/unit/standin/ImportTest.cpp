@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "CorvaneCore/files/Folder.h"
 #include "tests/support/TestFiles.h"
 #include "tests/unit/standin/StandInFixture.h"
 

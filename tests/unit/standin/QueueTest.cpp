@@ -2,6 +2,7 @@
 
 #include <fstream>
 
+#include "CorvaneCore/files/Folder.h"
 #include "CorvaneCore/workspace/AgentActivity.h"
 #include "tests/unit/standin/StandInFixture.h"
 

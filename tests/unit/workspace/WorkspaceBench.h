@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "CorvaneCore/files/Folder.h"
 #include "corvane_mcp/protocol/JsonRpc.h"
 #include "tests/support/ToolBench.h"
 
