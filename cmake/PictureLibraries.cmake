@@ -15,7 +15,3 @@ target_link_libraries(corvane_png INTERFACE ${PNG_LIBRARY} ${PNG_ZLIB_LIBRARY} m
 add_library(corvane_jpeg INTERFACE)
 target_include_directories(corvane_jpeg SYSTEM INTERFACE ${JPEG_INCLUDE_DIR})
 target_link_libraries(corvane_jpeg INTERFACE ${JPEG_LIBRARY})
-
-# Cairo and the texts on it, for the screens of the stand-in, which start-up costs are no matter for.
-find_package(PkgConfig REQUIRED)
-pkg_check_modules(PANGO REQUIRED IMPORTED_TARGET GLOBAL pangocairo)

@@ -8,6 +8,22 @@ namespace corvane {
 
 namespace fs = std::filesystem;
 
+namespace {
+
+/// Whether people do not get to see an entry of `folder` for a flag that it carries, as `~/Library`
+/// does on macOS.
+bool isFlaggedHidden([[maybe_unused]] int folder, [[maybe_unused]] const char* name) {
+#ifdef __APPLE__
+  struct stat status{};
+  return ::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+         (status.st_flags & UF_HIDDEN) != 0;
+#else
+  return false;
+#endif
+}
+
+}  // namespace
+
 Folder::Folder(const fs::path& path, Links links) {
   constexpr int reading = O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC;
   FileDescriptor file(
@@ -23,6 +39,7 @@ std::optional<Folder::Entry> Folder::next() {
   while (const dirent* entry = ::readdir(stream.get())) {
     const std::string_view name = entry->d_name;
     if (name.starts_with('.')) continue;
+    if (isFlaggedHidden(::dirfd(stream.get()), entry->d_name)) continue;
     return Entry{name, entry->d_type == DT_DIR || entry->d_type == DT_UNKNOWN};
   }
   return std::nullopt;

@@ -57,7 +57,7 @@ bool TemporaryFile::moveIntoPlace() {
   return true;
 }
 
-bool TemporaryFile::openNameless(mode_t mode) {
+bool TemporaryFile::openNameless([[maybe_unused]] mode_t mode) {
 #ifdef O_TMPFILE
   const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
   file = FileDescriptor(::open(folder.c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, mode));

@@ -47,12 +47,15 @@ JsonObject::JsonObject(std::initializer_list<Member> given)
     : JsonObject(std::vector<Member>(given)) {}
 JsonObject::JsonObject(std::vector<Member> given)
     : members(areSorted(given) ? std::move(given) : takeSorted(given)) {}
-JsonObject::JsonObject(std::span<Member> given) {
+JsonObject JsonObject::takenFrom(std::span<Member> given) {
+  JsonObject object;
   if (areSorted(given)) {
-    members.assign(std::make_move_iterator(given.begin()), std::make_move_iterator(given.end()));
+    object.members.assign(std::make_move_iterator(given.begin()),
+                          std::make_move_iterator(given.end()));
   } else {
-    members = takeSorted(given);
+    object.members = takeSorted(given);
   }
+  return object;
 }
 JsonObject::JsonObject(const JsonObject& other) = default;
 JsonObject::JsonObject(JsonObject&& other) noexcept = default;

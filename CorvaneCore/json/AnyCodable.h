@@ -42,8 +42,9 @@ class JsonObject {
   JsonObject(std::initializer_list<Member> given);
   /// Takes members in any order; of several with one key the last one wins.
   explicit JsonObject(std::vector<Member> given);
-  /// The same; moves the members out of where they are.
-  explicit JsonObject(std::span<Member> given);
+  /// The same; moves the members out of where they are. No constructor: to look at it as one, the
+  /// compiler would have to know a Member, which holds an object itself.
+  [[nodiscard]] static JsonObject takenFrom(std::span<Member> given);
   JsonObject(const JsonObject& other);
   JsonObject(JsonObject&& other) noexcept;
   JsonObject& operator=(const JsonObject& other);

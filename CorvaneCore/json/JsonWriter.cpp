@@ -306,7 +306,7 @@ void JsonTree::endArray() {
 
 void JsonTree::endObject() {
   const auto own = std::span(members).subspan(open.back().begin);
-  JsonObject finished(own);
+  JsonObject finished = JsonObject::takenFrom(own);
   members.erase(members.end() - static_cast<std::ptrdiff_t>(own.size()), members.end());
   open.pop_back();
   put(std::move(finished));

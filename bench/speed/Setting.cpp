@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 
+#include "tests/support/TemporaryHome.h"
+
 namespace corvane::testing {
 
 namespace {
@@ -14,8 +16,9 @@ std::string searchPath() {
 }  // namespace
 
 Contender::Command Setting::serverIn(const std::filesystem::path& home) const {
-  return {{server.string()},
-          {searchPath(), "HOME=" + home.string(), "CORVANE_MCP_SUPPRESS_LAUNCH=1"}};
+  auto environment = homeVariables(home);
+  environment.insert(environment.end(), {searchPath(), "CORVANE_MCP_SUPPRESS_LAUNCH=1"});
+  return {{server.string()}, std::move(environment)};
 }
 
 Contender::Command Setting::sdkServer() const {

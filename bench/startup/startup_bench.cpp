@@ -31,9 +31,9 @@ double millisecondsToRun(const std::string& program, const std::filesystem::path
     posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", O_RDWR, 0);
   }
   std::string name = program;
-  std::string homeVariable = "HOME=" + home.string();
+  auto variables = homeVariables(home);
   const std::array<char*, 2> arguments{name.data(), nullptr};
-  const std::array<char*, 2> environment{homeVariable.data(), nullptr};
+  const std::array<char*, 3> environment{variables[0].data(), variables[1].data(), nullptr};
   const auto start = std::chrono::steady_clock::now();
   pid_t process = -1;
   const int error = ::posix_spawn(&process, name.c_str(), &actions, nullptr, arguments.data(),

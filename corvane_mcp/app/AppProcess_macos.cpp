@@ -12,7 +12,7 @@
 #include <thread>
 #include <vector>
 
-#include "corvane_mcp/app/AppProcess.h"
+#include "corvane_mcp/app/AppProcess_macos.h"
 
 extern char** environ;
 
@@ -32,7 +32,11 @@ pid_t spawnHelper(const std::vector<std::string>& command) {
   sigset_t all;
   sigfillset(&all);
   posix_spawnattr_setsigdefault(&attributes, &all);
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_CLOEXEC_DEFAULT | POSIX_SPAWN_SETSIGDEF);
+  sigset_t none;
+  sigemptyset(&none);
+  posix_spawnattr_setsigmask(&attributes, &none);
+  posix_spawnattr_setflags(
+      &attributes, POSIX_SPAWN_CLOEXEC_DEFAULT | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
 
   std::vector<char*> arguments;
   for (const auto& argument : command) arguments.push_back(const_cast<char*>(argument.c_str()));
@@ -60,15 +64,23 @@ std::optional<int> waitFor(pid_t child) {
 }  // namespace
 
 bool AppProcess::isRunning(std::string_view text) {
+  return isRunning(text, Helpers());
+}
+
+bool AppProcess::isRunning(std::string_view text, const Helpers& helpers) {
   try {
-    return waitFor(spawnHelper({"/usr/bin/pgrep", "-f", std::string(text)})) == 0;
+    return waitFor(spawnHelper({helpers.pgrep, "-f", std::string(text)})) == 0;
   } catch (const std::system_error&) {
     return false;
   }
 }
 
 void AppProcess::start(const std::filesystem::path& bundle) {
-  const pid_t helper = spawnHelper({"/usr/bin/open", bundle.string()});
+  start(bundle, Helpers());
+}
+
+void AppProcess::start(const std::filesystem::path& bundle, const Helpers& helpers) {
+  const pid_t helper = spawnHelper({helpers.open, bundle});
   // Waited for only so that it does not stay behind as a zombie. The system itself starts an
   // application once, however often it is opened before it can be seen to run.
   std::thread([helper] { waitFor(helper); }).detach();

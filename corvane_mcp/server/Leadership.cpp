@@ -14,7 +14,7 @@ constexpr int idleLooks = 20;
 
 void Leadership::run() {
   leadAndFollow();
-  others.clear();
+  for (auto& other : others) other.join();
 }
 
 std::optional<Leadership::Absence> Leadership::beginAbsence() {

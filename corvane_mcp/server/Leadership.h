@@ -54,8 +54,8 @@ class Leadership {
   /// Followers who do not look after the leader any more, as nothing has come up for a while.
   std::size_t asleep = 0;
   bool hasEnded = false;
-  /// Last, so that they are joined before what they use goes.
-  std::vector<std::jthread> others;
+  /// Joined at the end of run(); no std::jthread, which not every standard library has.
+  std::vector<std::thread> others;
 };
 
 }  // namespace corvane

@@ -168,7 +168,8 @@ void ChildProcess::signal(int number) const {
 }
 
 bool ChildProcess::endedBySignal() const {
-  return WIFSIGNALED(endStatus.value_or(0));
+  const int status = endStatus.value_or(0);
+  return WIFSIGNALED(status);
 }
 
 std::string ChildProcess::ending() const {

@@ -8,6 +8,8 @@ import { setTimeout } from 'node:timers/promises';
 import { Client } from '@modelcontextprotocol/sdk/client/index.js';
 import { StdioClientTransport } from '@modelcontextprotocol/sdk/client/stdio.js';
 
+import { environmentOf, supportIn } from '../support/home.mjs';
+
 const bin = resolve(process.env.CORVANE_BIN ?? 'build/release/bin');
 const appBundle = join(resolve(process.env.CORVANE_APP_BIN ?? bin), 'Corvane.app');
 
@@ -27,19 +29,14 @@ export async function connect(
   { app = true, captures = false, outcomes = {}, env = {} } = {},
 ) {
   const home = mkdtempSync(join(tmpdir(), 'corvane-client-'));
-  const support = join(home, '.local', 'share', 'Corvane');
+  const support = supportIn(home);
   mkdirSync(join(support, 'StandIn'), { recursive: true });
   writeFileSync(join(support, 'StandIn', 'settings.json'), JSON.stringify({ ...fast, captures, outcomes }));
   if (app) {
     mkdirSync(join(home, 'Applications'));
     symlinkSync(appBundle, join(home, 'Applications', 'Corvane.app'));
   }
-  const environment = {
-    PATH: process.env.PATH,
-    HOME: home,
-    LD_PRELOAD: process.env.CORVANE_OWN_PROCESSES ?? '',
-    ...env,
-  };
+  const environment = { ...environmentOf(home), ...env };
   const transport = new StdioClientTransport({
     command: join(bin, 'corvane-mcp'),
     env: environment,

@@ -76,7 +76,7 @@ class FaultTest : public ::testing::Test {
   }
 
   const TemporaryHome home;
-  const AgentPaths paths = home.paths();
+  const AgentPaths paths = home.programPaths();
 };
 
 }  // namespace corvane::testing

@@ -1,7 +1,8 @@
 // One agent's conversation with a server of its own: raw lines, so that a reply too many shows.
-import { spawn } from 'node:child_process';
+import { execFileSync, spawn } from 'node:child_process';
 import { once } from 'node:events';
 import { readFileSync, readdirSync } from 'node:fs';
+import { platform } from 'node:process';
 import { createInterface } from 'node:readline';
 
 export class Conversation {
@@ -61,10 +62,19 @@ export class Conversation {
 
   /** What the server holds while nothing is asked of it. */
   holdings() {
-    const status = readFileSync(`/proc/${this.#server.pid}/status`, 'utf8');
+    const id = String(this.#server.pid);
+    if (platform === 'darwin') {
+      const lines = (command, ...args) => execFileSync(command, args, { encoding: 'utf8' }).trim().split('\n');
+      return {
+        descriptors: lines('lsof', '-p', id, '-a', '-d', '0-9999', '-Ff').filter((line) => line[0] === 'f').length,
+        threads: lines('ps', '-M', '-p', id).length - 1,
+        kilobytes: Number(lines('ps', '-o', 'rss=', '-p', id)[0]),
+      };
+    }
+    const status = readFileSync(`/proc/${id}/status`, 'utf8');
     const number = (name) => Number(new RegExp(`^${name}:\\s+(\\d+)`, 'm').exec(status)[1]);
     return {
-      descriptors: readdirSync(`/proc/${this.#server.pid}/fd`).length,
+      descriptors: readdirSync(`/proc/${id}/fd`).length,
       threads: number('Threads'),
       kilobytes: number('VmRSS'),
     };

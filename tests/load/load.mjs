@@ -6,6 +6,7 @@ import { mkdirSync, mkdtempSync, readFileSync, rmSync, symlinkSync, writeFileSyn
 import { tmpdir } from 'node:os';
 import { join, resolve } from 'node:path';
 
+import { environmentOf, supportIn } from '../support/home.mjs';
 import { Conversation } from './Conversation.mjs';
 
 const seconds = Number(process.argv[2] ?? 600);
@@ -24,12 +25,8 @@ function seeded(seed) {
 }
 
 const home = mkdtempSync(join(tmpdir(), 'corvane-load-'));
-const environment = {
-  PATH: process.env.PATH,
-  HOME: home,
-  LD_PRELOAD: process.env.CORVANE_OWN_PROCESSES ?? '',
-};
-const support = join(home, '.local', 'share', 'Corvane');
+const environment = environmentOf(home);
+const support = supportIn(home);
 mkdirSync(join(support, 'StandIn'), { recursive: true });
 writeFileSync(
   join(support, 'StandIn', 'settings.json'),

@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 
 std::map<std::string, std::string, std::less<>> fixedTexts(const TemporaryHome& home,
                                                            const SessionScript& script) {
-  const AgentPaths paths = home.paths();
+  const AgentPaths paths = home.programPaths();
   return {
       {"home", home.path()},
       {"support", paths.applicationSupport()},
@@ -238,7 +238,7 @@ void SessionPlayer::takeLog() {
     if (!parts) fail("this is no line of a log: " + line);
     logLines.push_back(*parts);
   }
-  const fs::path file = home.paths().logFile();
+  const fs::path file = home.programPaths().logFile();
   if (!fs::is_regular_file(file)) return;
   // Lines of calls that run side by side may stand in another order there.
   auto inFile = TestFiles::lines(file);

@@ -13,8 +13,8 @@ namespace corvane::testing {
 /// What the system tells about a process.
 namespace ProcessFacts {
 
-/// The value of a line of the process's status, e.g. "Threads" or "VmRSS"; empty when the process
-/// is gone.
+/// The value of a line of the process's status, e.g. "SigBlk"; empty when the process is gone. Only
+/// Linux has such lines.
 [[nodiscard]] std::string status(pid_t process, std::string_view name);
 [[nodiscard]] std::size_t threadCount(pid_t process);
 /// Memory in use, in KiB.

@@ -16,6 +16,7 @@
 #include <system_error>
 
 #include "tests/support/Pipe.h"
+#include "tests/support/TemporaryHome.h"
 #include "tests/support/Timeout.h"
 
 extern char** environ;
@@ -24,28 +25,34 @@ namespace corvane::testing {
 
 namespace {
 
+/// What names libraries that a program is to load before its own.
+#ifdef __APPLE__
+constexpr const char* preloadVariable = "DYLD_INSERT_LIBRARIES";
+#else
+constexpr const char* preloadVariable = "LD_PRELOAD";
+#endif
+
 /// The environment of this process with a home of the test's own, and without a look at other
 /// homes' processes.
 std::vector<std::string> environmentFor(const ServerProcess::Setup& setup) {
   std::vector<std::string> variables;
   for (char** next = environ; *next; ++next) {
     const std::string_view variable = *next;
-    if (!variable.starts_with("HOME=") && !variable.starts_with("XDG_DATA_HOME=") &&
-        !variable.starts_with("CORVANE_")) {
+    if (!variable.starts_with("HOME=") && !variable.starts_with("CFFIXED_USER_HOME=") &&
+        !variable.starts_with("XDG_DATA_HOME=") && !variable.starts_with("CORVANE_")) {
       variables.emplace_back(variable);
     }
   }
-  variables.push_back("HOME=" + setup.home.string());
+  for (auto& variable : homeVariables(setup.home)) variables.push_back(std::move(variable));
   variables.insert(variables.end(), setup.environment.begin(), setup.environment.end());
-#ifdef CORVANE_OWN_PROCESSES
+  const std::string preloading = std::string(preloadVariable) + "=";
   const auto preload = std::ranges::find_if(
-      variables, [](const std::string& each) { return each.starts_with("LD_PRELOAD="); });
+      variables, [&](const std::string& each) { return each.starts_with(preloading); });
   if (preload == variables.end()) {
-    variables.emplace_back("LD_PRELOAD=" CORVANE_OWN_PROCESSES);
+    variables.push_back(preloading + CORVANE_OWN_PROCESSES);
   } else {
     *preload += ":" CORVANE_OWN_PROCESSES;
   }
-#endif
   return variables;
 }
 

@@ -13,6 +13,11 @@
 
 namespace corvane::testing {
 
+/// The variables, as "NAME=value", that give a program a home: the second one counts on macOS.
+[[nodiscard]] inline std::vector<std::string> homeVariables(const std::filesystem::path& home) {
+  return {"HOME=" + home.string(), "CFFIXED_USER_HOME=" + home.string()};
+}
+
 /// A private, empty home folder for one test, removed with everything in it at the end of its life.
 class TemporaryHome {
  public:
@@ -33,10 +38,20 @@ class TemporaryHome {
 
   [[nodiscard]] const std::filesystem::path& path() const { return home; }
 
-  /// The shared folders under this home, none of which exists yet. They are the ones that a program
-  /// on Linux finds when HOME is path() and XDG_DATA_HOME is not set.
+  /// The shared folders under this home, none of which exists yet, as they are called on Linux.
   [[nodiscard]] AgentPaths paths() const {
     return AgentPaths(UserFolders{.applicationSupport = home / ".local" / "share", .home = home});
+  }
+
+  /// The shared folders that a program finds whose environment has
+  /// homeVariables(path()) and no XDG_DATA_HOME.
+  [[nodiscard]] AgentPaths programPaths() const {
+#ifdef __APPLE__
+    const auto support = home / "Library" / "Application Support";
+    return AgentPaths(UserFolders{.applicationSupport = support, .home = home});
+#else
+    return paths();
+#endif
   }
 
   /// Every file and folder under this home, relative to it and sorted.

@@ -177,6 +177,16 @@ TEST(FilesReadTest, ListsVisibleEntriesByName) {
   EXPECT_EQ(listVisible(home.path() / "a"), std::vector<fs::path>());
 }
 
+#ifdef __APPLE__
+TEST(FilesReadTest, ListsNoEntryWithTheHiddenFlag) {
+  const TemporaryHome home;
+  TestFiles::write(home.path() / "hidden", "");
+  TestFiles::write(home.path() / "seen", "");
+  ASSERT_EQ(::chflags((home.path() / "hidden").c_str(), UF_HIDDEN), 0);
+  EXPECT_EQ(listVisible(home.path()), std::vector<fs::path>{home.path() / "seen"});
+}
+#endif
+
 namespace fs = std::filesystem;
 
 std::string writeError(const fs::path& path, std::string_view contents = "contents") {

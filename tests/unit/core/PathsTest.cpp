@@ -1,12 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <optional>
 #include <string>
 
 #include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/paths/AgentPaths.h"
 #include "CorvaneCore/paths/UserFolders.h"
+#include "tests/support/EnvironmentVariable.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/TestFiles.h"
 
@@ -94,29 +93,6 @@ TEST(AgentPathsTest, EnsureClosesTheSharedFolderToOthers) {
   EXPECT_EQ(TestFiles::mode(home.paths().agentImportsDirectory()), 0700U);
   EXPECT_EQ(TestFiles::mode(shared.parent_path()), 0755U);
 }
-
-/// Sets or unsets an environment variable and puts back what it was at the end of its life.
-class EnvironmentVariable {
- public:
-  explicit EnvironmentVariable(const char* name) : name(name) {
-    if (const char* value = std::getenv(name)) before = value;
-  }
-  EnvironmentVariable(const EnvironmentVariable&) = delete;
-  EnvironmentVariable& operator=(const EnvironmentVariable&) = delete;
-  ~EnvironmentVariable() { set(before ? before->c_str() : nullptr); }
-
-  void set(const char* value) const {
-    if (value) {
-      ::setenv(name, value, 1);
-    } else {
-      ::unsetenv(name);
-    }
-  }
-
- private:
-  const char* name;
-  std::optional<std::string> before;
-};
 
 TEST(UserFoldersTest, AreAbsolute) {
   const UserFolders folders = UserFolders::current();

@@ -178,7 +178,7 @@ class BusyServerTest : public MCPServerTest {
     });
   }
   void start() {
-    server = std::jthread([this] {
+    server = std::thread([this] {
       MessageWriter writer(std::move(out.writing));
       MCPServer running({registry, {"corvane-mcp", "0.2.0"}, bench.client, bench.logger, writer});
       LineReader reader(in.reading.get());
@@ -210,7 +210,7 @@ class BusyServerTest : public MCPServerTest {
   Pipe out;
   std::latch release{1};
   std::atomic<int> hanging = 0;
-  std::jthread server;
+  std::thread server;
 };
 
 // Fails when a call keeps the thread that reads, at first or when the other one is busy as well.
@@ -253,7 +253,7 @@ TEST_F(BusyServerTest, WritesRequestsInTheOrderOfTheirCalls) {
         std::to_string(i) + "}}\n";
     expected.push_back(std::to_string(i));
   }
-  std::jthread sender([&] {
+  std::thread sender([&] {
     for (std::string_view left = lines; !left.empty();) {
       const ssize_t sent = ::write(in.writing.get(), left.data(), left.size());
       left.remove_prefix(static_cast<std::size_t>(sent));

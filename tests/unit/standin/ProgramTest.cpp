@@ -35,6 +35,7 @@ class StandInProgramTest : public ::testing::Test {
     process = ::fork();
     if (process != 0) return;
     ::setenv("HOME", home.path().c_str(), 1);
+    ::setenv("CFFIXED_USER_HOME", home.path().c_str(), 1);
     ::unsetenv("XDG_DATA_HOME");
     if (errors >= 0) ::dup2(errors, STDERR_FILENO);
     ::execl(CORVANE_STANDIN_PROGRAM, CORVANE_STANDIN_PROGRAM, nullptr);
@@ -49,7 +50,7 @@ class StandInProgramTest : public ::testing::Test {
   }
 
   const TemporaryHome home;
-  const standin::StandInPaths files{home.paths()};
+  const standin::StandInPaths files{home.programPaths()};
 
  private:
   pid_t process = -1;
@@ -79,7 +80,8 @@ TEST_F(StandInProgramTest, WrongSettingsAreToldInTheLogElsewhere) {
     return fileExists(files.logFile()) &&
            TestFiles::read(files.logFile()).find(line) != std::string::npos;
   });
-  waitUntil("it takes up its work", [&] { return fileExists(home.paths().agentContextFile()); });
+  waitUntil("it takes up its work",
+            [&] { return fileExists(home.programPaths().agentContextFile()); });
 }
 
 }  // namespace

@@ -1,0 +1,4 @@
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_SYSTEM_PROCESSOR x86_64)
+set(CORVANE_TRIPLE x86_64-linux-gnu.2.28)
+include(${CMAKE_CURRENT_LIST_DIR}/common.cmake)

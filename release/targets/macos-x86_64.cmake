@@ -1,0 +1,4 @@
+set(CMAKE_SYSTEM_NAME Darwin)
+set(CMAKE_SYSTEM_PROCESSOR x86_64)
+set(CORVANE_TRIPLE x86_64-macos.13.0)
+include(${CMAKE_CURRENT_LIST_DIR}/common.cmake)
