@@ -70,6 +70,7 @@ Follower::Outcome Follower::run() {
     RequestLook seen = look();
     if (seen.refusal) return {End::refused, std::move(seen)};
     tellStatus(seen);
+    tellPlan(seen);
     if (seen.result) tellTests(*seen.result);
     if (seen.isOver()) {
       tell(events::Finished{seen.status, seen.json});
@@ -137,6 +138,14 @@ void Follower::tellStatus(const RequestLook& look) {
   tell(std::move(status));
 }
 
+void Follower::tellPlan(const RequestLook& look) {
+  if (plan || isPending(look) || look.isOver() || plansAsked++ >= mostPlansAsked) return;
+  auto expectation = watch.expectation();
+  if (!expectation) return;
+  plan = expectation->plan;
+  tell(events::Planned{*std::move(expectation)});
+}
+
 void Follower::tellTests(const AgentRunResult& result) {
   if (!result.tests) return;
   for (; finishedTests < result.tests->size(); ++finishedTests) {
@@ -149,7 +158,7 @@ void Follower::tellTests(const AgentRunResult& result) {
 
 void Follower::tellStep(const AgentRunResult& result) {
   if (!result.progress) return;
-  auto step = placeOf(*result.progress, finishedTests, request.plan ? &*request.plan : nullptr);
+  auto step = placeOf(*result.progress, finishedTests, plan ? &*plan : nullptr);
   if (!step.test) {
     // What the app says of the test in hand it may say in place of a plan.
     const bool named = result.tests && finishedTests < result.tests->size();
@@ -177,7 +186,7 @@ void Follower::tell(FollowEvent event) {
 }
 
 std::optional<std::size_t> Follower::testCount() const {
-  return request.plan ? std::optional(request.plan->tests.size()) : std::nullopt;
+  return plan ? std::optional(plan->tests.size()) : std::nullopt;
 }
 
 }  // namespace corvane::ctl

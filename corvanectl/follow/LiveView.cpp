@@ -33,16 +33,6 @@ std::string joinedTo(std::string_view front, std::string_view back, std::size_t 
 
 }  // namespace
 
-LiveView::LiveView(Console& console, ProgressPlace place, Style style, FollowTime beginning,
-                   std::optional<Expectation> expectation)
-    : console(console),
-      place(place),
-      style(style),
-      beginning(beginning),
-      expectation(std::move(expectation)),
-      testBeginning(beginning),
-      latest(beginning) {}
-
 void LiveView::take(const FollowEvent& event, FollowTime now) {
   latest = now;
   std::visit([this](const auto& each) { show(each); }, event);

@@ -39,13 +39,11 @@ class LiveViewTest : public ::testing::Test {
   };
 
   /// Follows the request to its end or until the app has been away for a while.
-  void follow(std::optional<LiveView::Expectation> expectation = std::nullopt) {
-    LiveView view(console, ProgressPlace::withResults, Style(colored), request.now(), expectation);
+  void follow() {
+    LiveView view(console, ProgressPlace::withResults, Style(colored), request.now());
     Recorder recorder(view, *this);
     console.startProgress(ProgressPlace::withResults);
-    Follower::Request given{"ID", true, "Shop"};
-    if (expectation) given.plan = expectation->plan;
-    (void)Follower(given, {FollowTime::max(), Seconds(10)}, request, recorder).run();
+    (void)Follower({"ID", true}, {FollowTime::max(), Seconds(10)}, request, recorder).run();
     console.endProgress();
     frames[last] = look();
   }
@@ -98,7 +96,8 @@ TEST_F(LiveViewTest, ShowsAPassingRun) {
   request.result(
       12, "passed",
       R"("tests":[)" + test("Sign in", "passed", 4.2) + "," + test("Pay", "passed", 3) + "]");
-  follow(LiveView::Expectation{plan, {{"Sign in", 5}, {"Pay", 6}}});
+  request.known = Expectation{plan, {{"Sign in", 5}, {"Pay", 6}}};
+  follow();
   EXPECT_THAT(frames[1], ElementsAre("waiting for Corvane.app to pick the request up · 1 s"));
   EXPECT_THAT(frames[2], ElementsAre("building — Building the app · 2 s"));
   EXPECT_THAT(frames[4],
