@@ -49,7 +49,8 @@ class LiveView final : public FollowObserver {
   FollowTime beginning;
   std::optional<Expectation> expectation;
   std::string requestId;
-  std::string status;
+  /// What is known of the request while no step runs.
+  std::string status = "looking for the request";
   std::optional<TestPlace> test;
   FollowTime testBeginning;
   std::string step;

@@ -28,8 +28,9 @@ std::vector<std::string> runsOver(std::string_view statusAnswer, std::string_vie
 
 void addDurations(const AgentRunResult& result, TestDurations& durations) {
   for (const auto& test : result.tests.value_or(std::vector<AgentRunResult::Test>())) {
-    const bool whole = test.status == "passed" || test.status == "warning";
-    if (whole) durations.try_emplace(test.testName, test.durationSeconds);
+    const bool wasRun =
+        test.status == "passed" || test.status == "warning" || test.status == "failed";
+    if (wasRun) durations.try_emplace(test.testName, test.durationSeconds);
   }
 }
 

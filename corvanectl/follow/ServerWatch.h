@@ -36,8 +36,8 @@ class ServerWatch final : public RequestWatch {
         patience(patience) {}
 
   [[nodiscard]] RequestLook look(Seconds wait) override;
-  /// How long tests took is told by the few runs that get_status still names: a test counts that
-  /// went through all its steps, as it did the last time.
+  /// How long tests took is told by the few runs that get_status still names; of a test's runs the
+  /// last one counts.
   [[nodiscard]] std::optional<Expectation> expectation() override;
   [[nodiscard]] bool appIsRunning() override;
   [[nodiscard]] FollowTime now() override { return std::chrono::steady_clock::now(); }
