@@ -77,8 +77,7 @@ ToolsCallResult call(const Arguments& arguments, const ToolServices& services) {
   if (removeWaitingRequest(*id, services.paths)) {
     writeCancelledResult(*id, services);
     services.logger.info("cancel_run: removed unconsumed request " + *id);
-    std::string text =
-        "Run request " + *id + " cancelled (Corvane had not picked it up yet).";
+    std::string text = "Run request " + *id + " cancelled (Corvane had not picked it up yet).";
     return ToolsCallResult::success(text.append(AnswerTexts::cancelledNote));
   }
   dropCancelMarker(*id, services);

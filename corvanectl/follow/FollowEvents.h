@@ -124,9 +124,10 @@ struct LeftOff {
 
 }  // namespace events
 
-using FollowEvent = std::variant<events::Began, events::PickedUp, events::Planned, events::StatusChanged,
-                                 events::TestStarted, events::StepStarted, events::TestFinished,
-                                 events::HealthChanged, events::Finished, events::LeftOff>;
+using FollowEvent =
+    std::variant<events::Began, events::PickedUp, events::Planned, events::StatusChanged,
+                 events::TestStarted, events::StepStarted, events::TestFinished,
+                 events::HealthChanged, events::Finished, events::LeftOff>;
 
 /// Who wants to know. May throw what Console throws.
 class FollowObserver {

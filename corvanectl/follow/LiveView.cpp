@@ -95,8 +95,7 @@ std::string LiveView::composed(FollowTime now) const {
   // What is on is more telling than for how long.
   if (room < leastColumns) return step.empty() ? status : step;
   const std::string& what = step.empty() ? status : step;
-  const std::string front =
-      test ? joined(*test, step, room) : cutToColumns(what, room);
+  const std::string front = test ? joined(*test, step, room) : cutToColumns(what, room);
   return front + std::string(gap) + clock;
 }
 

@@ -126,7 +126,8 @@ class AppRunsTest : public ::testing::Test {
 };
 
 TEST_F(AppRunsTest, EveryEndOfARunHasItsStatus) {
-  install(R"("Check out as guest":{"outcome":"warning"},"Add to cart and remove":{"outcome":"blocked"})");
+  install(
+      R"("Check out as guest":{"outcome":"warning"},"Add to cart and remove":{"outcome":"blocked"})");
   expectStatus(0, following("Browse the catalogue"));
   expectStatus(1, following("Redeem a voucher"));
   expectStatus(0, following("Search and filter"));
@@ -137,9 +138,10 @@ TEST_F(AppRunsTest, EveryEndOfARunHasItsStatus) {
 TEST_F(AppRunsTest, EveryTroubleHasItsStatus) {
   install(R"("Browse the catalogue":{"outcome":"hold"})");
   expectStatus(1, {"follow", "0f8fad5b-d9cb-469f-a165-70867728950e"});
-  expectStatus(2, {"--server", "/nowhere/server", "follow", "0f8fad5b-d9cb-469f-a165-70867728950e"});
-  expectStatus(4, following("Browse the catalogue",
-                            {"--no-build", "--timeout", "3", "--cancel-on-exit"}));
+  expectStatus(2,
+               {"--server", "/nowhere/server", "follow", "0f8fad5b-d9cb-469f-a165-70867728950e"});
+  expectStatus(
+      4, following("Browse the catalogue", {"--no-build", "--timeout", "3", "--cancel-on-exit"}));
   expectStatus(64, {"follow"});
   expectStatus(64, {"follow", "ID", "--events", "--json"});
   expectStatus(64, {"follow", "ID", "--color", "perhaps"});
@@ -153,16 +155,18 @@ TEST_F(AppRunsTest, WithoutAnAppARunEndsWithTheWaysOn) {
   const ProgramRun run = inPipe(arguments);
   EXPECT_EQ(run.status, 5);
   const std::string id = idIn(run.output);
-  EXPECT_NE(run.output.find("  Corvane.app: <not found>  (LAUNCH FAILED — open Corvane manually)\n"),
-            std::string::npos);
+  EXPECT_NE(
+      run.output.find("  Corvane.app: <not found>  (LAUNCH FAILED — open Corvane manually)\n"),
+      std::string::npos);
   EXPECT_NE(run.output.find("Corvane.app is not running, so the request does not move. Open the "
                             "app, or withdraw the request with 'corvanectl cancel " +
                             id + "'.\n"),
             std::string::npos);
   EXPECT_EQ(run.output.find("get_result"), std::string::npos);
-  EXPECT_EQ(run.errors, "corvanectl: Corvane.app could not be started; open it yourself\n"
-                        "corvanectl: no Corvane.app has been running for 1 s\n" +
-                            waysOn(id));
+  EXPECT_EQ(run.errors,
+            "corvanectl: Corvane.app could not be started; open it yourself\n"
+            "corvanectl: no Corvane.app has been running for 1 s\n" +
+                waysOn(id));
   // Both ways on lead somewhere.
   EXPECT_EQ(inPipe({"cancel", id}).output,
             "Run request " + id + " cancelled (Corvane had not picked it up yet).\n");
@@ -177,14 +181,14 @@ TEST_F(AppRunsTest, AnAppThatCrashesIsTold) {
   EXPECT_NE(run.output.find("\nCorvane.app is not running, so the request does not move."),
             std::string::npos)
       << run.output;
-  EXPECT_EQ(run.errors, "corvanectl: no Corvane.app has been running for 1 s\n" +
-                            waysOn(idIn(run.output)));
+  EXPECT_EQ(run.errors,
+            "corvanectl: no Corvane.app has been running for 1 s\n" + waysOn(idIn(run.output)));
 }
 
 TEST_F(AppRunsTest, AnAppThatQuitsEndsTheRun) {
   install(R"("Browse the catalogue":{"outcome":"hold"})");
-  auto run = std::async(std::launch::async,
-                        [] { return inPipe(following("Browse the catalogue")); });
+  auto run =
+      std::async(std::launch::async, [] { return inPipe(following("Browse the catalogue")); });
   (void)resultOnce("running");
   control("--quit");
   const ProgramRun ended = run.get();
@@ -211,9 +215,10 @@ TEST_F(AppRunsTest, AnAppThatHangsIsTold) {
                               id + "'.\n"),
             std::string::npos)
       << ended.output;
-  EXPECT_EQ(ended.errors, "corvanectl: Corvane.app has not worked on the request for 2 s\n"
-                          "corvanectl: the request was told to cancel: " +
-                              id + "\n");
+  EXPECT_EQ(ended.errors,
+            "corvanectl: Corvane.app has not worked on the request for 2 s\n"
+            "corvanectl: the request was told to cancel: " +
+                id + "\n");
   (void)resultOnce("cancelled");
 }
 
@@ -234,9 +239,9 @@ TEST_F(AppRunsTest, CtrlCTellsHowToGoOnOrCancels) {
   install(R"("Browse the catalogue":{"outcome":"hold"})");
   for (const bool cancels : {false, true}) {
     Pseudoterminal terminal(80);
-    const int process = terminal.start(following(
-        "Browse the catalogue",
-        cancels ? std::vector<std::string>{"--cancel-on-exit"} : std::vector<std::string>{}));
+    const int process = terminal.start(
+        following("Browse the catalogue", cancels ? std::vector<std::string>{"--cancel-on-exit"}
+                                                  : std::vector<std::string>{}));
     terminal.readUntil("step 0/");
     terminal.type("\x03");
     const std::string shown = terminal.readAll();
@@ -255,8 +260,8 @@ TEST_F(AppRunsTest, CtrlCTellsHowToGoOnOrCancels) {
 // Fails when the id comes with the result only.
 TEST_F(AppRunsTest, AnInterruptedRunInJsonHasToldItsId) {
   install(R"("Browse the catalogue":{"outcome":"hold"})");
-  const auto run = inPipe(
-      following("Browse the catalogue", {"--json", "--no-build", "--timeout", "2"}));
+  const auto run =
+      inPipe(following("Browse the catalogue", {"--json", "--no-build", "--timeout", "2"}));
   EXPECT_EQ(run.status, 4);
   EXPECT_EQ(run.output, "");
   const std::string id = idIn(run.errors);

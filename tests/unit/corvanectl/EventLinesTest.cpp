@@ -102,10 +102,9 @@ TEST_F(FollowedLinesTest, PlainLinesShowForeignTextOnOneLine) {
   request.result(0, "running", R"("progress":{"currentStep":1,"totalSteps":2})");
   request.result(4, "failed", R"("tests":[)" + std::string(test) + "]");
   PlainLines lines(console, ProgressPlace::withResults, PlainLines::Extent::everything);
-  EXPECT_THAT(follow(lines),
-              ElementsAre("running", R"(Sign in 🎉 (1/1), step 0/2 Tap\u001b[2J)",
-                          "  failed  Sign in 🎉  (1 step, 2 s)", "    step 0 failed: TAP",
-                          "      <b>"));
+  EXPECT_THAT(follow(lines), ElementsAre("running", R"(Sign in 🎉 (1/1), step 0/2 Tap\u001b[2J)",
+                                         "  failed  Sign in 🎉  (1 step, 2 s)",
+                                         "    step 0 failed: TAP", "      <b>"));
 }
 
 }  // namespace

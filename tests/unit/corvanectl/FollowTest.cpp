@@ -252,9 +252,8 @@ TEST(RunAndFollow, CountsTheServersStartAsTimeGone) {
   const FakeServerScript script(lines);
   EXPECT_EQ(runWithFakeServer({"run", "Shop", "--all", "--follow", "--timeout", "1.6"}).status, 4);
   const auto made = calls(script);
-  const auto looks = std::ranges::count(made, AnyCodable("get_result"), [](const auto& call) {
-    return *call.find("name");
-  });
+  const auto looks = std::ranges::count(made, AnyCodable("get_result"),
+                                        [](const auto& call) { return *call.find("name"); });
   // Where there would be time for three.
   EXPECT_LE(looks, 2);
 }
@@ -274,8 +273,7 @@ TEST(RunAndFollow, FollowsNothingThatWasNotDispatched) {
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.output, "error:y\n");
   }
-  const FakeServerScript script(greeted(
-      {"expect tools/call", textResult("done")}));
+  const FakeServerScript script(greeted({"expect tools/call", textResult("done")}));
   EXPECT_EQ(runWithFakeServer({"run", "Shop", "--all", "--follow"}).status, 2);
 }
 

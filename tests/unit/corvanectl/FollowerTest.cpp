@@ -109,12 +109,13 @@ TEST_F(FollowerTest, TellsTheCourseOfARun) {
   const auto outcome = follow({"ID", true});
   EXPECT_EQ(outcome.end, Follower::End::finished);
   EXPECT_EQ(outcome.look.status, "failed");
-  EXPECT_THAT(record.lines, ElementsAre("0 dispatched ID", "1 pending", "2 picked up",
-                                        "2 queued #2", "2 planned 2", "4 building 'Building'", "6 running",
-                                        "6 starts Sign in[0/2]", "6 Sign in[0/2] step 0/2 Open",
-                                        "8 finished Sign in[0/2] passed", "8 starts Pay[1/2]",
-                                        "8 Pay[1/2] step 0/3 Tap", "10 Pay[1/2] step 1/3 Swipe",
-                                        "12 finished Pay[1/2] failed", "12 over failed"));
+  EXPECT_THAT(
+      record.lines,
+      ElementsAre("0 dispatched ID", "1 pending", "2 picked up", "2 queued #2", "2 planned 2",
+                  "4 building 'Building'", "6 running", "6 starts Sign in[0/2]",
+                  "6 Sign in[0/2] step 0/2 Open", "8 finished Sign in[0/2] passed",
+                  "8 starts Pay[1/2]", "8 Pay[1/2] step 0/3 Tap", "10 Pay[1/2] step 1/3 Swipe",
+                  "12 finished Pay[1/2] failed", "12 over failed"));
 }
 
 // Fails when the live count, which begins with 1, is shown in the place of the step's number.
@@ -132,8 +133,8 @@ TEST_F(FollowerTest, NamesNoStepOfAPlanWithOtherSteps) {
   request.result(2, "passed");
   request.known = Expectation{plan, {}};
   (void)follow();
-  EXPECT_THAT(record.lines,
-              ElementsAre("0 following ID", "1 running", "1 planned 2", "1 step 1/9 ", "2 over passed"));
+  EXPECT_THAT(record.lines, ElementsAre("0 following ID", "1 running", "1 planned 2", "1 step 1/9 ",
+                                        "2 over passed"));
 }
 
 // Fails when a plan is asked for before the app has been up to publish it, or for ever.

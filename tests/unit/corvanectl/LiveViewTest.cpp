@@ -192,11 +192,12 @@ TEST_F(LiveViewTest, ShowsACancelledRun) {
 TEST_F(LiveViewTest, ShowsNamesAsTheyAreAndOnOneLine) {
   const std::string name = R"(<b>Sign\nin</b> 🎉\u001b[2J\u202e)";
   request.result(0, "running", progress(1, 5) + R"(,"tests":[)" + test(name, "running", 0) + "]");
-  request.result(2, "failed", R"("tests":[)" + test(name, "failed", 1, step(0, "failed",
-                                                    R"(,"failureReason":"<i>a</i>\r\nb")")) + "]");
+  request.result(
+      2, "failed",
+      R"("tests":[)" +
+          test(name, "failed", 1, step(0, "failed", R"(,"failureReason":"<i>a</i>\r\nb")")) + "]");
   follow();
-  EXPECT_THAT(frames[1],
-              ElementsAre(R"(<b>Sign in</b> 🎉\u001b[2J\u202e (1) · step 0/5 · 1 s)"));
+  EXPECT_THAT(frames[1], ElementsAre(R"(<b>Sign in</b> 🎉\u001b[2J\u202e (1) · step 0/5 · 1 s)"));
   EXPECT_THAT(frames[last],
               ElementsAre(R"(✗ <b>Sign in</b> 🎉\u001b[2J\u202e  1 s  step 0: <i>a</i> b)"));
 }
@@ -230,11 +231,9 @@ TEST_F(LiveViewTest, LeavesNothingBehindWhenTheWindowIsResized) {
   atSecond[3] = [this] { resize(21); };
   atSecond[5] = [this] { resize(72); };
   follow();
-  EXPECT_THAT(frames[2],
-              ElementsAre("✓ Sign in  2 s", "Pay (2/2) · step 1/3 Swipe left · 2 s"));
+  EXPECT_THAT(frames[2], ElementsAre("✓ Sign in  2 s", "Pay (2/2) · step 1/3 Swipe left · 2 s"));
   EXPECT_THAT(frames[4], ElementsAre("✓ Sign in  2 s", "Pay (2/2) · 4 s"));
-  EXPECT_THAT(frames[6],
-              ElementsAre("✓ Sign in  2 s", "Pay (2/2) · step 1/3 Swipe left · 6 s"));
+  EXPECT_THAT(frames[6], ElementsAre("✓ Sign in  2 s", "Pay (2/2) · step 1/3 Swipe left · 6 s"));
   EXPECT_THAT(frames[last], ElementsAre("✓ Sign in  2 s"));
 }
 
@@ -255,9 +254,9 @@ TEST_F(LiveViewTest, FindsItsWayInTenThousandSteps) {
 // Fails when colours run on, or take columns of the line.
 TEST_F(LiveViewTest, ColoursWhatIsWorthIt) {
   colored = true;
-  request.result(0, "passed", R"("tests":[)" + test("A", "passed", 1) + "," +
-                                  test("B", "failed", 1) + "," +
-                                  test("C", "passed", 1, step(0, "healed")) + "]");
+  request.result(0, "passed",
+                 R"("tests":[)" + test("A", "passed", 1) + "," + test("B", "failed", 1) + "," +
+                     test("C", "passed", 1, step(0, "healed")) + "]");
   follow();
   EXPECT_EQ(written,
             "\033[32m✓\033[m A  \033[2m1 s\033[m\r\n\033[31m✗\033[m B  \033[2m1 s\033[m\r\n"

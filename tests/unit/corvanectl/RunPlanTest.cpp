@@ -41,16 +41,17 @@ TEST(RunPlan, FollowsTheTarget) {
 
 TEST(RunPlan, NeedsAProjectThatIsShownInFull) {
   EXPECT_FALSE(describedProject("error:unknown_project\n\nNo project named 'x'."));
-  EXPECT_FALSE(describedProject("Corvane workspace context (updated x).\n\n{\"otherProjects\":[]}"));
+  EXPECT_FALSE(
+      describedProject("Corvane workspace context (updated x).\n\n{\"otherProjects\":[]}"));
   EXPECT_FALSE(describedProject("Corvane workspace context (updated x).\n\n{\"project\":{}}"));
 }
 
 /// Where a live count stands, as test, step and description.
 std::string place(std::int64_t current, std::int64_t total, std::size_t finished) {
   const RunPlan plan{{{"A", {"a0", "a1"}}, {"B", {"b0", "b1", "b2"}}}};
-  const auto step =
-      placeOf({.currentStep = current, .totalSteps = total, .lastStepStatus = {}, .lastStepTitle = {}},
-              finished, &plan);
+  const auto step = placeOf(
+      {.currentStep = current, .totalSteps = total, .lastStepStatus = {}, .lastStepTitle = {}},
+      finished, &plan);
   return (step.test ? step.test->name : "?") + " " + std::to_string(step.index) + "/" +
          std::to_string(step.count) + " " + step.description;
 }
