@@ -61,10 +61,7 @@ class Following {
       session.client().whileWaiting(Seconds(0), {});
       return report(outcome);
     } catch (...) {
-      if (!reported) {
-        leaveOff(std::nullopt);
-        goOrCancel();
-      }
+      if (!reported) depart();
       throw;
     }
   }
@@ -124,6 +121,16 @@ class Following {
     session.client().whileWaiting(Seconds(0), {});
     if (observer) observer->take(events::LeftOff{status}, std::chrono::steady_clock::now());
     console.endProgress();
+  }
+
+  /// Leaves while something is being thrown.
+  void depart() {
+    try {
+      leaveOff(std::nullopt);
+    } catch (...) {
+      // That nobody reads what happens is no reason not to cancel.
+    }
+    goOrCancel();
   }
 
   /// Leaves the request to itself, or cancels it; says which.
