@@ -91,11 +91,12 @@ Follower::Outcome Follower::run() {
 RequestLook Follower::look() {
   const Seconds left = limits.end - watch.now();
   RequestLook look = watch.look(std::clamp<Seconds>(left, Seconds(0), slice));
-  if (isHandover(look))
-    look = {std::string(pendingStatus), Standing::pending, {}, {}, {}};
-  else if (isPending(look))
-    lastPending = watch.now();
-  return look;
+  if (isPending(look)) lastPending = watch.now();
+  if (!isHandover(look)) return look;
+  RequestLook pending;
+  pending.status = pendingStatus;
+  pending.standing = Standing::pending;
+  return pending;
 }
 
 /// Between removing a request and writing its first result the app leaves no trace of it.
