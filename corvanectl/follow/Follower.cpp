@@ -182,7 +182,7 @@ void Follower::startTest(const TestPlace& test) {
   tell(events::TestStarted{test});
 }
 
-void Follower::tell(FollowEvent event) {
+void Follower::tell(const FollowEvent& event) {
   observer.take(event, watch.now());
 }
 

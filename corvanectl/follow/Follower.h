@@ -68,7 +68,7 @@ class Follower {
   void tellTests(const AgentRunResult& result);
   void tellStep(const AgentRunResult& result);
   void startTest(const TestPlace& test);
-  void tell(FollowEvent event);
+  void tell(const FollowEvent& event);
   [[nodiscard]] std::optional<std::size_t> testCount() const;
 
   Request request;

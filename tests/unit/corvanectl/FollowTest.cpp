@@ -300,9 +300,9 @@ TEST(RunAndFollow, ChecksTheFolderBeforeItDispatches) {
 
 // Fails when a reader that has gone keeps the request from being cancelled.
 TEST(Follow, CancelsAlthoughNobodyReads) {
-  const FakeServerScript script(greeted({"expect tools/call", running, "expect tools/call",
-                                         goesOn("building"), "expect tools/call",
-                                         textResult("cancelled")}));
+  const FakeServerScript script(
+      greeted({"expect tools/call", running, "expect tools/call", goesOn("building"),
+               "expect tools/call", textResult("cancelled")}));
   std::array<int, 2> ends{};
   ASSERT_EQ(::pipe(ends.data()), 0);
   ::close(ends[0]);
@@ -310,8 +310,8 @@ TEST(Follow, CancelsAlthoughNobodyReads) {
   if (child == 0) {
     ::dup2(ends[1], STDOUT_FILENO);
     ::close(STDERR_FILENO);
-    becomeCorvanectl({"--server", FakeServerScript::program(), "follow", "ID", "--events",
-                      "--cancel-on-exit"});
+    becomeCorvanectl(
+        {"--server", FakeServerScript::program(), "follow", "ID", "--events", "--cancel-on-exit"});
   }
   ::close(ends[1]);
   EXPECT_EQ(waitForStatus(child), 128 + SIGPIPE);
