@@ -261,7 +261,7 @@ TEST_F(AppRunsTest, CtrlCTellsHowToGoOnOrCancels) {
 TEST_F(AppRunsTest, AnInterruptedRunInJsonHasToldItsId) {
   install(R"("Browse the catalogue":{"outcome":"hold"})");
   const auto run =
-      inPipe(following("Browse the catalogue", {"--json", "--no-build", "--timeout", "2"}));
+      inPipe(following("Browse the catalogue", {"--json", "--no-build", "--timeout", "5"}));
   EXPECT_EQ(run.status, 4);
   EXPECT_EQ(run.output, "");
   const std::string id = idIn(run.errors);
