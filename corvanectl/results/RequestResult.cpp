@@ -25,10 +25,6 @@ std::string counted(std::int64_t count, std::string_view noun) {
   return std::to_string(count) + " " + std::string(noun) + (count == 1 ? "" : "s");
 }
 
-bool isHealed(const Step& step) {
-  return step.healedByAI || step.status == "healed";
-}
-
 bool isWorthTelling(const Step& step) {
   return step.failureReason || step.status == "failed" || isHealed(step);
 }
@@ -67,16 +63,6 @@ std::string stepLines(const Step& step) {
   return text;
 }
 
-std::string testLines(const Test& test) {
-  std::string text = "  " + oneLine(test.status) + "  " + oneLine(test.testName) + "  (" +
-                     counted(static_cast<std::int64_t>(test.steps.size()), "step") + ", " +
-                     displaySeconds(test.durationSeconds) + ")\n";
-  for (const Step& step : test.steps) {
-    if (isWorthTelling(step)) text += stepLines(step);
-  }
-  return text;
-}
-
 std::string authoredLine(const AgentRunResult::AuthoredTestInfo& test) {
   std::string text =
       "  authored  " + oneLine(test.testName) + "  (" + counted(test.stepCount, "step");
@@ -107,14 +93,16 @@ std::string credits(const AgentRunResult& result) {
   return text + "\n";
 }
 
-std::string summarize(const AgentRunResult& result) {
+std::string summarize(const AgentRunResult& result, TestLines tests) {
   std::string text = headline(result);
   if (result.message) text += oneLine(*result.message) + "\n";
   if (result.blocked) text += blockage(*result.blocked);
   for (const auto& issue : result.validationIssues.value_or(std::vector<ValidationIssue>())) {
     text += issueLine(issue);
   }
-  for (const Test& test : result.tests.value_or(std::vector<Test>())) text += testLines(test);
+  if (result.tests && tests == TestLines::shown) {
+    for (const Test& test : *result.tests) text += summarizeTest(test);
+  }
   if (result.authoredTests) {
     for (const auto& test : *result.authoredTests) text += authoredLine(test);
   } else if (result.authoredTest) {
@@ -127,6 +115,20 @@ std::string summarize(const AgentRunResult& result) {
 }
 
 }  // namespace
+
+bool isHealed(const Step& step) {
+  return step.healedByAI || step.status == "healed";
+}
+
+std::string summarizeTest(const Test& test) {
+  std::string text = "  " + oneLine(test.status) + "  " + oneLine(test.testName) + "  (" +
+                     counted(static_cast<std::int64_t>(test.steps.size()), "step") + ", " +
+                     displaySeconds(test.durationSeconds) + ")\n";
+  for (const Step& step : test.steps) {
+    if (isWorthTelling(step)) text += stepLines(step);
+  }
+  return text;
+}
 
 ExitStatus exitStatusOf(std::string_view status) {
   switch (fromRawValue<RunStatus>(status).value_or(RunStatus::error)) {
@@ -145,9 +147,9 @@ ExitStatus exitStatusOf(std::string_view status) {
   }
 }
 
-std::string summarizeResult(std::string_view json, std::string_view status) {
+std::string summarizeResult(std::string_view json, std::string_view status, TestLines tests) {
   try {
-    return summarize(AgentWire::decode<AgentRunResult>(json));
+    return summarize(AgentWire::decode<AgentRunResult>(json), tests);
   } catch (const DecodeError&) {
     return std::string(status).append("\n").append(json).append("\n");
   }

@@ -10,6 +10,9 @@ namespace corvane::ctl {
 /// characters are spelled out, bytes that are not UTF-8 are replaced.
 [[nodiscard]] std::string oneLine(std::string_view text);
 
+/// The most columns that `text`, which is valid UTF-8, takes on any terminal.
+[[nodiscard]] std::size_t widestColumns(std::string_view text);
+
 /// The front of `text`, which is valid UTF-8, that surely fits into `columns` columns, with "…" at
 /// its end when something is left off.
 [[nodiscard]] std::string cutToColumns(std::string_view text, std::size_t columns);

@@ -116,7 +116,7 @@ TEST(Program, CallsTheShortForms) {
   const FakeServerScript script(greeted({"expect tools/call", textResult("ok")}));
   EXPECT_EQ(runWithFakeServer({"health"}).output, "ok");
   EXPECT_EQ(lastParams(script), readJson(R"({"name":"health","arguments":{}})"));
-  EXPECT_EQ(runWithFakeServer({"cancel", "ID"}).output, "ok");
+  EXPECT_EQ(runWithFakeServer({"cancel", "ID"}).output, "ok\n");
   EXPECT_EQ(lastParams(script),
             readJson(R"({"name":"cancel_run","arguments":{"requestId":"ID"}})"));
 }
@@ -125,7 +125,7 @@ TEST(Program, DispatchesARun) {
   const FakeServerScript script(greeted({"expect tools/call", textResult("dispatched")}));
   const auto run = runWithFakeServer({"run", "Shop", "--test", "A", "B", "--no-build"});
   EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.output, "dispatched");
+  EXPECT_EQ(run.output, "dispatched\n");
   EXPECT_EQ(lastParams(script),
             readJson(R"({"name":"run_test","arguments":{"buildFirst":false,"projectName":"Shop",)"
                      R"("testNames":["A","B"]}})"));
