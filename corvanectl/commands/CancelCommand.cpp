@@ -1,5 +1,6 @@
 #include "corvanectl/commands/CancelCommand.h"
 
+#include "corvanectl/answers/RequestIds.h"
 #include "corvanectl/commands/CallCommand.h"
 #include "corvanectl/commands/Options.h"
 
@@ -15,11 +16,13 @@ void CancelCommand::addOptions(CLI::App& app) {
 }
 
 ExitStatus CancelCommand::execute(CommandContext& context) const {
+  Session session(context);
+  const std::string id = wholeRequestId(requestId, session);
   return callAndPrint({.tool = "cancel_run",
-                       .arguments = AnyCodable::Object{{"requestId", requestId}},
+                       .arguments = AnyCodable::Object{{"requestId", id}},
                        .json = json,
                        .pictures = {}},
-                      context);
+                      session, context);
 }
 
 }  // namespace corvane::ctl

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "CorvaneCore/results/AnswerTexts.h"
+#include "corvanectl/answers/RequestIds.h"
 #include "corvanectl/commands/Options.h"
 #include "corvanectl/commands/ResultOutput.h"
 #include "corvanectl/results/RequestResult.h"
@@ -166,7 +167,9 @@ void FollowCommand::addOptions(CLI::App& app) {
 ExitStatus FollowCommand::execute(CommandContext& context) const {
   const Deadline end = followEnd(context.options);
   Session session(context);
-  return follow(options, session, end, context);
+  FollowOptions followed = options;
+  followed.requestId = wholeRequestId(options.requestId, session);
+  return follow(followed, session, end, context);
 }
 
 }  // namespace corvane::ctl
