@@ -24,7 +24,7 @@ void examineThroughServer(CommandContext& context, Findings& findings) {
   std::ranges::move(checkFolders(places), std::back_inserter(findings));
   findings.push_back(checkApp(places));
   findings.push_back(checkRunningApp(session));
-  findings.push_back(checkWorkspace(session));
+  findings.push_back(checkWorkspace(session, places));
   findings.push_back(checkWaitingRequests(places));
   findings.push_back(checkLog(places));
 }

@@ -19,14 +19,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// `path` as a word of a shell's command.
-std::string shellWord(const fs::path& path) {
-  std::string word = "'";
-  for (const char c : displayPath(path))
-    word += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return word + "'";
-}
-
 /// What is wrong with a folder and how it is mended; nothing when it is well or not there yet.
 std::optional<Finding> faultOf(const fs::path& folder) {
   constexpr auto check = "folders";
@@ -108,7 +100,8 @@ Finding checkWaitingRequests(const HealthAnswer& places) {
       std::to_string(waiting.size()) + (waiting.size() == 1 ? " request waits" : " requests wait") +
           " to be picked up, for up to " + displaySeconds(static_cast<double>(longest.count())) +
           ": " + oneLine(id) + (waiting.size() == 1 ? "" : ", ..."),
-      "open Corvane.app" + (parseRequestId(id) ? ", or: corvanectl cancel " + id : std::string()));
+      commandToStart(places) +
+          (parseRequestId(id) ? " or: corvanectl cancel " + id : std::string()));
 }
 
 Finding checkLog(const HealthAnswer& places) {

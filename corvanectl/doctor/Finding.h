@@ -12,7 +12,7 @@ struct Finding {
   bool well = false;
   /// What was found, in a sentence without its full stop.
   std::string text;
-  /// The command that mends it, or what to do where no command does; empty when nothing is wrong.
+  /// The command that mends it; empty when nothing is wrong.
   std::string mend;
 };
 

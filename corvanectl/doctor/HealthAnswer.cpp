@@ -1,12 +1,13 @@
 #include "corvanectl/doctor/HealthAnswer.h"
 
+#include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/text/Unicode.h"
 
 namespace corvane::ctl {
 
 namespace {
 
-/// What stands behind "  label:" on its line; nothing for an absolute path's absence.
+/// The path behind "  label:" on its line; nothing where there is none.
 std::optional<std::filesystem::path> pathBehind(std::string_view label, std::string_view answer) {
   const std::size_t begin = answer.find("\n  " + std::string(label) + ":");
   if (begin == std::string_view::npos) return std::nullopt;
@@ -17,6 +18,19 @@ std::optional<std::filesystem::path> pathBehind(std::string_view label, std::str
 }
 
 }  // namespace
+
+std::string shellWord(const std::filesystem::path& path) {
+  std::string word = "'";
+  for (const char c : displayPath(path)) {
+    word += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  }
+  return word + "'";
+}
+
+std::string commandToStart(const HealthAnswer& places) {
+  if (!places.app) return "ln -s /path/to/Corvane.app ~/Applications/";
+  return shellWord(*places.app / "Contents" / "MacOS" / "Corvane") + " &";
+}
 
 HealthAnswer readHealth(std::string_view answer) {
   return {.app = pathBehind("Corvane.app", answer),

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace corvane::ctl {
@@ -14,6 +15,12 @@ struct HealthAnswer {
   std::optional<std::filesystem::path> results;
   std::optional<std::filesystem::path> log;
 };
+
+/// The command that starts the app, or puts it into its place where it is not found.
+[[nodiscard]] std::string commandToStart(const HealthAnswer& places);
+
+/// `path` as a word of a shell's command.
+[[nodiscard]] std::string shellWord(const std::filesystem::path& path);
 
 [[nodiscard]] HealthAnswer readHealth(std::string_view answer);
 

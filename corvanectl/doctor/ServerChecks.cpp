@@ -26,7 +26,7 @@ Finding checkApp(const HealthAnswer& places) {
   constexpr auto check = "app";
   if (places.app) return well(check, "Corvane.app is " + displayPath(*places.app));
   return wrong(check, "Corvane.app is in none of the places where the server looks",
-               "put it, or a link to it, into /Applications or ~/Applications");
+               commandToStart(places));
 }
 
 Finding checkRunningApp(Session& session) {
@@ -45,13 +45,14 @@ Finding checkRunningApp(Session& session) {
                                   displaySeconds(static_cast<double>(*silence))
                             : std::string("nothing has been heard of it in this home")) +
                    ": it hangs, or belongs to another home or user",
-               "quit that Corvane.app, then: corvanectl doctor");
+               "pkill -f Corvane.app/Contents/MacOS/Corvane");
 }
 
-Finding checkWorkspace(Session& session) {
+Finding checkWorkspace(Session& session, const HealthAnswer& places) {
   constexpr auto check = "workspace";
   constexpr std::chrono::hours fresh{24};
-  const std::string mend = "open Corvane.app; it publishes the workspace when it starts";
+  // The app publishes it when it starts.
+  const std::string mend = commandToStart(places);
   try {
     const ProjectAnswer answer = askProject(session);
     const auto date = answer.updatedAt ? parseDate(*answer.updatedAt) : std::nullopt;

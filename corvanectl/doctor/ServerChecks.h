@@ -19,6 +19,6 @@ namespace corvane::ctl {
 [[nodiscard]] Finding checkRunningApp(Session& session);
 
 /// Whether the app has published its workspace, and of late. Throws what Session::callTool throws.
-[[nodiscard]] Finding checkWorkspace(Session& session);
+[[nodiscard]] Finding checkWorkspace(Session& session, const HealthAnswer& places);
 
 }  // namespace corvane::ctl

@@ -70,14 +70,16 @@ TEST_F(DoctorTest, TellsThatTheAppIsNotThere) {
   fs::remove(home.home().path() / "Applications" / "Corvane.app");
   const auto run = home.run({"doctor"});
   EXPECT_EQ(run.status, 1);
-  EXPECT_NE(
-      run.output.find("✗ Corvane.app is in none of the places where the server looks\n    put "
-                      "it, or a link to it, into /Applications or ~/Applications\n"),
-      std::string::npos)
+  EXPECT_NE(run.output.find("✗ Corvane.app is in none of the places where the server looks\n    ln "
+                            "-s /path/to/Corvane.app ~/Applications/\n"),
+            std::string::npos)
       << run.output;
-  EXPECT_EQ(finding("workspace"),
-            "wrong: Corvane.app has not published its workspace | open Corvane.app; it publishes "
-            "the workspace when it starts");
+}
+
+TEST_F(DoctorTest, TellsThatThereIsNoWorkspace) {
+  EXPECT_EQ(finding("workspace"), "wrong: Corvane.app has not published its workspace | '" +
+                                      home.home().path().string() +
+                                      "/Applications/Corvane.app/Contents/MacOS/Corvane' &");
 }
 
 // Fails when the day is longer than a day.
@@ -95,8 +97,8 @@ TEST_F(DoctorTest, TellsOfAnAppThatServesAnotherHome) {
   other.startApp(&home);
   EXPECT_EQ(finding("running"),
             "wrong: A Corvane.app is running, but nothing has been heard of it in this home: it "
-            "hangs, or belongs to another home or user | quit that Corvane.app, then: corvanectl "
-            "doctor");
+            "hangs, or belongs to another home or user | pkill -f "
+            "Corvane.app/Contents/MacOS/Corvane");
 }
 
 TEST_F(DoctorTest, TellsOfRequestsThatNobodyTakes) {
@@ -105,8 +107,10 @@ TEST_F(DoctorTest, TellsOfRequestsThatNobodyTakes) {
   writeOld(file, "{}", std::chrono::seconds(30));
   EXPECT_EQ(finding("requests"), "well: No request waits to be picked up");
   writeOld(file, "{}", std::chrono::seconds(125));
-  EXPECT_EQ(finding("requests"), "wrong: 1 request waits to be picked up, for up to 2 min 5 s: " +
-                                     id + " | open Corvane.app, or: corvanectl cancel " + id);
+  EXPECT_EQ(finding("requests"),
+            "wrong: 1 request waits to be picked up, for up to 2 min 5 s: " + id + " | '" +
+                home.home().path().string() +
+                "/Applications/Corvane.app/Contents/MacOS/Corvane' & or: corvanectl cancel " + id);
 }
 
 // Fails when the folder of results is not looked at.

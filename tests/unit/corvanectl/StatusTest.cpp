@@ -60,8 +60,7 @@ TEST(Status, IsDrawnOverOnATerminal) {
       terminal.start({"--server", FakeServerScript::program(), "status", "--watch"});
   const std::string shown = terminal.readUntil("At work: nothing");
   // Each line keeps to the terminal's width, so that the cursor finds the first of them again.
-  EXPECT_NE(shown.find("A run that no request asked for is goi…\r\n"), std::string::npos)
-      << shown;
+  EXPECT_NE(shown.find("A run that no request asked for is goi…\r\n"), std::string::npos) << shown;
   EXPECT_NE(
       shown.find("r1       active  run\\u001b[1m\r\n\033[9A\r\033[JCorvane.app is running, but"),
       std::string::npos)
