@@ -1,10 +1,13 @@
 #include <algorithm>
 
+#include "corvanectl/terminal/ShellWord.h"
 #include "manual/ShellScan.h"
 
 namespace corvane::manual {
 
 namespace {
+
+using ctl::shellWord;
 
 /// What fish is to complete a value of this kind with.
 std::string valuesOf(const std::string& program, const std::string& kind) {

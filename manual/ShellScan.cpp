@@ -1,8 +1,12 @@
 #include "manual/ShellScan.h"
 
+#include "corvanectl/terminal/ShellWord.h"
+
 namespace corvane::manual {
 
 namespace {
+
+using ctl::shellWord;
 
 /// A branch for each option that takes a value, under the command it belongs to.
 std::string valueBranches(const std::vector<Option>& options, const std::string& command) {
@@ -50,12 +54,6 @@ std::string optionBranches(const ProgramManual& program) {
 }
 
 }  // namespace
-
-std::string shellWord(std::string_view text) {
-  std::string word = "'";
-  for (const char c : text) word += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return word + "'";
-}
 
 std::string listingOf(std::string_view kind) {
   if (kind == "PROJECT") return "names projects";

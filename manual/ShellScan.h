@@ -21,9 +21,6 @@ struct ShellScan {
   [[nodiscard]] std::string script(const ProgramManual& program) const;
 };
 
-/// `text` as one word of a shell.
-[[nodiscard]] std::string shellWord(std::string_view text);
-
 /// The command line that lists the values of a kind, "names tests \"$project\""; empty for a kind
 /// that has none.
 [[nodiscard]] std::string listingOf(std::string_view kind);

@@ -1,8 +1,11 @@
+#include "corvanectl/terminal/ShellWord.h"
 #include "manual/ShellScan.h"
 
 namespace corvane::manual {
 
 namespace {
+
+using ctl::shellWord;
 
 /// An entry of zsh's _describe.
 std::string described(const std::string& name, const std::string& description) {

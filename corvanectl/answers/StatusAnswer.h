@@ -32,6 +32,8 @@ struct StatusAnswer {
   std::optional<AgentActivity> activity;
   /// How long ago that was.
   std::optional<std::int64_t> secondsSinceHeartbeat;
+  /// An app that lives is heard of more often than this, every 20 seconds or so.
+  static constexpr std::int64_t longestSilence = 90;
   /// What the app has in hand or in its queue and the five results that changed last: the most
   /// recent request first, as far as can be told. Work of an app that is gone comes last.
   std::vector<KnownRequest> requests;

@@ -14,9 +14,6 @@ namespace {
 
 using Place = KnownRequest::Place;
 
-/// The app that lives is heard of every 20 seconds or so.
-constexpr std::int64_t longestSilence = 90;
-
 std::string placeOf(const KnownRequest& request, bool appRunning) {
   if (!appRunning || request.place == Place::ended) return request.status;
   if (request.place == Place::queued) return "queued";
@@ -42,7 +39,7 @@ std::string appLine(const StatusAnswer& status) {
     return "Corvane.app is running, but it has not told here what it does ('corvanectl doctor').\n";
   }
   const auto silence = status.secondsSinceHeartbeat.value_or(0);
-  if (silence <= longestSilence) return "Corvane.app is running.\n";
+  if (silence <= StatusAnswer::longestSilence) return "Corvane.app is running.\n";
   return "Corvane.app is running, but has not been heard of for " +
          displaySeconds(static_cast<double>(silence)) +
          ": it may hang, or belong to another home ('corvanectl doctor').\n";

@@ -12,12 +12,17 @@
 #include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/text/Uuid.h"
 #include "corvanectl/terminal/DisplayText.h"
+#include "corvanectl/terminal/ShellWord.h"
 
 namespace corvane::ctl {
 
 namespace {
 
 namespace fs = std::filesystem;
+
+std::string quotedPath(const fs::path& path) {
+  return shellWord(displayPath(path));
+}
 
 /// What is wrong with a folder and how it is mended; nothing when it is well or not there yet.
 std::optional<Finding> faultOf(const fs::path& folder) {
@@ -26,23 +31,23 @@ std::optional<Finding> faultOf(const fs::path& folder) {
   if (::stat(folder.c_str(), &status) != 0) {
     if (errno == ENOENT) return std::nullopt;
     return wrong(check, displayPath(folder) + ": " + std::strerror(errno),
-                 "ls -ld " + shellWord(folder));
+                 "ls -ld " + quotedPath(folder));
   }
   if (!S_ISDIR(status.st_mode)) {
     return wrong(check, displayPath(folder) + " is no folder",
-                 "mv " + shellWord(folder) + " " + shellWord(folder.native() + ".old"));
+                 "mv " + quotedPath(folder) + " " + quotedPath(folder.native() + ".old"));
   }
   if (status.st_uid != ::getuid()) {
     return wrong(check, displayPath(folder) + " belongs to another user",
-                 "sudo chown -R \"$USER\" " + shellWord(folder));
+                 "sudo chown -R \"$USER\" " + quotedPath(folder));
   }
   if (::access(folder.c_str(), R_OK | W_OK | X_OK) != 0) {
     return wrong(check, displayPath(folder) + " cannot be written: " + std::strerror(errno),
-                 "chmod 700 " + shellWord(folder));
+                 "chmod 700 " + quotedPath(folder));
   }
   if ((status.st_mode & (S_IRWXG | S_IRWXO)) != 0) {
     return wrong(check, displayPath(folder) + " is open to other users",
-                 "chmod 700 " + shellWord(folder));
+                 "chmod 700 " + quotedPath(folder));
   }
   return std::nullopt;
 }
@@ -114,13 +119,13 @@ Finding checkLog(const HealthAnswer& places) {
   if (!stamp) return well(check, "The log has not been begun");
   if (::access(places.log->c_str(), W_OK) != 0) {
     return wrong(check, displayPath(*places.log) + " cannot be written: " + std::strerror(errno),
-                 "chmod 600 " + shellWord(*places.log));
+                 "chmod 600 " + quotedPath(*places.log));
   }
   if (stamp->size > surelyRotated) {
     return wrong(check,
                  displayPath(*places.log) + " has grown to " + std::to_string(stamp->size >> 20U) +
                      " MiB and is not rotated",
-                 "mv " + shellWord(*places.log) + " " + shellWord(places.log->native() + ".old"));
+                 "mv " + quotedPath(*places.log) + " " + quotedPath(places.log->native() + ".old"));
   }
   return well(check, "The log is written and rotated: " + displayPath(*places.log));
 }

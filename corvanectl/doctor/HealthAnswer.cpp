@@ -2,6 +2,7 @@
 
 #include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/text/Unicode.h"
+#include "corvanectl/terminal/ShellWord.h"
 
 namespace corvane::ctl {
 
@@ -19,17 +20,9 @@ std::optional<std::filesystem::path> pathBehind(std::string_view label, std::str
 
 }  // namespace
 
-std::string shellWord(const std::filesystem::path& path) {
-  std::string word = "'";
-  for (const char c : displayPath(path)) {
-    word += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  }
-  return word + "'";
-}
-
 std::string commandToStart(const HealthAnswer& places) {
   if (!places.app) return "ln -s /path/to/Corvane.app ~/Applications/";
-  return shellWord(*places.app / "Contents" / "MacOS" / "Corvane") + " &";
+  return shellWord(displayPath(*places.app / "Contents" / "MacOS" / "Corvane")) + " &";
 }
 
 HealthAnswer readHealth(std::string_view answer) {

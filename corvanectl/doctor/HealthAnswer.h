@@ -19,9 +19,6 @@ struct HealthAnswer {
 /// The command that starts the app, or puts it into its place where it is not found.
 [[nodiscard]] std::string commandToStart(const HealthAnswer& places);
 
-/// `path` as a word of a shell's command.
-[[nodiscard]] std::string shellWord(const std::filesystem::path& path);
-
 [[nodiscard]] HealthAnswer readHealth(std::string_view answer);
 
 }  // namespace corvane::ctl

@@ -31,12 +31,10 @@ Finding checkApp(const HealthAnswer& places) {
 
 Finding checkRunningApp(Session& session) {
   constexpr auto check = "running";
-  // It is heard of every 20 seconds or so.
-  constexpr std::int64_t longestSilence = 90;
   const StatusAnswer status = askStatus(session);
   if (!status.appRunning) return well(check, "Corvane.app is not running; a run starts it");
   const auto silence = status.secondsSinceHeartbeat;
-  if (silence && *silence <= longestSilence) {
+  if (silence && *silence <= StatusAnswer::longestSilence) {
     return well(check, "Corvane.app is running, for this home");
   }
   return wrong(check,

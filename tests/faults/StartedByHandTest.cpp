@@ -2,12 +2,10 @@
 #include <stdlib.h>
 #include <termios.h>
 
-#include <array>
-#include <cstdio>
-#include <memory>
 #include <string>
 
 #include "tests/faults/FaultTest.h"
+#include "tests/support/ShellOutput.h"
 
 namespace corvane::testing {
 namespace {
@@ -19,14 +17,7 @@ class StartedByHandTest : public FaultTest {
   [[nodiscard]] std::string answerTo(const std::string& argument) const {
     const std::string line = "HOME='" + home.path().string() + "' '" + program().string() + "' " +
                              argument + " </dev/null 2>&1; echo \"status $?\"";
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(::popen(line.c_str(), "r"),
-                                                               &::pclose);
-    std::string text;
-    std::array<char, 4096> chunk;
-    while (const std::size_t count = std::fread(chunk.data(), 1, chunk.size(), pipe.get())) {
-      text.append(chunk.data(), count);
-    }
-    return text;
+    return shellOutput(line);
   }
 };
 

@@ -1,27 +1,19 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <array>
-#include <cstdio>
 #include <filesystem>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "CorvaneCore/files/Files.h"
 #include "StandInHome.h"
+#include "corvanectl/terminal/ShellWord.h"
+#include "tests/support/ShellOutput.h"
 
 namespace corvane::testing {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// `text` as one word of a shell.
-std::string word(std::string_view text) {
-  std::string quoted = "'";
-  for (const char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return quoted + "'";
-}
 
 bool isInstalled(const std::string& program) {
   return ::access(("/usr/bin/" + program).c_str(), X_OK) == 0;
@@ -43,26 +35,20 @@ class CompletionTest : public ::testing::Test {
   [[nodiscard]] std::string output(const std::vector<std::string>& shell,
                                    const std::string& script) const {
     std::string line = "env -i";
-    for (const auto& variable : home.environment()) line += " " + word(variable);
+    for (const auto& variable : home.environment()) line += " " + ctl::shellWord(variable);
     const std::string programs = fs::path(CORVANECTL_PROGRAM).parent_path();
-    line += " PATH=" + word(programs + ":/usr/bin:/bin") + " TERM=dumb";
-    for (const auto& each : shell) line += " " + word(each);
-    line += " -c " + word(script) + " 2>/dev/null";
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(::popen(line.c_str(), "r"),
-                                                               &::pclose);
-    std::string text;
-    std::array<char, 4096> chunk;
-    while (const std::size_t count = std::fread(chunk.data(), 1, chunk.size(), pipe.get())) {
-      text.append(chunk.data(), count);
-    }
-    return text;
+    line += " PATH=" + ctl::shellWord(programs + ":/usr/bin:/bin") + " TERM=dumb";
+    for (const auto& each : shell) line += " " + ctl::shellWord(each);
+    line += " -c " + ctl::shellWord(script) + " 2>/dev/null";
+    return shellOutput(line);
   }
 
   /// What bash would complete the last of these words with, a line each.
   [[nodiscard]] std::string inBash(const std::vector<std::string>& words) const {
-    std::string script = "source " + word(MANUAL_SHARE "/bash-completion/completions/corvanectl") +
+    std::string script = "source " +
+                         ctl::shellWord(MANUAL_SHARE "/bash-completion/completions/corvanectl") +
                          "; COMP_WORDS=(corvanectl";
-    for (const auto& each : words) script += " " + word(each);
+    for (const auto& each : words) script += " " + ctl::shellWord(each);
     return output({"bash", "--norc"}, script + "); COMP_CWORD=" + std::to_string(words.size()) +
                                           "; _corvanectl; printf '%s\\n' \"${COMPREPLY[@]}\"");
   }
@@ -92,18 +78,20 @@ TEST_F(CompletionTest, BashCompletesNames) {
 }
 
 TEST_F(CompletionTest, BashIsToldWhatToComplete) {
-  EXPECT_EQ(output({"bash", "--norc"},
-                   "source " + word(MANUAL_SHARE "/bash-completion/completions/corvanectl") +
-                       "; complete -p corvanectl"),
-            "complete -F _corvanectl corvanectl\n");
+  EXPECT_EQ(
+      output({"bash", "--norc"},
+             "source " + ctl::shellWord(MANUAL_SHARE "/bash-completion/completions/corvanectl") +
+                 "; complete -p corvanectl"),
+      "complete -F _corvanectl corvanectl\n");
 }
 
 TEST_F(CompletionTest, FishCompletesWhatTheLineBegins) {
   if (!isInstalled("fish")) GTEST_SKIP() << "needs fish";
   const auto inFish = [this](const std::string& line) {
     return output({"fish", "--no-config"},
-                  "source " + word(MANUAL_SHARE "/fish/vendor_completions.d/corvanectl.fish") +
-                      "; complete -C " + word(line) + " | string replace -r '\\t.*' ''");
+                  "source " +
+                      ctl::shellWord(MANUAL_SHARE "/fish/vendor_completions.d/corvanectl.fish") +
+                      "; complete -C " + ctl::shellWord(line) + " | string replace -r '\\t.*' ''");
   };
   EXPECT_EQ(inFish("corvanectl st"), "status\n");
   EXPECT_EQ(inFish("corvanectl show --p"), "--pictures\n");
@@ -127,7 +115,7 @@ TEST_F(CompletionTest, ZshCompletesWhatTheLineBegins) {
                       "bindkey '^X' show; print rea''dy\"; "
                       "zpty -r z text '*ready*'; "
                       "zpty -w -n z " +
-                      word(line) +
+                      ctl::shellWord(line) +
                       "$'\\t\\x18'; zpty -r z text '*<*>*'; "
                       "print -r -- ${${text##*<}%%>*}");
   };
@@ -145,7 +133,8 @@ TEST_F(CompletionTest, ManualPagesAreSound) {
     const std::string text = readFile(page);
     EXPECT_NE(text.find(".SH NAME\n"), std::string::npos) << name;
     if (!isInstalled("mandoc")) continue;
-    EXPECT_EQ(output({"sh"}, "mandoc -T lint -W warning " + word(page.string()) + " 2>&1"), "");
+    EXPECT_EQ(
+        output({"sh"}, "mandoc -T lint -W warning " + ctl::shellWord(page.string()) + " 2>&1"), "");
   }
   const std::string client = readFile(fs::path(MANUAL_SHARE) / "man" / "man1" / "corvanectl.1");
   for (const char* told : {"doctor", "\\-\\-pictures", "\\-\\-unchecked", ".SH EXIT STATUS"}) {
