@@ -2,13 +2,31 @@
 
 #include <csignal>
 
+#include "corvane_mcp/program/ProgramHelp.h"
 #include "corvane_mcp/server/MCPServer.h"
 #include "corvane_mcp/server/StandardStreams.h"
 #include "corvane_mcp/tools/Tools.h"
 
 using namespace corvane;
 
+namespace {
+
+/// Answers a person who started the program by hand; true when that was all that was asked.
+bool answerPerson(int argumentCount, char** arguments) {
+  const auto answer =
+      argumentCount == 2 ? ProgramHelp::answerTo(arguments[1]) : std::optional<std::string>();
+  if (answer) {
+    writeWhole(STDOUT_FILENO, *answer, WhenFull::wait);
+  } else if (::isatty(STDIN_FILENO) == 1) {
+    writeWhole(STDERR_FILENO, ProgramHelp::wordsOnTerminal(), WhenFull::giveUp);
+  }
+  return answer.has_value();
+}
+
+}  // namespace
+
 int main(int argumentCount, char** arguments) {
+  if (answerPerson(argumentCount, arguments)) return 0;
   MessageWriter writer(claimStandardOutput());
   // A reader that goes away must not end the process; what is written to it is dropped. Nor must a
   // file that may not grow any further; the write fails and is reported.

@@ -16,31 +16,13 @@
 #include "corvane_standin/StandIn.h"
 #include "corvane_standin/program/Environment.h"
 #include "corvane_standin/program/Instance.h"
+#include "corvane_standin/program/Options.h"
 
 namespace {
 
 using namespace corvane;
 using namespace corvane::standin;
 using namespace std::chrono_literals;
-
-struct Options {
-  bool quit = false;
-  std::optional<double> stepSeconds;
-  std::optional<double> buildSeconds;
-  std::optional<double> heartbeatSeconds;
-  std::optional<double> coldStartSeconds;
-};
-
-void declareOptions(CLI::App& program, Options& options) {
-  program.add_flag("--quit", options.quit,
-                   "Ask the instance of this home to stop and wait until it is gone");
-  program.add_option("--step-seconds", options.stepSeconds, "How long a test step takes");
-  program.add_option("--build-seconds", options.buildSeconds, "How long a build takes");
-  program.add_option("--heartbeat-seconds", options.heartbeatSeconds,
-                     "The longest a result in hand goes without being refreshed");
-  program.add_option("--cold-start-seconds", options.coldStartSeconds,
-                     "From the start to the moment requests are taken up");
-}
 
 StandInSettings overriddenBy(const Options& options, StandInSettings settings) {
   settings.stepSeconds = options.stepSeconds.value_or(settings.stepSeconds);
@@ -121,9 +103,9 @@ int run(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  CLI::App program("A stand-in for Corvane.app that fulfils its half of the shared files");
+  CLI::App program(programDescription);
   Options options;
-  declareOptions(program, options);
+  options.addTo(program);
   CLI11_PARSE(program, argc, argv);
   try {
     return run(options);

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include "corvanectl/CommandLine.h"
+#include "corvanectl/answers/ToolRefusal.h"
 #include "corvanectl/protocol/McpClient.h"
 #include "corvanectl/terminal/DisplayText.h"
 
@@ -62,6 +63,8 @@ ExitStatus runProgram(const Invocation& invocation, Console& console, Interrupti
     throw;
   } catch (const UsageError& error) {
     return fail(error, ExitStatus::usage);
+  } catch (const ToolRefusal& error) {
+    return fail(error, ExitStatus::failure);
   } catch (const RpcError& error) {
     // The server is well, and has said all there is to say.
     return fail(error, ExitStatus::failure);

@@ -6,6 +6,7 @@
 
 #include "CorvaneCore/json/AnyCodable.h"
 #include "CorvaneCore/json/JsonScalars.h"
+#include "CorvaneCore/json/JsonSyntaxError.h"
 #include "CorvaneCore/json/JsonWriter.h"
 
 namespace corvane {
@@ -30,18 +31,27 @@ constexpr bool isJsonSpace(char byte) {
 
 }  // namespace
 
+namespace {
+
+[[noreturn]] void failAt(std::size_t offset) {
+  throw JsonSyntaxError("not valid JSON: unexpected text at byte " + std::to_string(offset),
+                        offset);
+}
+
+}  // namespace
+
 void JsonCursor::failHere() const {
-  if (next == end) throw DecodeError("not valid JSON: the text ends too early");
-  throw DecodeError("not valid JSON: unexpected text at byte " + std::to_string(*next));
+  if (next == end) throw JsonSyntaxError("not valid JSON: the text ends too early", text.size());
+  failAt(*next);
 }
 
 void JsonCursor::failScalar(std::string_view token, std::size_t begin) {
-  const std::string place = std::to_string(begin);
   if (token.find_first_of("0123456789") <= 1) {
-    throw DecodeError("not valid JSON: the number at byte " + place +
-                      " is malformed or beyond the range of a double");
+    throw JsonSyntaxError("not valid JSON: the number at byte " + std::to_string(begin) +
+                              " is malformed or beyond the range of a double",
+                          begin);
   }
-  throw DecodeError("not valid JSON: unexpected text at byte " + place);
+  failAt(begin);
 }
 
 std::string_view JsonCursor::takeToken() noexcept {

@@ -16,7 +16,7 @@
 #include "CorvaneCore/results/AnswerTexts.h"
 #include "corvanectl/commands/Options.h"
 #include "corvanectl/commands/ResultOutput.h"
-#include "corvanectl/commands/Session.h"
+#include "corvanectl/json/JsonFault.h"
 
 namespace corvane::ctl {
 
@@ -54,6 +54,13 @@ std::string readSource(std::string_view source, Interruption& interruption) {
   }
 }
 
+/// What a message calls the source.
+std::string nameOf(std::string_view source) {
+  if (source == "-") return "standard input";
+  if (!source.starts_with('@')) return "ARGUMENTS";
+  return displayPath(std::filesystem::path(source.substr(1)));
+}
+
 /// How long a tool may wait before it answers, told by the argument that asks it to.
 Seconds waitingTime(const std::optional<AnyCodable::Object>& arguments) {
   const AnyCodable* asked = arguments ? arguments->find("waitSeconds") : nullptr;
@@ -72,14 +79,16 @@ AnyCodable::Object readToolArguments(std::string_view source, Interruption& inte
       return std::move(*object);
     }
   } catch (const DecodeError& error) {
-    throw UsageError(std::string("the arguments cannot be used: ") + error.what());
+    throw UsageError(nameOf(source) + ", " + describePlace(text, faultIn(text, error)) + ": " +
+                     error.what());
   }
-  throw UsageError("the arguments must be a JSON object, like {\"projectName\":\"Shop\"}");
+  throw UsageError(
+      nameOf(source) +
+      " must hold a JSON object, like {\"projectName\":\"Shop\"}; it holds another value");
 }
 
-ExitStatus callAndPrint(ToolCall call, CommandContext& context) {
+ExitStatus callAndPrint(ToolCall call, Session& session, CommandContext& context) {
   const Seconds waiting = waitingTime(call.arguments);
-  Session session(context);
   const AnyCodable answer = session.callTool(call.tool, std::move(call.arguments), waiting);
   const ToolResult result = ToolResult::from(answer);
   if (call.json) {
@@ -108,7 +117,8 @@ void CallCommand::addOptions(CLI::App& app) {
 ExitStatus CallCommand::execute(CommandContext& context) const {
   ToolCall call{.tool = tool, .arguments = {}, .json = json, .pictures = pictures};
   if (!withoutArguments) call.arguments = readToolArguments(arguments, context.interruption);
-  return callAndPrint(std::move(call), context);
+  Session session(context);
+  return callAndPrint(std::move(call), session, context);
 }
 
 }  // namespace corvane::ctl

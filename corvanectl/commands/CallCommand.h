@@ -7,6 +7,7 @@
 
 #include "CorvaneCore/json/AnyCodable.h"
 #include "corvanectl/commands/Command.h"
+#include "corvanectl/commands/Session.h"
 
 namespace corvane::ctl {
 
@@ -21,7 +22,7 @@ struct ToolCall {
 };
 
 /// Calls a tool and prints its answer. Throws what commands throw.
-ExitStatus callAndPrint(ToolCall call, CommandContext& context);
+ExitStatus callAndPrint(ToolCall call, Session& session, CommandContext& context);
 
 /// Calls one tool.
 class CallCommand final : public Command {

@@ -2,6 +2,7 @@
 
 #include "CorvaneCore/json/JsonWriter.h"
 #include "CorvaneCore/results/AnswerTexts.h"
+#include "corvanectl/answers/RequestIds.h"
 #include "corvanectl/commands/Options.h"
 #include "corvanectl/commands/ResultOutput.h"
 #include "corvanectl/commands/Session.h"
@@ -35,10 +36,10 @@ void CancelCommand::addOptions(CLI::App& app) {
 
 ExitStatus CancelCommand::execute(CommandContext& context) const {
   Session session(context);
-  const AnyCodable answer =
-      session.callTool("cancel_run", AnyCodable::Object{{"requestId", requestId}});
+  const std::string id = wholeRequestId(requestId, session);
+  const AnyCodable answer = session.callTool("cancel_run", AnyCodable::Object{{"requestId", id}});
   const ToolResult result = ToolResult::from(answer);
-  context.console.print(json ? toJson(answer) + "\n" : forPerson(result.firstText(), requestId));
+  context.console.print(json ? toJson(answer) + "\n" : forPerson(result.firstText(), id));
   return exitStatusOf(result);
 }
 

@@ -21,6 +21,8 @@ class Command {
     std::string_view description;
     /// Whole lines, indented by two blanks.
     std::string_view examples;
+    /// Whether it is for other programs, so that nothing tells a person of it.
+    bool hidden = false;
   };
 
   virtual ~Command() = default;

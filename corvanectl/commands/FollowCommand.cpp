@@ -1,5 +1,6 @@
 #include "corvanectl/commands/FollowCommand.h"
 
+#include "corvanectl/answers/RequestIds.h"
 #include "corvanectl/commands/Following.h"
 #include "corvanectl/commands/Options.h"
 
@@ -27,7 +28,7 @@ ExitStatus FollowCommand::execute(CommandContext& context) const {
   options.checkOutputs();
   const Deadline end = FollowOptions::end(context.options);
   Session session(context);
-  return follow({.id = requestId}, options, session, end, context);
+  return follow({.id = wholeRequestId(requestId, session)}, options, session, end, context);
 }
 
 }  // namespace corvane::ctl

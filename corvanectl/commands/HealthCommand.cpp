@@ -14,8 +14,10 @@ void HealthCommand::addOptions(CLI::App& app) {
 }
 
 ExitStatus HealthCommand::execute(CommandContext& context) const {
+  Session session(context);
   return callAndPrint(
-      {.tool = "health", .arguments = AnyCodable::Object(), .json = json, .pictures = {}}, context);
+      {.tool = "health", .arguments = AnyCodable::Object(), .json = json, .pictures = {}}, session,
+      context);
 }
 
 }  // namespace corvane::ctl

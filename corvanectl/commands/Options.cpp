@@ -1,19 +1,41 @@
 #include "corvanectl/commands/Options.h"
 
+#include <cstdlib>
+
+#include "CorvaneCore/json/JsonScalars.h"
+#include "corvanectl/terminal/DisplayText.h"
+
 namespace corvane::ctl {
 
 namespace {
 
-/// Enough for any list of names. Naming a limit also keeps CLI11 from taking a value in brackets
-/// apart, as it does for lists without one.
+/// Enough for any list of names.
 constexpr int manyValues = 10000;
+
+constexpr char guard = '\1';
+constexpr std::string_view guarded = "[{\1";
+
+/// Refuses a value unless `fits`, saying what it should be.
+CLI::Validator expecting(std::string what, bool (*fits)(const std::string&)) {
+  return {[what = std::move(what), fits](const std::string& value) {
+            return fits(value) ? std::string()
+                               : "expected " + what + ", not '" + oneLine(value) + "'";
+          },
+          ""};
+}
 
 }  // namespace
 
 void addRequestId(CLI::App& app, std::string& requestId) {
-  app.add_option("REQUEST_ID", requestId, "The id that the request was given")
+  app.add_option("REQUEST_ID", requestId,
+                 "The request's id or its beginning, or 'last' for the most recent one")
       ->type_name("")
       ->required();
+}
+
+void addOptionalRequestId(CLI::App& app, std::string& requestId) {
+  addRequestId(app, requestId);
+  app.get_option("REQUEST_ID")->required(false)->capture_default_str();
 }
 
 void addJson(CLI::App& app, bool& json, const std::string& description) {
@@ -30,6 +52,53 @@ CLI::Option* addPictures(CLI::App& app, std::optional<std::filesystem::path>& di
 
 void takeMany(CLI::Option* option, const std::string& name) {
   option->expected(1, manyValues)->allow_extra_args(false)->type_name(name);
+}
+
+CLI::Validator secondsAbove0() {
+  return expecting("seconds from 0.001 to 100000000", [](const std::string& value) {
+    char* end = nullptr;
+    const double seconds = std::strtod(value.c_str(), &end);
+    return end == value.c_str() + value.size() && seconds >= 0.001 && seconds <= 1e8;
+  });
+}
+
+CLI::Validator numberFrom0() {
+  return expecting("a number from 0",
+                   [](const std::string& value) { return parseInteger(value).value_or(-1) >= 0; });
+}
+
+CLI::Validator keyAndValue() {
+  return expecting("KEY=VALUE",
+                   [](const std::string& value) { return value.find('=') != std::string::npos; });
+}
+
+std::string withGuard(std::string word) {
+  const std::size_t equals = word.starts_with("--") ? word.find('=') : std::string::npos;
+  const std::size_t begin = equals == std::string::npos ? 0 : equals + 1;
+  if (begin < word.size() && guarded.find(word[begin]) != std::string_view::npos) {
+    word.insert(begin, 1, guard);
+  }
+  return word;
+}
+
+std::string withoutGuard(std::string word) {
+  if (word.size() > 1 && word[0] == guard && guarded.find(word[1]) != std::string_view::npos) {
+    word.erase(0, 1);
+  }
+  return word;
+}
+
+void takeValuesAsTheyAre(CLI::App& app) {
+  for (CLI::Option* option : app.get_options()) {
+    if (option->get_items_expected_max() == 0) continue;
+    option->transform(CLI::Validator(
+        [](std::string& value) {
+          value = withoutGuard(std::move(value));
+          return std::string();
+        },
+        "", "guard"));
+  }
+  for (CLI::App* command : app.get_subcommands(nullptr)) takeValuesAsTheyAre(*command);
 }
 
 }  // namespace corvane::ctl

@@ -9,7 +9,10 @@ namespace corvane::ctl {
 
 // Options that several commands have alike. Each fills in what it is given.
 
+/// The request that a command is about: an id, the beginning of one, or "last".
 void addRequestId(CLI::App& app, std::string& requestId);
+/// The same for a command that is about the last one unless told.
+void addOptionalRequestId(CLI::App& app, std::string& requestId);
 
 /// `description` says what is printed.
 void addJson(CLI::App& app, bool& json, const std::string& description);
@@ -19,5 +22,19 @@ CLI::Option* addPictures(CLI::App& app, std::optional<std::filesystem::path>& di
 
 /// Lets an option be given with one value or many; `name` is what help calls a value.
 void takeMany(CLI::Option* option, const std::string& name);
+
+// What a value has to be. Each says so, and names the value, when it is not.
+
+[[nodiscard]] CLI::Validator secondsAbove0();
+[[nodiscard]] CLI::Validator numberFrom0();
+[[nodiscard]] CLI::Validator keyAndValue();
+
+// CLI11 takes values in brackets and braces for lists. A guard in front of such a value keeps it
+// from that, and every option takes the guard away.
+
+[[nodiscard]] std::string withGuard(std::string word);
+[[nodiscard]] std::string withoutGuard(std::string word);
+/// Makes every option of `app` and of its subcommands take the guard away.
+void takeValuesAsTheyAre(CLI::App& app);
 
 }  // namespace corvane::ctl

@@ -3,6 +3,7 @@
 #include "CorvaneCore/authoring/Vocabularies.h"
 #include "CorvaneCore/json/JsonWriter.h"
 #include "CorvaneCore/results/AnswerTexts.h"
+#include "corvanectl/answers/ProjectAnswer.h"
 #include "corvanectl/commands/Following.h"
 #include "corvanectl/commands/Options.h"
 #include "corvanectl/follow/FollowWords.h"
@@ -70,32 +71,32 @@ Command::About RunCommand::about() const {
 
 void RunCommand::addOptions(CLI::App& app) {
   app.add_option("PROJECT", project, "The project's exact name")->type_name("")->required();
-  takeMany(app.add_option("--test", tests, "Run these tests, by exact name"), "NAME");
-  app.add_option("--suite", suite, "Run every test of this suite")->type_name("NAME");
+  takeMany(app.add_option("--test", tests, "Run these tests, by exact name"), "TEST");
+  app.add_option("--suite", suite, "Run every test of this suite")->type_name("SUITE");
   app.add_flag("--all", all, "Run every test of the project");
+  addRunOptions(app);
+}
+
+void RunCommand::addRunOptions(CLI::App& app) {
   takeMany(app.add_option_function<std::vector<std::string>>(
                   "--param",
                   [this](const std::vector<std::string>& given) {
                     for (const auto& text : given) params.push_back(splitParam(text));
                   },
                   "Values for the $placeholders of the tests")
-               ->check(CLI::Validator(
-                   [](const std::string& text) {
-                     return text.find('=') == std::string::npos ? "expected KEY=VALUE" : "";
-                   },
-                   "")),
+               ->check(keyAndValue()),
            "KEY=VALUE");
   auto* withBuild = app.add_flag_callback(
       "--build", [this] { build = true; }, "Build first, whatever the project says");
   app.add_flag_callback(
          "--no-build", [this] { build = false; }, "Run what is already on the device")
       ->excludes(withBuild);
-  app.add_option("--platform", platform,
-                 joinedRawValues<AgentTargetPlatform>(" or ") + " (default: the project's)")
-      ->type_name("PLATFORM")
+  app.add_option("--platform", platform, "The platform to run on (default: the project's)")
+      ->type_name(joinedRawValues<AgentTargetPlatform>("|"))
       ->transform(CLI::IsMember(platforms(), CLI::ignore_case).description(""));
   app.add_option("--udid", udid, "The iOS simulator to run on")->type_name("UDID");
   app.add_flag("--follow", follow, "Wait for the run and show how it went");
+  app.add_flag("--unchecked", unchecked, "Run whether or not the workspace has these names");
   addJson(app, options.json, "Print the result as JSON");
   options.addTo(app, "--follow");
 }
@@ -109,6 +110,7 @@ ExitStatus RunCommand::execute(CommandContext& context) const {
   options.checkOutputs();
   const Deadline end = FollowOptions::end(context.options);
   Session session(context);
+  if (!unchecked) checkNames(session, project, tests, suite);
   const AnyCodable answer = session.callTool("run_test", runArguments(*this));
   const ToolResult result = ToolResult::from(answer);
   const auto requestId = AnswerTexts::readRequestId(result.firstText());

@@ -19,6 +19,9 @@ class RunCommand final : public Command {
   void check() const override;
   [[nodiscard]] ExitStatus execute(CommandContext& context) const override;
 
+  /// Adds the options that do not say what to run, but how, and how it is shown.
+  void addRunOptions(CLI::App& app);
+
   std::string project;
   std::vector<std::string> tests;
   std::optional<std::string> suite;
@@ -29,6 +32,8 @@ class RunCommand final : public Command {
   std::optional<std::string> udid;
   bool follow = false;
   FollowOptions options;
+  /// Whether to run whatever the workspace says of the names.
+  bool unchecked = false;
 };
 
 /// The arguments with which run_test does what `command` asks for.

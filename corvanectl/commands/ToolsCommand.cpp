@@ -73,7 +73,7 @@ Command::About ToolsCommand::about() const {
 }
 
 void ToolsCommand::addOptions(CLI::App& app) {
-  app.add_option("NAME", name, "The tool to show")->type_name("");
+  app.add_option("TOOL", name, "The tool to show")->type_name("");
   addJson(app, json, "Print what the server says of them, as JSON");
 }
 

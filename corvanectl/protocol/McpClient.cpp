@@ -104,6 +104,9 @@ void McpClient::initialize(Deadline deadline) {
   if (!version || version->empty()) {
     throw ProtocolError("the server's answer to initialize names no protocol version");
   }
+  if (const auto* info = findField<&InitializeResult::serverInfo>(result)) {
+    if (const auto* itself = findField<&ServerInfo::version>(*info)) itsVersion = *itself;
+  }
   server.send(encodedMessage("notifications/initialized", std::nullopt, std::nullopt));
 }
 

@@ -68,6 +68,9 @@ class McpClient {
   /// Greets the server; comes before any request. Throws as `request` does.
   void initialize(Deadline deadline);
 
+  /// The version that the server gave itself when it was greeted; empty when it gave none.
+  [[nodiscard]] const std::string& serverVersion() const { return itsVersion; }
+
   /// The result of a request. Throws RpcError when the server answers with an error, NoAnswer when
   /// `deadline` comes first, ProtocolError when the server fails, Interrupted.
   [[nodiscard]] AnyCodable request(std::string_view method, AnyCodable::Object params,
@@ -89,6 +92,7 @@ class McpClient {
   JsonReader reader;
   Seconds tickInterval{0};
   std::function<void()> tick;
+  std::string itsVersion;
   std::int64_t lastId = 0;
   bool warned = false;
 };

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "CorvaneCore/files/Files.h"
+#include "CorvaneCore/files/Folder.h"
 #include "CorvaneCore/json/JsonReader.h"
 #include "CorvaneCore/results/AgentRunResult.h"
 #include "CorvaneCore/results/AnswerTexts.h"

@@ -120,12 +120,81 @@ TEST(CommandLine, ReadsTheShortForms) {
 
 TEST(CommandLine, ShowsHelpAndVersion) {
   EXPECT_EQ(reply({"--version"}).text, "corvanectl 0.2.0\n");
-  for (const char* name : {"tools", "call", "run", "follow", "cancel", "health"}) {
+  for (const char* name : {"status", "list", "projects", "tests", "run", "follow", "show", "retry",
+                           "cancel", "doctor", "health", "tools", "call"}) {
     const auto help = reply({name, "--help"});
+    EXPECT_EQ(reply({"help", name}).text, help.text);
     EXPECT_EQ(help.status, ExitStatus::success);
     EXPECT_NE(help.text.find("Examples:\n  corvanectl " + std::string(name)), std::string::npos);
     EXPECT_NE(reply({"--help"}).text.find(std::string("  corvanectl ") + name), std::string::npos);
   }
+}
+
+TEST(CommandLine, ShowsTheHelpThatIsAskedFor) {
+  EXPECT_EQ(reply({"help"}).text, reply({"--help"}).text);
+  EXPECT_EQ(reply({"help"}).status, ExitStatus::success);
+  EXPECT_EQ(reply({"help", "rnu"}).text,
+            "corvanectl: there is no command 'rnu'. Did you mean 'run'? 'corvanectl help' lists "
+            "them\nRun with --help for more information.\n");
+}
+
+// What shells call is not for people.
+TEST(CommandLine, KeepsHiddenCommandsToItself) {
+  EXPECT_EQ(reply({"help"}).text.find("\n  names"), std::string::npos);
+  EXPECT_EQ(reply({"nmaes"}).text.find("'names'"), std::string::npos);
+}
+
+// Fails when what stands before the command is lost, or a value is taken for the command.
+TEST(CommandLine, TakesOptionsInAnyOrder) {
+  EXPECT_TRUE(command<HealthCommand>({"--json", "health"}).json);
+  const auto run = invocation({"--suite", "run", "--timeout", "3", "run", "Shop", "--log"});
+  EXPECT_EQ(dynamic_cast<RunCommand&>(*run.command).suite, "run");
+  EXPECT_EQ(dynamic_cast<RunCommand&>(*run.command).project, "Shop");
+  EXPECT_EQ(run.server.timeout, 3);
+  EXPECT_TRUE(run.server.showLog);
+}
+
+TEST(CommandLine, TakesOneBracketedNameAsItIs) {
+  for (const char* name : {"[smoke]", "[[a]]", "{}", "[", "\1[x"}) {
+    EXPECT_EQ(command<RunCommand>({"run", "Shop", "--test", name}).tests,
+              std::vector<std::string>{name});
+    const std::string joined = std::string("--test=") + name;
+    EXPECT_EQ(command<RunCommand>({"run", "Shop", joined.c_str()}).tests,
+              std::vector<std::string>{name});
+    EXPECT_EQ(command<CallCommand>({"call", "x", name}).arguments, name);
+  }
+}
+
+/// The first line of what is said about a wrong command line.
+std::string complaint(std::vector<const char*> words) {
+  const CommandLineReply refused = reply(std::move(words));
+  EXPECT_EQ(refused.status, ExitStatus::usage);
+  return refused.text.substr(0, refused.text.find('\n'));
+}
+
+TEST(CommandLine, SaysWhatIsWrong) {
+  EXPECT_EQ(complaint({}), "corvanectl: A command ('corvanectl help' lists them) is required");
+  EXPECT_EQ(complaint({"halth"}),
+            "corvanectl: there is no command 'halth'. Did you mean 'health'? 'corvanectl help' "
+            "lists them");
+  EXPECT_EQ(complaint({"xyzzy", "--json"}),
+            "corvanectl: there is no command 'xyzzy'. 'corvanectl help' lists them");
+  EXPECT_EQ(complaint({"run", "Shop", "--all", "--folow"}),
+            "corvanectl: 'run' has no option '--folow'. Did you mean '--follow'? 'corvanectl help "
+            "run' lists those it has");
+  EXPECT_EQ(complaint({"health", "--timout=3"}),
+            "corvanectl: 'health' has no option '--timout=3'. Did you mean '--timeout'? "
+            "'corvanectl help health' lists those it has");
+  EXPECT_EQ(complaint({"health", "[more]"}),
+            "corvanectl: 'health' takes no further argument: '[more]'");
+  EXPECT_EQ(complaint({"run", "Shop", "--all", "--param", "novalue"}),
+            "corvanectl: --param: expected KEY=VALUE, not 'novalue'");
+  EXPECT_EQ(complaint({"health", "--timeout", "soon"}),
+            "corvanectl: --timeout: expected seconds from 0.001 to 100000000, not 'soon'");
+  EXPECT_EQ(complaint({"show", "--test", "-1"}),
+            "corvanectl: --test: expected a number from 0, not '-1'");
+  EXPECT_EQ(complaint({"run", "Shop", "--all", "--platform", "windows"}),
+            "corvanectl: --platform: windows not in {iOS,android}");
 }
 
 TEST(CommandLine, RefusesWhatMakesNoSense) {

@@ -28,7 +28,8 @@ void redirect(int stream, const std::filesystem::path& file, int flags) {
 
 }  // namespace
 
-ProgramRun runCorvanectl(const std::vector<std::string>& arguments, std::string_view input) {
+ProgramRun runCorvanectl(const std::vector<std::string>& arguments, std::string_view input,
+                         std::vector<std::string> environment) {
   const TemporaryDirectory directory;
   const auto inputFile = directory.path() / "input";
   const auto outputFile = directory.path() / "output";
@@ -39,7 +40,7 @@ ProgramRun runCorvanectl(const std::vector<std::string>& arguments, std::string_
     redirect(STDIN_FILENO, inputFile, O_RDONLY);
     redirect(STDOUT_FILENO, outputFile, O_WRONLY | O_CREAT);
     redirect(STDERR_FILENO, errorsFile, O_WRONLY | O_CREAT);
-    becomeCorvanectl(arguments);
+    becomeCorvanectl(arguments, std::move(environment));
   }
   const int status = waitForStatus(child);
   constexpr std::size_t largestOutput = std::size_t{1} << 30;
@@ -47,6 +48,8 @@ ProgramRun runCorvanectl(const std::vector<std::string>& arguments, std::string_
 }
 
 ProgramRun runWithFakeServer(std::vector<std::string> arguments, std::string_view input) {
+  // A script has no workspace to check names in.
+  if (arguments.front() == "run") arguments.emplace_back("--unchecked");
   arguments.insert(arguments.begin(), {"--server", FakeServerScript::program()});
   return runCorvanectl(arguments, input);
 }
@@ -57,13 +60,18 @@ int waitForStatus(int processId) {
   return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
-void becomeCorvanectl(const std::vector<std::string>& arguments) {
+void becomeCorvanectl(const std::vector<std::string>& arguments,
+                      std::vector<std::string> environment) {
   std::vector<std::string> words{CORVANECTL_PROGRAM};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> pointers;
   pointers.reserve(words.size() + 1);
   for (auto& word : words) pointers.push_back(word.data());
   pointers.push_back(nullptr);
+  if (!environment.empty()) {
+    ::clearenv();
+    for (auto& variable : environment) ::putenv(variable.data());
+  }
   ::execv(pointers.front(), pointers.data());
   ::_exit(127);
 }

@@ -16,9 +16,11 @@ struct ProgramRun {
   std::string errors;
 };
 
-/// Runs the program to its end, with `input` as its standard input.
+/// Runs the program to its end, with `input` as its standard input. `environment` holds NAME=value;
+/// without any the program gets this one's.
 [[nodiscard]] ProgramRun runCorvanectl(const std::vector<std::string>& arguments,
-                                       std::string_view input = {});
+                                       std::string_view input = {},
+                                       std::vector<std::string> environment = {});
 
 /// The same with the fake server as its server.
 [[nodiscard]] ProgramRun runWithFakeServer(std::vector<std::string> arguments,
@@ -28,7 +30,8 @@ struct ProgramRun {
 [[nodiscard]] int waitForStatus(int processId);
 
 /// Replaces the calling process, a freshly forked one, by the program.
-[[noreturn]] void becomeCorvanectl(const std::vector<std::string>& arguments);
+[[noreturn]] void becomeCorvanectl(const std::vector<std::string>& arguments,
+                                   std::vector<std::string> environment = {});
 
 /// A terminal whose keyboard and screen are in the test's hands.
 class Pseudoterminal {

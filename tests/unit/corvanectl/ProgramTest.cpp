@@ -101,6 +101,20 @@ TEST(Program, RefusesArgumentsThatAreNoObject) {
   }
 }
 
+TEST(Program, NamesThePlaceThatIsWrongInArguments) {
+  const TemporaryDirectory directory;
+  const std::string file = directory.path() / "payload.json";
+  writeFileWhole(file, "{\n  \"a\": 1,\n  \"b\": tru\n}");
+  EXPECT_EQ(
+      runWithFakeServer({"call", "x", "@" + file}).errors,
+      "corvanectl: " + file + ", line 3, column 8: not valid JSON: unexpected text at byte 19\n");
+  EXPECT_EQ(runWithFakeServer({"call", "x", "{\"a\""}).errors,
+            "corvanectl: ARGUMENTS, line 1, column 5: not valid JSON: the text ends too early\n");
+  EXPECT_EQ(runWithFakeServer({"call", "x", "-"}, "[]").errors,
+            "corvanectl: standard input must hold a JSON object, like {\"projectName\":\"Shop\"}; "
+            "it holds another value\n");
+}
+
 TEST(Program, PassesOnThatAToolReportsAnError) {
   const FakeServerScript script(greeted({"expect tools/call", textResult("error:x", true)}));
   const auto plain = runWithFakeServer({"call", "x"});
