@@ -3,7 +3,7 @@
 #include <unistd.h>
 
 #include "corvanectl/CommandLine.h"
-#include "corvanectl/commands/Commands.h"
+#include "corvanectl/protocol/McpClient.h"
 #include "corvanectl/terminal/DisplayText.h"
 
 namespace corvane::ctl {
@@ -56,8 +56,7 @@ ExitStatus runProgram(const Invocation& invocation, Console& console, Interrupti
     return status;
   };
   try {
-    return std::visit([&](const auto& command) { return execute(command, context); },
-                      invocation.command);
+    return invocation.command->execute(context);
   } catch (const Interrupted&) {
     console.endProgress();
     throw;

@@ -1,3 +1,5 @@
+#include "corvanectl/commands/CallCommand.h"
+
 #include <unistd.h>
 
 #include <algorithm>
@@ -12,12 +14,20 @@
 #include "CorvaneCore/json/JsonReader.h"
 #include "CorvaneCore/json/JsonWriter.h"
 #include "CorvaneCore/results/AnswerTexts.h"
-#include "corvanectl/commands/Commands.h"
+#include "corvanectl/commands/Options.h"
 #include "corvanectl/commands/ResultOutput.h"
+#include "corvanectl/commands/Session.h"
 
 namespace corvane::ctl {
 
 namespace {
+
+constexpr std::string_view examples =
+    R"(  corvanectl call describe_project '{"projectName":"Shop"}'
+  corvanectl call create_test @login.json
+  generate-test | corvanectl call create_test -
+  corvanectl call get_result '{"requestId":"ID","includeStepTrace":true}' --pictures shots
+)";
 
 std::string readStandardInput(Interruption& interruption) {
   std::string text;
@@ -67,21 +77,38 @@ AnyCodable::Object readToolArguments(std::string_view source, Interruption& inte
   throw UsageError("the arguments must be a JSON object, like {\"projectName\":\"Shop\"}");
 }
 
-ExitStatus execute(const CallCommand& command, CommandContext& context) {
-  std::optional<AnyCodable::Object> arguments;
-  if (command.arguments) arguments = readToolArguments(*command.arguments, context.interruption);
-  const Seconds waiting = waitingTime(arguments);
-
+ExitStatus callAndPrint(ToolCall call, CommandContext& context) {
+  const Seconds waiting = waitingTime(call.arguments);
   Session session(context);
-  const AnyCodable answer = session.callTool(command.tool, std::move(arguments), waiting);
+  const AnyCodable answer = session.callTool(call.tool, std::move(call.arguments), waiting);
   const ToolResult result = ToolResult::from(answer);
-  if (command.json) {
+  if (call.json) {
     context.console.print(toJson(answer) + "\n");
   } else {
-    ResultOutput(context.console, command.tool, command.pictures, &context.pictureViewer)
-        .print(result);
+    ResultOutput(context.console, call.tool, call.pictures, &context.pictureViewer).print(result);
   }
   return exitStatusOf(result);
+}
+
+Command::About CallCommand::about() const {
+  return {"call", "Call a tool and print its answer", examples};
+}
+
+void CallCommand::addOptions(CLI::App& app) {
+  app.add_option("TOOL", tool, "The tool's name")->type_name("")->required();
+  auto* source = app.add_option("ARGUMENTS", arguments,
+                                "A JSON object, @FILE to read it from a file, or - to read it from "
+                                "standard input (default: {})");
+  source->type_name("");
+  app.add_flag("--no-arguments", withoutArguments, "Send no arguments at all")->excludes(source);
+  addPictures(app, pictures);
+  addJson(app, json, "Print the tool's result as JSON");
+}
+
+ExitStatus CallCommand::execute(CommandContext& context) const {
+  ToolCall call{.tool = tool, .arguments = {}, .json = json, .pictures = pictures};
+  if (!withoutArguments) call.arguments = readToolArguments(arguments, context.interruption);
+  return callAndPrint(std::move(call), context);
 }
 
 }  // namespace corvane::ctl

@@ -1,14 +1,20 @@
+#include "corvanectl/commands/FollowCommand.h"
+
 #include <algorithm>
 #include <utility>
 
 #include "CorvaneCore/results/AnswerTexts.h"
-#include "corvanectl/commands/Commands.h"
+#include "corvanectl/commands/Options.h"
 #include "corvanectl/commands/ResultOutput.h"
 #include "corvanectl/results/RequestResult.h"
 
 namespace corvane::ctl {
 
 namespace {
+
+constexpr std::string_view examples = R"(  corvanectl follow REQUEST_ID --pictures shots
+  corvanectl follow REQUEST_ID --timeout 600 --json
+)";
 
 constexpr std::string_view tool = "get_result";
 constexpr Seconds longestPoll{120};
@@ -36,17 +42,17 @@ AnswerTexts::ResultAnswer readAnswer(const ToolResult& result) {
 /// Follows one request.
 class Follower {
  public:
-  Follower(const FollowCommand& command, Session& session, Deadline end, CommandContext& context)
-      : command(command),
+  Follower(const FollowOptions& options, Session& session, Deadline end, CommandContext& context)
+      : options(options),
         session(session),
         end(end),
         context(context),
         console(context.console),
         // Beside JSON, pictures would be among the messages.
-        output(console, tool, command.pictures, command.json ? nullptr : &context.pictureViewer) {}
+        output(console, tool, options.pictures, options.json ? nullptr : &context.pictureViewer) {}
 
   ExitStatus run() {
-    console.startProgress(command.json ? ProgressPlace::besideResults : ProgressPlace::withResults);
+    console.startProgress(options.json ? ProgressPlace::besideResults : ProgressPlace::withResults);
     while (true) {
       const Deadline nextPoll = after(shortestPoll);
       const ToolResult result = poll();
@@ -67,7 +73,7 @@ class Follower {
     const Seconds timeout =
         std::min<Seconds>(wait + context.usualTimeout, left + lastAnswerTimeout);
     return ToolResult::from(session.client().callTool(
-        tool, AnyCodable::Object{{"requestId", command.requestId}, {"waitSeconds", wait.count()}},
+        tool, AnyCodable::Object{{"requestId", options.requestId}, {"waitSeconds", wait.count()}},
         after(timeout), [this](std::string_view message) { showProgress(message); }));
   }
 
@@ -104,21 +110,21 @@ class Follower {
 
   ExitStatus reportEnd(const AnswerTexts::ResultAnswer& answer, const ToolResult& result) {
     console.endProgress();
-    console.print(command.json ? endingInLine(std::string(answer.result))
+    console.print(options.json ? endingInLine(std::string(answer.result))
                                : summarizeResult(answer.result, answer.status));
-    if (command.pictures) savePictures(result);
+    if (options.pictures) savePictures(result);
     return exitStatusOf(answer.status);
   }
 
   /// Asks once more, with pictures. The answer repeats what is known and adds the blocks to show.
   void savePictures(const ToolResult& known) {
     const ToolResult result = ToolResult::from(session.callTool(
-        tool, AnyCodable::Object{{"requestId", command.requestId}, {"includeStepTrace", true}}));
+        tool, AnyCodable::Object{{"requestId", options.requestId}, {"includeStepTrace", true}}));
     for (std::size_t i = known.content.size(); i < result.content.size(); ++i) {
       std::string line;
       output.append(result.content[i], line);
       line += '\n';
-      if (command.json) {
+      if (options.json) {
         console.printError(line);
       } else {
         console.print(line);
@@ -126,7 +132,7 @@ class Follower {
     }
   }
 
-  const FollowCommand& command;
+  const FollowOptions& options;
   Session& session;
   Deadline end;
   CommandContext& context;
@@ -142,15 +148,25 @@ Deadline followEnd(const ServerOptions& options) {
   return options.timeout ? after(Seconds(*options.timeout)) : never;
 }
 
-ExitStatus follow(const FollowCommand& command, Session& session, Deadline end,
+ExitStatus follow(const FollowOptions& options, Session& session, Deadline end,
                   CommandContext& context) {
-  return Follower(command, session, end, context).run();
+  return Follower(options, session, end, context).run();
 }
 
-ExitStatus execute(const FollowCommand& command, CommandContext& context) {
+Command::About FollowCommand::about() const {
+  return {"follow", "Wait for a request and show how it went", examples};
+}
+
+void FollowCommand::addOptions(CLI::App& app) {
+  addRequestId(app, options.requestId);
+  addPictures(app, options.pictures);
+  addJson(app, options.json, "Print the final result as JSON");
+}
+
+ExitStatus FollowCommand::execute(CommandContext& context) const {
   const Deadline end = followEnd(context.options);
   Session session(context);
-  return follow(command, session, end, context);
+  return follow(options, session, end, context);
 }
 
 }  // namespace corvane::ctl

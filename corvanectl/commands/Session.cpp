@@ -1,4 +1,4 @@
-#include "corvanectl/commands/Commands.h"
+#include "corvanectl/commands/Session.h"
 
 namespace corvane::ctl {
 

@@ -1,14 +1,23 @@
+#include "corvanectl/commands/ToolsCommand.h"
+
 #include <algorithm>
 
 #include "CorvaneCore/json/JsonWriter.h"
 #include "CorvaneCore/json/LenientReading.h"
 #include "corvane_mcp/protocol/McpRecords.h"
-#include "corvanectl/commands/Commands.h"
+#include "corvanectl/commands/Options.h"
+#include "corvanectl/commands/Session.h"
 #include "corvanectl/terminal/DisplayText.h"
 
 namespace corvane::ctl {
 
 namespace {
+
+constexpr std::string_view examples =
+    R"(  corvanectl tools                      what the server can do
+  corvanectl tools run_test             one tool with its arguments
+  corvanectl tools --json
+)";
 
 struct Tool {
   /// What is known of it; a member that the server left out or made something else is empty.
@@ -59,24 +68,32 @@ std::optional<std::size_t> terminalColumns(const Console& console) {
 
 }  // namespace
 
-ExitStatus execute(const ToolsCommand& command, CommandContext& context) {
+Command::About ToolsCommand::about() const {
+  return {"tools", "List the server's tools, or show one of them", examples};
+}
+
+void ToolsCommand::addOptions(CLI::App& app) {
+  app.add_option("NAME", name, "The tool to show")->type_name("");
+  addJson(app, json, "Print what the server says of them, as JSON");
+}
+
+ExitStatus ToolsCommand::execute(CommandContext& context) const {
   Session session(context);
   const AnyCodable listed = session.client().request("tools/list", {}, session.answerDeadline());
   const std::vector<Tool> tools = toolsOf(listed);
-  if (!command.name) {
-    context.console.print(command.json ? toJson(*rawField<&ToolsListResult::tools>(listed)) + "\n"
-                                       : overview(tools, terminalColumns(context.console)));
+  if (!name) {
+    context.console.print(json ? toJson(*rawField<&ToolsListResult::tools>(listed)) + "\n"
+                               : overview(tools, terminalColumns(context.console)));
     return ExitStatus::success;
   }
-  const auto tool = std::find_if(tools.begin(), tools.end(), [&](const Tool& each) {
-    return each.known.name == *command.name;
-  });
+  const auto tool = std::find_if(tools.begin(), tools.end(),
+                                 [&](const Tool& each) { return each.known.name == *name; });
   if (tool == tools.end()) {
-    context.console.complain("the server has no tool named '" + *command.name +
+    context.console.complain("the server has no tool named '" + *name +
                              "'; 'corvanectl tools' lists those it has");
     return ExitStatus::failure;
   }
-  context.console.print(command.json ? toJson(*tool->given) + "\n" : details(*tool));
+  context.console.print(json ? toJson(*tool->given) + "\n" : details(*tool));
   return ExitStatus::success;
 }
 

@@ -3,7 +3,8 @@
 
 #include "CorvaneCore/json/JsonReader.h"
 #include "CorvaneCore/json/JsonWriter.h"
-#include "corvanectl/commands/Commands.h"
+#include "corvanectl/commands/CallCommand.h"
+#include "corvanectl/commands/RunCommand.h"
 #include "corvanectl/system/ChildProcess.h"
 
 namespace corvane::testing {
