@@ -1,6 +1,8 @@
 #include "CorvaneCore/results/AnswerTexts.h"
 
+#include <algorithm>
 #include <array>
+#include <charconv>
 
 #include "CorvaneCore/text/Unicode.h"
 #include "CorvaneCore/text/Uuid.h"
@@ -13,6 +15,13 @@ using AnswerTexts::Standing;
 
 constexpr std::string_view statusLabel = "status: ";
 constexpr std::string_view requestIdLabel = "requestId:";
+constexpr std::string_view appRunningHead = "Corvane status (appRunning: true).";
+constexpr std::string_view appMissingHead = "Corvane status (appRunning: false).";
+constexpr std::string_view captionLead = "step ";
+constexpr std::string_view captionMoments = " screenshots (";
+constexpr std::string_view betweenMoments = ", ";
+constexpr std::string_view captionNote =
+    ") — corner brackets mark where Corvane touched (drags also draw a line to the end point)";
 
 /// What is remarked on a status. The age of a stale result stands between the two texts.
 struct Remark {
@@ -71,10 +80,10 @@ std::optional<AnswerTexts::ResultAnswer> AnswerTexts::readResultAnswer(std::stri
     read.standing = remark.standing;
     read.status = headline.substr(0, begin);
   }
-  const std::size_t gap = answer.find(beforeResult);
-  if (read.isTerminal() && gap != std::string_view::npos) {
-    read.result = answer.substr(gap + beforeResult.size());
-  }
+  if (read.standing == Standing::pending) return read;
+  answer.remove_prefix(std::min(answer.find(beforeResult), answer.size()));
+  if (answer.starts_with(runDiedNote)) answer.remove_prefix(runDiedNote.size());
+  if (answer.starts_with(beforeResult)) read.result = answer.substr(beforeResult.size());
   return read;
 }
 
@@ -89,6 +98,56 @@ std::optional<std::string> AnswerTexts::readRequestId(std::string_view answer) {
   if (begin == std::string_view::npos) return std::nullopt;
   const std::string_view rest = answer.substr(begin + requestIdLabel.size());
   return parseRequestId(trimWhitespace(rest.substr(0, rest.find('\n'))));
+}
+
+std::string_view AnswerTexts::withoutNextCall(std::string_view answer) {
+  return answer.substr(0, answer.rfind(beforeNextCall));
+}
+
+bool AnswerTexts::readLaunchFailed(std::string_view answer) {
+  return withoutNextCall(answer).ends_with(launchFailedRemark);
+}
+
+std::string AnswerTexts::appStateLine(bool appRunning) {
+  return std::string(appRunning ? appRunningHead : appMissingHead);
+}
+
+std::optional<bool> AnswerTexts::readAppState(std::string_view answer) {
+  const std::string_view line = answer.substr(0, answer.find('\n'));
+  if (line != appRunningHead && line != appMissingHead) return std::nullopt;
+  return line == appRunningHead;
+}
+
+std::string_view AnswerTexts::snapshotIn(std::string_view answer) {
+  return answer.substr(answer.rfind('\n') + 1);
+}
+
+std::string AnswerTexts::stepCaption(std::int64_t step, std::string_view moments) {
+  std::string caption(captionLead);
+  return caption.append(std::to_string(step))
+      .append(captionMoments)
+      .append(moments)
+      .append(captionNote);
+}
+
+std::optional<AnswerTexts::StepCaption> AnswerTexts::readStepCaption(std::string_view text) {
+  const std::size_t middle = text.find(captionMoments);
+  if (!text.starts_with(captionLead) || !text.ends_with(captionNote) ||
+      middle == std::string_view::npos) {
+    return std::nullopt;
+  }
+  StepCaption caption;
+  const std::string_view number = text.substr(captionLead.size(), middle - captionLead.size());
+  const auto [end, error] = std::from_chars(number.begin(), number.end(), caption.step);
+  if (error != std::errc() || end != number.end()) return std::nullopt;
+  text.remove_prefix(middle + captionMoments.size());
+  text.remove_suffix(captionNote.size());
+  while (!text.empty()) {
+    const std::string_view moment = text.substr(0, text.find(betweenMoments));
+    caption.moments.emplace_back(moment);
+    text.remove_prefix(std::min(moment.size() + betweenMoments.size(), text.size()));
+  }
+  return caption;
 }
 
 }  // namespace corvane

@@ -92,7 +92,7 @@ std::string pendingText(const std::string& id) {
 }
 
 std::string unknownText(const std::string& id) {
-  return "error:unknown_request_id\n\nNo result for requestId " + id +
+  return std::string(AnswerTexts::unknownRequestCode) + "\n\nNo result for requestId " + id +
          ". Either the id is wrong, the result was pruned (results are kept ~7 days), or your "
          "Corvane.app predates run feedback — update Corvane if get_result never finds results for "
          "fresh requests.";
@@ -117,9 +117,8 @@ std::string snapshotHeader(const ResultFileStore::Snapshot& snapshot,
       seconds ? "\nsecondsSinceUpdate: " + std::to_string(*seconds) : std::string();
 
   if (!services.launcher.isRunning()) {
-    return line(Standing::appNotRunning) + "\nappRunning: false" + age +
-           "\n\nThis run died with the app; it will not progress. run_test/create_test relaunch "
-           "Corvane (which settles orphaned runs as 'error' at startup).";
+    return (line(Standing::appNotRunning) + "\nappRunning: false" + age)
+        .append(AnswerTexts::runDiedNote);
   }
   if (seconds && *seconds >= staleAfterSeconds) {
     return line(Standing::stale, *seconds) + "\nappRunning: true";

@@ -2,6 +2,7 @@
 #include "CorvaneCore/json/JsonReader.h"
 #include "CorvaneCore/json/JsonWriter.h"
 #include "CorvaneCore/json/LenientReading.h"
+#include "CorvaneCore/results/AnswerTexts.h"
 #include "CorvaneCore/workspace/AgentActivity.h"
 #include "corvane_mcp/results/ResultFileStore.h"
 #include "corvane_mcp/tools/ToolArguments.h"
@@ -108,8 +109,7 @@ ToolsCallResult call(const ToolServices& services) {
   }
   status.set("recentRequests", recentResults(services.paths, now));
 
-  std::string text = appRunning ? "Corvane status (appRunning: true).\n\n"
-                                : "Corvane status (appRunning: false).\n\n";
+  std::string text = AnswerTexts::appStateLine(appRunning) + "\n\n";
   text += notes + toJson(std::move(status));
   return ToolsCallResult::success(std::move(text));
 }

@@ -1,9 +1,12 @@
 #include "corvane_mcp/tools/ToolServices.h"
 
+#include "CorvaneCore/results/AnswerTexts.h"
+
 namespace corvane {
 
 std::string Dispatch::Launch::describe() const {
-  return describeApp(app) + (succeeded ? "" : "  (LAUNCH FAILED — open Corvane manually)");
+  std::string line = describeApp(app);
+  return succeeded ? line : line.append(AnswerTexts::launchFailedRemark);
 }
 
 std::string Dispatch::describeApp(const std::optional<std::filesystem::path>& app) {

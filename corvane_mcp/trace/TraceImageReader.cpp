@@ -9,6 +9,7 @@
 #include "CorvaneCore/capture/CaptureSession.h"
 #include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/json/AnyCodable.h"
+#include "CorvaneCore/results/AnswerTexts.h"
 #include "CorvaneCore/text/Base64.h"
 #include "CorvaneCore/text/Unicode.h"
 #include "corvane_mcp/trace/CaptureManifest.h"
@@ -105,8 +106,7 @@ std::string caption(std::int64_t stepIndex, const std::vector<FrameResult>& resu
     if (!labels.empty()) labels += ", ";
     labels += result.label;
   }
-  return "step " + std::to_string(stepIndex) + " screenshots (" + labels +
-         ") — corner brackets mark where Corvane touched (drags also draw a line to the end point)";
+  return AnswerTexts::stepCaption(stepIndex, labels);
 }
 
 ContentBlock noManifest(const std::filesystem::path& manifest) {
