@@ -59,6 +59,21 @@ std::string oneLine(std::string_view text) {
   return escapeControls(toValidUtf8(line));
 }
 
+std::string cleanLines(std::string_view text) {
+  const std::string valid = toValidUtf8(text);
+  std::string_view rest = trimWhitespace(valid);
+  std::string lines;
+  while (!rest.empty()) {
+    std::string line(rest.substr(0, rest.find('\n')));
+    rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+    if (line.ends_with('\r')) line.pop_back();
+    std::ranges::replace(line, '\t', ' ');
+    lines += escapeControls(line);
+    if (!rest.empty()) lines += '\n';
+  }
+  return lines;
+}
+
 std::string cutToColumns(std::string_view text, std::size_t columns) {
   constexpr std::string_view ellipsis = "…";
   const std::size_t ellipsisColumns = widestColumns(ellipsis.front());
