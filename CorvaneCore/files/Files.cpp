@@ -138,9 +138,12 @@ void writeFileWhole(const fs::path& path, std::string_view contents, Access acce
 void ensureWritable(const fs::path& path, Access access) {
   const auto fail = [&path](std::error_code reason) { throw FileError("write", path, reason); };
   if (const auto error = makeFolders(path.parent_path(), access)) fail(error);
-  std::error_code ignored;
-  if (fs::is_directory(path, ignored)) fail(std::make_error_code(std::errc::is_a_directory));
-  if (fs::exists(path, ignored) && !fs::is_regular_file(path, ignored)) {
+  struct stat status{};
+  if (::stat(path.c_str(), &status) != 0) {
+    if (errno != ENOENT) fail(lastError());
+  } else if (S_ISDIR(status.st_mode)) {
+    fail(std::make_error_code(std::errc::is_a_directory));
+  } else if (!S_ISREG(status.st_mode)) {
     fail(std::make_error_code(std::errc::invalid_argument));
   }
   const TemporaryFile attempt(path, TemporaryFile::Kind::named, access);
