@@ -17,6 +17,7 @@ Exit status:
   2   the server could not be started, ended early or broke the protocol
   3   the followed request was blocked or cancelled, or ended in error or with a warning
   4   the time ran out
+  5   no running app took the request up or went on with it
   64  the command line or the given arguments are wrong
   74  a file or the output could not be written)";
 

@@ -15,6 +15,8 @@ enum class ExitStatus {
   otherOutcome = 3,
   /// The time given ran out.
   timedOut = 4,
+  /// No app took the request up or went on with it.
+  noApp = 5,
   /// The command line or the given arguments are wrong.
   usage = 64,
   /// A file or the output could not be written.

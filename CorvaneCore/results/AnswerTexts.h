@@ -59,8 +59,7 @@ inline constexpr std::string_view unknownRequestCode = "error:unknown_request_id
 
 /// What stands behind the app's path in such an answer when the app neither runs nor could be
 /// launched.
-inline constexpr std::string_view launchFailedRemark =
-    "  (LAUNCH FAILED — open Corvane manually)";
+inline constexpr std::string_view launchFailedRemark = "  (LAUNCH FAILED — open Corvane manually)";
 
 /// What such an answer ends with: how an agent goes on. The call that it makes follows.
 inline constexpr std::string_view beforeNextCall = "\n\nNext: call ";

@@ -100,6 +100,21 @@ std::size_t countCharacters(std::string_view text) {
       std::count_if(text.begin(), text.end(), [](char byte) { return !isContinuation(byte); }));
 }
 
+std::size_t countColumns(std::string_view text) {
+  // Asks for the character before it to be shown as a picture, which is wide.
+  constexpr utf8proc_int32_t pictureSelector = 0xFE0F;
+  std::size_t columns = 0;
+  int last = 0;
+  while (!text.empty()) {
+    const Character character = firstCharacter(text);
+    text.remove_prefix(character.length);
+    const bool widens = character.codePoint == pictureSelector && last == 1;
+    last = widens ? 1 : utf8proc_charwidth(character.codePoint);
+    columns += static_cast<std::size_t>(last);
+  }
+  return columns;
+}
+
 std::string asciiLowercase(std::string_view text) {
   std::string lower(text);
   for (char& c : lower) {

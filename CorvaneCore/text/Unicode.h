@@ -22,6 +22,9 @@ void appendUtf8(std::string& text, char32_t codePoint);
 /// How many code points `text` has. `text` is valid UTF-8.
 [[nodiscard]] std::size_t countCharacters(std::string_view text);
 
+/// How many columns `text` takes on a terminal. `text` is valid UTF-8.
+[[nodiscard]] std::size_t countColumns(std::string_view text);
+
 /// `text` with its ASCII capitals in lower case; other characters stand as they are.
 [[nodiscard]] std::string asciiLowercase(std::string_view text);
 

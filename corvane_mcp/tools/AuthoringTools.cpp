@@ -140,8 +140,9 @@ ToolsCallResult call(JsonObject& sent, const ToolServices& services) {
   text += "\n  Corvane.app: " + app;
   text += "\n\nCorvane's file watcher will pick up the file within a second. ";
   text += whatHappensNext(payload);
-  text.append(AnswerTexts::beforeNextCall) += Dispatch::getResultCall(requestId, 120) +
-          " and repeat until the status is terminal. A first build can take several minutes.";
+  text.append(AnswerTexts::beforeNextCall) +=
+      Dispatch::getResultCall(requestId, 120) +
+      " and repeat until the status is terminal. A first build can take several minutes.";
   return ToolsCallResult::success(std::move(text));
 }
 

@@ -169,12 +169,13 @@ ToolsCallResult call(Arguments arguments, const ToolServices& services) {
   text += "\n  Budget:      " + describeBudget(request.maxCreditSpend);
   text += "\n  File:        " + path;
   text += "\n  Corvane.app: " + launch.describe();
-  text.append(AnswerTexts::beforeNextCall) += Dispatch::getResultCall(request.requestId, 120) +
-          " and repeat until terminal. Exploration takes minutes (status \"authoring\" carries "
-          "live activity). On \"authored\", run_test the authoredTest.testName to confirm it's a "
-          "deterministic regression guard. For the next flow, decide charted vs uncharted: study "
-          "the exhaust (describe_project: world map + authored steps) and author charted neighbors "
-          "yourself via create_test + reuseSteps; keep exploring where the map is blank.";
+  text.append(AnswerTexts::beforeNextCall) +=
+      Dispatch::getResultCall(request.requestId, 120) +
+      " and repeat until terminal. Exploration takes minutes (status \"authoring\" carries "
+      "live activity). On \"authored\", run_test the authoredTest.testName to confirm it's a "
+      "deterministic regression guard. For the next flow, decide charted vs uncharted: study "
+      "the exhaust (describe_project: world map + authored steps) and author charted neighbors "
+      "yourself via create_test + reuseSteps; keep exploring where the map is blank.";
   return ToolsCallResult::success(std::move(text));
 }
 

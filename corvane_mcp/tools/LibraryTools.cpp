@@ -33,7 +33,8 @@ ToolsCallResult dispatch(const AgentLibraryRequest& request, const LibraryAnswer
   std::string text = std::string(answer.what).append(" dispatched to Corvane.\n");
   text += "\n  " + AnswerTexts::requestIdLine(request.requestId, 12);
   text += answer.details;
-  text.append(AnswerTexts::beforeNextCall) += Dispatch::getResultCall(request.requestId, 60) + answer.outcome;
+  text.append(AnswerTexts::beforeNextCall) +=
+      Dispatch::getResultCall(request.requestId, 60) + answer.outcome;
   return ToolsCallResult::success(std::move(text));
 }
 

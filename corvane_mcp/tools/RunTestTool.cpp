@@ -161,8 +161,8 @@ ToolsCallResult call(Arguments arguments, const ToolServices& services) {
   text.append("\n  buildFirst:  ").append(describe(request.buildFirst));
   text += "\n  File:        " + path;
   text += "\n  Corvane.app: " + launch.describe();
-  text.append(AnswerTexts::beforeNextCall) += Dispatch::getResultCall(request.requestId, 120) +
-          " and repeat until the status is terminal.";
+  text.append(AnswerTexts::beforeNextCall) +=
+      Dispatch::getResultCall(request.requestId, 120) + " and repeat until the status is terminal.";
   return ToolsCallResult::success(std::move(text));
 }
 

@@ -136,6 +136,8 @@ void RunJob::closeTest(std::string_view status) {
   current->close(status);
   closed.push_back(current->result());
   if (capture) closed.back().trace = capture->trace();
+  // Whoever follows the run sees what is over already.
+  state.tests = closed;
   capture.reset();
   current.reset();
 }

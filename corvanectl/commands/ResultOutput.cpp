@@ -1,5 +1,6 @@
 #include "corvanectl/commands/ResultOutput.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "CorvaneCore/files/Files.h"
@@ -19,10 +20,21 @@ std::string_view suffixFor(std::string_view mimeType) {
 
 }  // namespace
 
-ResultOutput::ResultOutput(Console& console, std::string_view tool,
+std::string pictureFileName(std::string_view subject, std::int64_t step, std::string_view moment,
+                            std::string_view suffix) {
+  std::string end = "-step-" + std::to_string(step) + "-" + fileNamePart(moment);
+  end += suffix;
+  // Room for a number, should there be such a file.
+  constexpr std::size_t roomForNumber = 12;
+  const std::string name = fileNamePart(toValidUtf8(subject));
+  const std::size_t taken = std::min(end.size() + roomForNumber, longestFileName);
+  return std::string(shortenedTo(name, longestFileName - taken)) + end;
+}
+
+ResultOutput::ResultOutput(Console& console, std::string_view subject,
                            std::optional<std::filesystem::path> directory, PictureViewer* viewer)
     : console(console),
-      tool(fileNamePart(tool)),
+      subject(subject),
       directory(std::move(directory)),
       viewer(viewer && viewer->hasScreen() ? viewer : nullptr) {}
 
@@ -39,6 +51,7 @@ void ResultOutput::print(const ToolResult& result) {
 void ResultOutput::append(const ToolResult::Block& block, std::string& text) {
   if (const auto* words = std::get_if<ToolResult::Text>(&block)) {
     text += words->text;
+    caption = AnswerTexts::readStepCaption(words->text);
   } else if (const auto* image = std::get_if<ToolResult::Image>(&block)) {
     appendPicture(*image, text);
   } else {
@@ -69,9 +82,21 @@ void ResultOutput::appendPicture(const ToolResult::Image& image, std::string& te
   text += file ? displayPath(*file) : "[" + kind + ", " + std::to_string(bytes->size()) + " bytes]";
 }
 
+/// A file that there is not yet: named for the step and the moment that the caption tells, else by
+/// a number.
 std::filesystem::path ResultOutput::nextFile(std::string_view suffix) {
+  std::string stem = fileNamePart(toValidUtf8(subject));
+  if (caption && !caption->moments.empty()) {
+    const std::string moment = caption->moments.front();
+    caption->moments.erase(caption->moments.begin());
+    std::filesystem::path file =
+        *directory / pictureFileName(subject, caption->step, moment, suffix);
+    if (!fileExists(file)) return file;
+    stem = file.stem();
+    lastNumber = 1;
+  }
   while (true) {
-    std::string name = tool + "-" + std::to_string(++lastNumber);
+    std::string name = stem + "-" + std::to_string(++lastNumber);
     std::filesystem::path file = *directory / name.append(suffix);
     if (!fileExists(file)) return file;
   }

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "CorvaneCore/results/AnswerTexts.h"
 #include "corvanectl/ExitStatus.h"
 #include "corvanectl/protocol/McpClient.h"
 #include "corvanectl/terminal/Console.h"
@@ -12,13 +14,19 @@
 
 namespace corvane::ctl {
 
+/// The name of the file for a picture of a step: "<subject>-step-<step>-<moment>" and `suffix`.
+/// `subject` is the test's name, `moment` "before" or "after".
+[[nodiscard]] std::string pictureFileName(std::string_view subject, std::int64_t step,
+                                          std::string_view moment, std::string_view suffix);
+
 /// Turns the blocks of a tool's answers into output, and decides what becomes of their pictures.
 class ResultOutput {
  public:
-  /// With a directory, pictures are saved there as <tool>-<n> with the suffix of their kind, n
-  /// counting from 1 and passing over files that exist. With a `viewer` they are shown, too, where
-  /// it has a screen. Both `console` and `viewer` outlive this.
-  ResultOutput(Console& console, std::string_view tool,
+  /// With a directory, pictures are saved there. Those that follow the caption of a step are named
+  /// for `subject` (a test, or the tool that was called), step and moment, others for `subject` and
+  /// a number; no file that exists is written over. With a `viewer` they are shown, too, where it
+  /// has a screen. Both `console` and `viewer` outlive this.
+  ResultOutput(Console& console, std::string_view subject,
                std::optional<std::filesystem::path> directory, PictureViewer* viewer);
 
   /// Prints a tool's answer: texts exactly as they are, with a line feed between two blocks. On a
@@ -36,9 +44,11 @@ class ResultOutput {
   [[nodiscard]] std::filesystem::path nextFile(std::string_view suffix);
 
   Console& console;
-  std::string tool;
+  std::string subject;
   std::optional<std::filesystem::path> directory;
   PictureViewer* viewer;
+  /// Of the pictures that come next; the moments of those that came have been taken off.
+  std::optional<AnswerTexts::StepCaption> caption;
   int lastNumber = 0;
 };
 

@@ -3,9 +3,10 @@
 #include "CorvaneCore/authoring/Vocabularies.h"
 #include "CorvaneCore/json/JsonWriter.h"
 #include "CorvaneCore/results/AnswerTexts.h"
-#include "corvanectl/commands/FollowCommand.h"
+#include "corvanectl/commands/Following.h"
 #include "corvanectl/commands/Options.h"
-#include "corvanectl/commands/ResultOutput.h"
+#include "corvanectl/follow/FollowWords.h"
+#include "corvanectl/follow/RunPlan.h"
 
 namespace corvane::ctl {
 
@@ -28,6 +29,32 @@ std::vector<std::string> platforms() {
 std::pair<std::string, std::string> splitParam(const std::string& text) {
   const std::size_t equals = text.find('=');
   return {text.substr(0, equals), text.substr(equals + 1)};
+}
+
+/// The tests that will run and their steps, as far as the workspace tells.
+std::optional<RunPlan> readPlan(const RunCommand& command, Session& session) {
+  const auto answer = ToolResult::from(
+      session.callTool("describe_project", AnyCodable::Object{{"projectName", command.project}}));
+  const auto project = describedProject(answer.firstText());
+  return project ? planOf(*project, {command.tests, command.suite}) : std::nullopt;
+}
+
+/// Tells what became of the dispatch, and the request's id, as soon as it is known.
+void tellDispatch(const RunCommand& command, const AnyCodable& answer, const ToolResult& result,
+                  const std::optional<std::string>& requestId, Console& console) {
+  const bool goesOn = command.follow && !result.isError;
+  if (command.options.json && !goesOn) return console.print(toJson(answer) + "\n");
+  if (command.options.json) {
+    if (requestId) console.printError("requestId: " + *requestId + "\n");
+    return;
+  }
+  if (command.options.events && goesOn) return;
+  // How an agent goes on is nothing to a person.
+  std::string text(AnswerTexts::withoutNextCall(result.firstText()));
+  text += '\n';
+  if (goesOn) text += '\n';
+  if (!goesOn && requestId) text += "\nNext: corvanectl follow " + *requestId + "\n";
+  console.print(text);
 }
 
 }  // namespace
@@ -77,9 +104,9 @@ void RunCommand::addOptions(CLI::App& app) {
       ->type_name("PLATFORM")
       ->transform(CLI::IsMember(platforms(), CLI::ignore_case).description(""));
   app.add_option("--udid", udid, "The iOS simulator to run on")->type_name("UDID");
-  auto* following = app.add_flag("--follow", follow, "Wait for the run and show how it went");
-  addPictures(app, pictures)->needs(following);
-  addJson(app, json, "Print the result as JSON");
+  app.add_flag("--follow", follow, "Wait for the run and show how it went");
+  addJson(app, options.json, "Print the result as JSON");
+  options.addTo(app, "--follow");
 }
 
 void RunCommand::check() const {
@@ -88,23 +115,28 @@ void RunCommand::check() const {
 }
 
 ExitStatus RunCommand::execute(CommandContext& context) const {
-  constexpr std::string_view tool = "run_test";
-  const Deadline end = followEnd(context.options);
+  options.checkOutputs();
+  const Deadline end = FollowOptions::end(context.options);
   Session session(context);
-  const AnyCodable answer = session.callTool(tool, runArguments(*this));
+  std::optional<RunPlan> plan;
+  if (follow) plan = readPlan(*this, session);
+  const AnyCodable answer = session.callTool("run_test", runArguments(*this));
   const ToolResult result = ToolResult::from(answer);
-  const bool goesOn = follow && !result.isError;
-  if (!json) {
-    ResultOutput(context.console, tool, pictures, &context.pictureViewer).print(result);
-  } else if (!goesOn) {
-    context.console.print(toJson(answer) + "\n");
-  }
-  if (!goesOn) return exitStatusOf(result);
-
   const auto requestId = AnswerTexts::readRequestId(result.firstText());
-  if (!requestId) throw ProtocolError("the answer to run_test names no request id to follow");
-  if (!json) context.console.print("\n\n");
-  return ctl::follow({*requestId, json, pictures}, session, end, context);
+  tellDispatch(*this, answer, result, requestId, context.console);
+  if (result.isError) return ExitStatus::failure;
+  const bool launched = !AnswerTexts::readLaunchFailed(result.firstText());
+  if (!launched) context.console.complain("Corvane.app could not be started; open it yourself");
+  if (follow) {
+    if (!requestId) throw ProtocolError("the answer to run_test names no request id to follow");
+    return ctl::follow({.id = *requestId, .dispatched = true, .project = project, .plan = plan},
+                       options, session, end, context);
+  }
+  if (launched) return ExitStatus::success;
+  if (requestId) {
+    context.console.complain("the request waits for it; " + FollowWords::waysOn(*requestId));
+  }
+  return ExitStatus::noApp;
 }
 
 }  // namespace corvane::ctl

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <utility>
@@ -8,6 +7,7 @@
 
 #include "CorvaneCore/json/AnyCodable.h"
 #include "corvanectl/commands/Command.h"
+#include "corvanectl/commands/FollowOptions.h"
 
 namespace corvane::ctl {
 
@@ -28,8 +28,7 @@ class RunCommand final : public Command {
   std::optional<std::string> platform;
   std::optional<std::string> udid;
   bool follow = false;
-  bool json = false;
-  std::optional<std::filesystem::path> pictures;
+  FollowOptions options;
 };
 
 /// The arguments with which run_test does what `command` asks for.

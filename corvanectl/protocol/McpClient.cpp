@@ -1,5 +1,6 @@
 #include "corvanectl/protocol/McpClient.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "CorvaneCore/json/AgentWire.h"
@@ -89,6 +90,11 @@ std::string_view ToolResult::firstText() const {
   return first ? std::string_view(first->text) : std::string_view();
 }
 
+void McpClient::whileWaiting(Seconds interval, std::function<void()> onTick) {
+  tickInterval = interval;
+  tick = std::move(onTick);
+}
+
 void McpClient::initialize(Deadline deadline) {
   const InitializeParams params{.protocolVersion = "2025-03-26",
                                 .capabilities = {},
@@ -130,12 +136,20 @@ AnyCodable McpClient::callTool(std::string_view tool, std::optional<AnyCodable::
 /// The next line that is a message; nothing when `deadline` comes first.
 std::optional<AnyCodable> McpClient::nextMessage(std::string_view method, Deadline deadline) {
   try {
-    while (const auto line = server.readLine(deadline)) {
+    while (const auto line = nextLine(deadline)) {
       if (auto message = parse(*line)) return message;
     }
     return std::nullopt;
   } catch (const ServerEnded& ended) {
     throw ProtocolError(std::string(ended.what()) + " before it answered " + std::string(method));
+  }
+}
+
+std::optional<std::string> McpClient::nextLine(Deadline deadline) {
+  while (true) {
+    auto line = server.readLine(tick ? std::min(deadline, after(tickInterval)) : deadline);
+    if (line || hasPassed(deadline)) return line;
+    tick();
   }
 }
 

@@ -62,6 +62,9 @@ class McpClient {
   /// such lines are passed over.
   McpClient(ServerProcess& server, Warn warn) : server(server), warn(std::move(warn)) {}
 
+  /// From now on calls `tick` about every `interval` while a request waits for its answer.
+  void whileWaiting(Seconds interval, std::function<void()> tick);
+
   /// Greets the server; comes before any request. Throws as `request` does.
   void initialize(Deadline deadline);
 
@@ -78,11 +81,14 @@ class McpClient {
 
  private:
   [[nodiscard]] std::optional<AnyCodable> nextMessage(std::string_view method, Deadline deadline);
+  [[nodiscard]] std::optional<std::string> nextLine(Deadline deadline);
   [[nodiscard]] std::optional<AnyCodable> parse(const std::string& line);
 
   ServerProcess& server;
   Warn warn;
   JsonReader reader;
+  Seconds tickInterval{0};
+  std::function<void()> tick;
   std::int64_t lastId = 0;
   bool warned = false;
 };

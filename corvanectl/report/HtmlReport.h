@@ -5,7 +5,7 @@
 
 #include "corvanectl/report/Html.h"
 #include "corvanectl/report/Report.h"
-#include "corvanectl/report/StepPictures.h"
+#include "corvanectl/report/PictureSource.h"
 
 namespace corvane::ctl {
 

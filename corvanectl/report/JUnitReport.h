@@ -3,7 +3,7 @@
 #include <string>
 
 #include "corvanectl/report/Report.h"
-#include "corvanectl/report/StepPictures.h"
+#include "corvanectl/report/PictureSource.h"
 
 namespace corvane::ctl {
 

@@ -10,7 +10,7 @@
 #include "corvanectl/report/HtmlReport.h"
 #include "corvanectl/report/JUnitReport.h"
 #include "corvanectl/report/MarkdownReport.h"
-#include "corvanectl/report/StepPictures.h"
+#include "corvanectl/report/PictureSource.h"
 
 namespace corvane::ctl {
 
@@ -46,7 +46,9 @@ void writePage(const fs::path& path, const Report& report, Session& session, Con
                : StepPictures();
   };
   const std::string total = std::to_string(stepsIn(report));
-  console.startProgress(ProgressPlace::besideResults);
+  if (console.progressStream(ProgressPlace::besideResults).canRedraw()) {
+    console.startProgress(ProgressPlace::besideResults);
+  }
   writeHtmlReport(
       report, pictures, [&](std::string_view part) { file.write(part); },
       [&](std::size_t written) {

@@ -26,8 +26,8 @@ Outcome outcomeOf(const AgentRunResult::Test& test) {
 }
 
 Outcome outcomeOf(const AgentRunResult::Step& step) {
-  const Outcome outcome = outcomeOfWord(step.status);
-  return outcome != Outcome::failed && step.healedByAI ? Outcome::healed : outcome;
+  const bool healed = isHealed(step) && step.status != "failed";
+  return healed ? Outcome::healed : outcomeOfWord(step.status);
 }
 
 Outcome outcomeOf(std::string_view status) {

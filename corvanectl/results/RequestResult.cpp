@@ -34,16 +34,6 @@ std::string stepLines(const Step& step) {
   return text;
 }
 
-std::string testLines(const Test& test) {
-  std::string text = "  " + oneLine(test.status) + "  " + oneLine(test.testName) + "  (" +
-                     counted(static_cast<std::int64_t>(test.steps.size()), "step") + ", " +
-                     displaySeconds(test.durationSeconds) + ")\n";
-  for (const Step& step : test.steps) {
-    if (isNotable(step)) text += stepLines(step);
-  }
-  return text;
-}
-
 std::string authoredLine(const AgentRunResult::AuthoredTestInfo& test) {
   return "  authored  " + oneLine(test.testName) + "  (" + sizeOf(test) + ")\n";
 }
@@ -52,14 +42,16 @@ std::string udiLine(const AgentRunResult::UdiInfo& udi) {
   return "  building block  " + oneLine(udi.name) + "  (" + sizeOf(udi) + ")\n";
 }
 
-std::string summarize(const AgentRunResult& result) {
+std::string summarize(const AgentRunResult& result, TestLines tests) {
   std::string text = headline(result);
   if (result.message) text += oneLine(*result.message) + "\n";
   if (result.blocked) text += blockage(*result.blocked);
   for (const auto& issue : result.validationIssues.value_or(std::vector<ValidationIssue>())) {
     text += describe(issue) + "\n";
   }
-  for (const Test& test : result.tests.value_or(std::vector<Test>())) text += testLines(test);
+  if (result.tests && tests == TestLines::shown) {
+    for (const Test& test : *result.tests) text += summarizeTest(test);
+  }
   if (result.authoredTests) {
     for (const auto& test : *result.authoredTests) text += authoredLine(test);
   } else if (result.authoredTest) {
@@ -73,6 +65,20 @@ std::string summarize(const AgentRunResult& result) {
 }
 
 }  // namespace
+
+bool isHealed(const Step& step) {
+  return step.healedByAI || step.status == "healed";
+}
+
+std::string summarizeTest(const Test& test) {
+  std::string text = "  " + oneLine(test.status) + "  " + oneLine(test.testName) + "  (" +
+                     counted(static_cast<std::int64_t>(test.steps.size()), "step") + ", " +
+                     displaySeconds(test.durationSeconds) + ")\n";
+  for (const Step& step : test.steps) {
+    if (isNotable(step)) text += stepLines(step);
+  }
+  return text;
+}
 
 ExitStatus exitStatusOf(std::string_view status) {
   switch (fromRawValue<RunStatus>(status).value_or(RunStatus::error)) {
@@ -91,9 +97,9 @@ ExitStatus exitStatusOf(std::string_view status) {
   }
 }
 
-std::string summarizeResult(std::string_view json, std::string_view status) {
+std::string summarizeResult(std::string_view json, std::string_view status, TestLines tests) {
   try {
-    return summarize(AgentWire::decode<AgentRunResult>(json));
+    return summarize(AgentWire::decode<AgentRunResult>(json), tests);
   } catch (const DecodeError&) {
     return std::string(status).append("\n").append(json).append("\n");
   }

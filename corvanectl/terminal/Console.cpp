@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <system_error>
 
+#include "CorvaneCore/text/Unicode.h"
 #include "corvanectl/terminal/DisplayText.h"
 
 namespace corvane::ctl {
@@ -52,26 +53,37 @@ TerminalSize TextStream::size() const {
           known && size.ws_row > 0 ? size.ws_row : 24U};
 }
 
-void ProgressLine::show(std::string_view message) {
-  std::string line = oneLine(message);
-  if (line == shown) return;
+void LiveLine::show(std::string_view text) {
+  std::string line = oneLine(text);
+  if (drawn && line == shown && stream->size().columns == screenColumns) return;
+  // Before anything is drawn at a new width, what the old one has left is taken away.
+  if (drawn && stream->size().columns != screenColumns) erase();
   shown = std::move(line);
-  if (style == ProgressStyle::lines) stream->write(shown + "\n");
   redraw();
 }
 
-void ProgressLine::erase() {
+void LiveLine::erase() {
   if (!drawn) return;
   drawn = false;
-  stream->write(emptyLine);
+  const std::size_t columns = stream->size().columns;
+  std::string text(1, '\r');
+  // A terminal that has become narrow shows a line that was drawn before in several rows.
+  if (drawnColumns > columns) {
+    text += "\033[" + std::to_string((drawnColumns - 1) / columns) + "A\033[J";
+  } else {
+    text += "\033[K";
+  }
+  stream->write(text);
 }
 
-void ProgressLine::redraw() {
-  if (style != ProgressStyle::live || shown.empty()) return;
+void LiveLine::redraw() {
+  if (shown.empty()) return;
   drawn = true;
+  screenColumns = stream->size().columns;
   // In its last column a terminal may already move on to the next line.
-  const std::size_t columns = stream->size().columns - 1;
-  stream->write(std::string(emptyLine) + cutToColumns(shown, columns));
+  const std::string text = cutToColumns(shown, screenColumns - 1);
+  drawnColumns = countColumns(text);
+  stream->write(std::string(emptyLine) + text);
 }
 
 Console::Console(Interruption& interruption, int output, int errors)
@@ -89,15 +101,20 @@ void Console::printError(std::string_view text) {
   printOn(errors, text);
 }
 
-void Console::startProgress(ProgressPlace place) {
-  const bool withResults = place == ProgressPlace::withResults;
-  TextStream& stream = withResults ? output : errors;
-  const ProgressStyle otherwise = withResults ? ProgressStyle::lines : ProgressStyle::none;
-  line.emplace(stream, stream.canRedraw() ? ProgressStyle::live : otherwise);
+void Console::printProgress(ProgressPlace place, std::string_view text) {
+  printOn(place == ProgressPlace::withResults ? output : errors, text);
 }
 
-void Console::progress(std::string_view message) {
-  if (line) line->show(message);
+const TextStream& Console::progressStream(ProgressPlace place) const {
+  return place == ProgressPlace::withResults ? output : errors;
+}
+
+void Console::startProgress(ProgressPlace place) {
+  line.emplace(place == ProgressPlace::withResults ? output : errors);
+}
+
+void Console::progress(std::string_view text) {
+  if (line) line->show(text);
 }
 
 void Console::endProgress() {
@@ -109,6 +126,12 @@ void Console::printOn(TextStream& stream, std::string_view text) {
   if (line) line->erase();
   stream.write(text);
   if (line && text.ends_with('\n')) line->redraw();
+}
+
+bool usesColor(ColorChoice choice, const TextStream& stream) {
+  if (choice != ColorChoice::automatic) return choice == ColorChoice::always;
+  const char* refused = std::getenv("NO_COLOR");
+  return stream.canRedraw() && (!refused || *refused == '\0');
 }
 
 }  // namespace corvane::ctl

@@ -45,40 +45,37 @@ class TextStream {
   Interruption* interruption;
 };
 
-/// How progress is shown.
-enum class ProgressStyle {
-  /// One line of a terminal that is drawn over and over.
-  live,
-  /// Each message on a line of its own, unless it is the same as the one before.
-  lines,
-  none,
-};
-
-/// The progress of something that takes long. In live style the line is cut to the terminal's
-/// width, and the cursor stays on it until it is erased.
-class ProgressLine {
+/// One line of a terminal that is drawn over and over, cut to the terminal's width. The cursor
+/// stays on it until it is erased.
+class LiveLine {
  public:
-  /// `stream` outlives the line.
-  ProgressLine(TextStream& stream, ProgressStyle style) : stream(&stream), style(style) {}
+  /// `stream` outlives the line and can be redrawn.
+  explicit LiveLine(TextStream& stream) : stream(&stream) {}
 
-  void show(std::string_view message);
-  /// Leaves the cursor at the beginning of an empty line, when the line is live and drawn.
+  /// Draws the line unless it is what stands there already.
+  void show(std::string_view text);
+  /// Leaves the cursor at the beginning of an empty line, when the line is drawn.
   void erase();
-  /// Draws an erased live line again.
+  /// Draws an erased line again.
   void redraw();
 
  private:
   TextStream* stream;
-  ProgressStyle style;
   std::string shown;
+  /// How many columns the text takes that is drawn, and how many the terminal had.
+  std::size_t drawnColumns = 0;
+  std::size_t screenColumns = 0;
   bool drawn = false;
 };
 
 /// Where progress may go: among the results on standard output, or only beside them.
 enum class ProgressPlace { withResults, besideResults };
 
-/// The one owner of standard output and standard error, so that results, messages and the progress
-/// line do not run into each other. Its operations throw what TextStream::write throws.
+/// When to use colours: where they can be seen and nobody has asked for none, or as told.
+enum class ColorChoice { automatic, always, never };
+
+/// The one owner of standard output and standard error, so that results, messages and the live line
+/// do not run into each other. Its operations throw what TextStream::write throws.
 class Console {
  public:
   explicit Console(Interruption& interruption, int output = STDOUT_FILENO,
@@ -89,15 +86,18 @@ class Console {
   void complain(std::string_view text);
   /// Prints on standard error just as it is.
   void printError(std::string_view text);
+  /// Prints where progress goes.
+  void printProgress(ProgressPlace place, std::string_view text);
   /// For asking what standard output is.
   [[nodiscard]] const TextStream& standardOutput() const { return output; }
+  /// For asking what progress would be shown on.
+  [[nodiscard]] const TextStream& progressStream(ProgressPlace place) const;
 
-  /// Begins to show progress: as a live line on a terminal, else line by line, but beside results
-  /// only live or not at all.
+  /// Begins a live line, on a terminal that can be redrawn. It stays below whatever is printed.
   void startProgress(ProgressPlace place);
-  /// Shows a message while progress is shown.
-  void progress(std::string_view message);
-  /// Ends progress and leaves the cursor where other text can begin.
+  /// Shows a line of text while there is a live line.
+  void progress(std::string_view text);
+  /// Ends the live line and leaves the cursor where other text can begin.
   void endProgress();
 
  private:
@@ -105,7 +105,10 @@ class Console {
 
   TextStream output;
   TextStream errors;
-  std::optional<ProgressLine> line;
+  std::optional<LiveLine> line;
 };
+
+/// Whether to use colours on `stream`, by `choice` and the variable NO_COLOR.
+[[nodiscard]] bool usesColor(ColorChoice choice, const TextStream& stream);
 
 }  // namespace corvane::ctl

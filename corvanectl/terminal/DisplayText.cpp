@@ -26,12 +26,6 @@ bool continuesCharacter(char byte) {
   return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
 }
 
-std::size_t widestColumns(std::string_view text) {
-  std::size_t columns = 0;
-  for (const char c : text) columns += continuesCharacter(c) ? 0 : widestColumns(c);
-  return columns;
-}
-
 bool isSmallLetter(char c) {
   return c >= 'a' && c <= 'z';
 }
@@ -72,6 +66,12 @@ std::string cleanLines(std::string_view text) {
     if (!rest.empty()) lines += '\n';
   }
   return lines;
+}
+
+std::size_t widestColumns(std::string_view text) {
+  std::size_t columns = 0;
+  for (const char c : text) columns += continuesCharacter(c) ? 0 : widestColumns(c);
+  return columns;
 }
 
 std::string cutToColumns(std::string_view text, std::size_t columns) {

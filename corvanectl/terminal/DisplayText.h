@@ -15,6 +15,9 @@ namespace corvane::ctl {
 /// replaced, and white space at the ends is left off.
 [[nodiscard]] std::string cleanLines(std::string_view text);
 
+/// The most columns that `text`, which is valid UTF-8, takes on any terminal.
+[[nodiscard]] std::size_t widestColumns(std::string_view text);
+
 /// The front of `text`, which is valid UTF-8, that surely fits into `columns` columns, with "…" at
 /// its end when something is left off.
 [[nodiscard]] std::string cutToColumns(std::string_view text, std::size_t columns);

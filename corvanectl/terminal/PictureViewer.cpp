@@ -88,6 +88,10 @@ bool PictureViewer::hasScreen() const {
   return foreground < 0 || foreground == ::getpgrp();
 }
 
+bool PictureViewer::canShow() const {
+  return hasScreen() && !stuck && findProgram("chafa", searchPath());
+}
+
 void PictureViewer::showFile(const fs::path& file) {
   if (const auto chafa = findChafa()) run(*chafa, file);
 }

@@ -22,6 +22,9 @@ class PictureViewer {
   /// that the terminal listens to.
   [[nodiscard]] bool hasScreen() const;
 
+  /// Whether it has a screen and the means to draw on it.
+  [[nodiscard]] bool canShow() const;
+
   /// Shows the picture in `file`, in some rows of their own; the cursor is at the beginning of a
   /// line before and after. Needs a screen. Where chafa is not installed, the first call says so on
   /// standard error. Throws Interrupted and what Console throws.

@@ -44,7 +44,7 @@ async function openThreeTests(t, options) {
 }
 
 const visible = (selector) =>
-  [...document.querySelectorAll(selector)].filter((each) => each.checkVisibility({ contentVisibilityAuto: false }));
+  [...document.querySelectorAll(selector)].filter((each) => each.checkVisibility());
 /** The texts of those elements that are in sight. */
 const visibleTexts = (page, selector) =>
   page.evaluate(`(${visible})(${JSON.stringify(selector)}).map((each) => each.textContent)`);

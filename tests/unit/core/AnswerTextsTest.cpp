@@ -41,16 +41,23 @@ TEST(AnswerTextsTest, WhatIsWordedIsReadAgain) {
   }
 }
 
-// Fails when the result is cut at its own empty line.
-TEST(AnswerTextsTest, OnlyATerminalAnswerCarriesTheResult) {
-  const auto read = [](Standing standing) {
+// Fails when the result is cut at its own empty line, or begins with what the head says of the app.
+TEST(AnswerTextsTest, TheResultStandsBehindTheHead) {
+  const auto read = [](Standing standing, std::string_view head) {
     const std::string answer =
-        AnswerTexts::statusLine("passed", standing) + "\n\n{\"a\":1}\n\n{\"b\":2}";
+        AnswerTexts::statusLine("passed", standing).append(head) + "\n\n{\"a\":1}\n\n{\"b\":2}";
     return std::string(AnswerTexts::readResultAnswer(answer)->result);
   };
-  EXPECT_EQ(read(Standing::terminal), "{\"a\":1}\n\n{\"b\":2}");
-  EXPECT_EQ(read(Standing::inProgress), "");
-  EXPECT_EQ(read(Standing::pending), "");
+  const std::string_view result = "{\"a\":1}\n\n{\"b\":2}";
+  EXPECT_EQ(read(Standing::terminal, ""), result);
+  EXPECT_EQ(read(Standing::inProgress, "\nappRunning: true\nsecondsSinceUpdate: 1"), result);
+  EXPECT_EQ(read(Standing::stale, "\nappRunning: true"), result);
+  EXPECT_EQ(read(Standing::appNotRunning,
+                 "\nappRunning: false\n\nThis run died with the app; it will not progress. "
+                 "run_test/create_test relaunch Corvane (which settles orphaned runs as 'error' at "
+                 "startup)."),
+            result);
+  EXPECT_EQ(read(Standing::pending, ""), "");
   EXPECT_EQ(AnswerTexts::readResultAnswer("status: passed (terminal)")->result, "");
 }
 
@@ -73,7 +80,7 @@ TEST(AnswerTextsTest, ARemarkEndsItsLine) {
   const auto read = AnswerTexts::readResultAnswer("status: running (terminal) or not\n\n{}");
   ASSERT_TRUE(read);
   EXPECT_EQ(read->standing, std::nullopt);
-  EXPECT_EQ(read->result, "");
+  EXPECT_FALSE(read->isTerminal());
 }
 
 // Fails when what stands where the seconds belong is not looked at.
@@ -95,6 +102,49 @@ TEST(AnswerTextsTest, TheRequestIdStandsInItsColumnAndIsReadAgain) {
   }
   EXPECT_EQ(AnswerTexts::readRequestId("Dispatched."), std::nullopt);
   EXPECT_EQ(AnswerTexts::readRequestId("requestId: soon"), std::nullopt);
+}
+
+// Fails when a name that the request was given can say that the launch failed.
+TEST(AnswerTextsTest, TheLaunchFailedWhereTheAnswerEndsWithThat) {
+  const std::string failed = "\n  Corvane.app: /A.app  (LAUNCH FAILED — open Corvane manually)";
+  const std::string next = "\n\nNext: call get_result {} and repeat.";
+  EXPECT_TRUE(AnswerTexts::readLaunchFailed("Dispatched." + failed + next));
+  EXPECT_TRUE(AnswerTexts::readLaunchFailed("Dispatched." + failed));
+  EXPECT_FALSE(AnswerTexts::readLaunchFailed("Dispatched.\n  Corvane.app: /A.app" + next));
+  EXPECT_FALSE(
+      AnswerTexts::readLaunchFailed("  Project: x" + failed + "\n  Corvane.app: /A.app" + next));
+}
+
+// Fails when it is cut where a name has the same words.
+TEST(AnswerTextsTest, WhatAnAgentDoesNextIsTheEnd) {
+  EXPECT_EQ(AnswerTexts::withoutNextCall("A\n\nNext: call me\n\nNext: call get_result {}"),
+            "A\n\nNext: call me");
+  EXPECT_EQ(AnswerTexts::withoutNextCall("A"), "A");
+}
+
+TEST(AnswerTextsTest, TheAppStateIsReadAgain) {
+  EXPECT_EQ(AnswerTexts::appStateLine(true), "Corvane status (appRunning: true).");
+  EXPECT_EQ(AnswerTexts::appStateLine(false), "Corvane status (appRunning: false).");
+  EXPECT_EQ(AnswerTexts::readAppState("Corvane status (appRunning: true).\n\n{}"), true);
+  EXPECT_EQ(AnswerTexts::readAppState("Corvane status (appRunning: false).\n\n{}"), false);
+  EXPECT_EQ(AnswerTexts::readAppState("Corvane status (appRunning: maybe).\n\n{}"), std::nullopt);
+  EXPECT_EQ(AnswerTexts::snapshotIn("Corvane status (appRunning: false).\n\nnote: x\n\n{\"a\":1}"),
+            "{\"a\":1}");
+}
+
+TEST(AnswerTextsTest, TheCaptionOfAStepIsReadAgain) {
+  const std::string caption = AnswerTexts::stepCaption(12, "before, after");
+  EXPECT_EQ(caption,
+            "step 12 screenshots (before, after) — corner brackets mark where Corvane touched "
+            "(drags also draw a line to the end point)");
+  const auto read = AnswerTexts::readStepCaption(caption);
+  ASSERT_TRUE(read);
+  EXPECT_EQ(read->step, 12);
+  EXPECT_EQ(read->moments, (std::vector<std::string>{"before", "after"}));
+  EXPECT_TRUE(AnswerTexts::readStepCaption(AnswerTexts::stepCaption(0, ""))->moments.empty());
+  EXPECT_FALSE(AnswerTexts::readStepCaption("(no frames recorded for step 3)"));
+  std::string odd = caption;
+  EXPECT_FALSE(AnswerTexts::readStepCaption(odd.replace(5, 2, "1x")));
 }
 
 }  // namespace

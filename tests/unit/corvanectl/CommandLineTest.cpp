@@ -101,16 +101,16 @@ TEST(CommandLine, ReadsTheOptionsOfARun) {
   EXPECT_EQ(run.platform, "iOS");
   EXPECT_EQ(run.udid, "U");
   EXPECT_EQ(run.build, std::nullopt);
-  EXPECT_TRUE(run.json);
+  EXPECT_TRUE(run.options.json);
   EXPECT_EQ(command<RunCommand>({"run", "Shop", "--all", "--build"}).build, true);
   EXPECT_EQ(command<RunCommand>({"run", "Shop", "--all", "--no-build"}).build, false);
 }
 
 TEST(CommandLine, ReadsFollow) {
-  const auto follow = command<FollowCommand>({"follow", "id", "--pictures", "d", "--json"}).options;
+  const auto follow = command<FollowCommand>({"follow", "id", "--pictures", "d", "--json"});
   EXPECT_EQ(follow.requestId, "id");
-  EXPECT_EQ(follow.pictures, "d");
-  EXPECT_TRUE(follow.json);
+  EXPECT_EQ(follow.options.pictures, "d");
+  EXPECT_TRUE(follow.options.json);
 }
 
 TEST(CommandLine, ReadsTheShortForms) {

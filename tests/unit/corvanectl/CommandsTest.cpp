@@ -6,7 +6,7 @@
 #include "CorvaneCore/json/JsonReader.h"
 #include "FakeServerScript.h"
 #include "corvanectl/commands/CallCommand.h"
-#include "corvanectl/commands/FollowCommand.h"
+#include "corvanectl/commands/Following.h"
 
 namespace corvane::testing {
 namespace {
@@ -20,7 +20,7 @@ class CommandsTest : public ::testing::Test {
   ExitStatus followUntil(Deadline end) {
     Session session(context);
     const auto begin = std::chrono::steady_clock::now();
-    const ExitStatus status = follow({"ID", false, {}}, session, end, context);
+    const ExitStatus status = follow({"ID"}, FollowOptions(), session, end, context);
     followed = std::chrono::steady_clock::now() - begin;
     return status;
   }

@@ -8,9 +8,23 @@
 namespace corvane::testing {
 namespace {
 
-const std::string running =
-    "status: running (NOT terminal — run still in progress, call get_result again)\n"
-    "appRunning: true\nsecondsSinceUpdate: 1\n\n{}";
+/// An answer of get_result about a request that goes on; `members` follow the required ones.
+std::string goesOn(const std::string& status, const std::string& members = {}) {
+  return textResult(
+      "status: " + status +
+      " (NOT terminal — run still in progress, call get_result again)\nappRunning: true\n"
+      "secondsSinceUpdate: 1\n\n" +
+      R"({"schemaVersion":3,"requestId":"r","source":"run_test","status":")" + status +
+      R"(","terminal":false,"updatedAt":"2026-01-31T12:00:00Z")" + members + "}");
+}
+
+const std::string running = goesOn("running");
+
+/// What is said on standard error of a request that is left.
+std::string waysOn(const std::string& id) {
+  return "corvanectl: the request goes on; follow it with 'corvanectl follow " + id +
+         "' or cancel it with 'corvanectl cancel " + id + "'\n";
+}
 
 const std::string passedJson =
     R"({"schemaVersion":3,"requestId":"r","source":"run_test","status":"passed","terminal":true,)"
@@ -33,32 +47,65 @@ std::vector<AnyCodable> calls(const FakeServerScript& script) {
   return params;
 }
 
-TEST(Follow, ShowsEachProgressMessageOnceAndThenTheSummary) {
-  const FakeServerScript script(greeted(
-      joined({"expect tools/call", "progress queued — position 2", "progress queued — position 2",
-              "progress running — step 1/2", textResult(running), "expect tools/call",
-              "progress running — step 1/2", "progress running — step 2/2", textResult(running)},
-             finishedResult("passed", passedJson))));
+TEST(Follow, TellsEachThingOnceAndThenTheSummary) {
+  const std::string first =
+      R"({"testId":"1","testName":"Login","status":"passed","durationSeconds":2,"steps":[]})";
+  const std::string second =
+      R"({"testId":"2","testName":"Pay","status":"passed","durationSeconds":3,"steps":[]})";
+  const std::string firstStep = R"(,"progress":{"currentStep":1,"totalSteps":2})";
+  const std::string secondStep = R"(,"progress":{"currentStep":2,"totalSteps":2},"tests":[)";
+  const FakeServerScript script(greeted(joined(
+      {"expect tools/call", goesOn("queued", R"(,"queuePosition":2)"), "expect tools/call",
+       goesOn("queued", R"(,"queuePosition":2)"), "expect tools/call", goesOn("running", firstStep),
+       "expect tools/call", goesOn("running", secondStep + first + "]")},
+      finishedResult("passed", passedJson.substr(0, passedJson.size() - 1) + R"(,"tests":[)" +
+                                   first + "," + second + "]}"))));
   const auto run = runWithFakeServer({"follow", "ID"});
   EXPECT_EQ(run.status, 0) << run.errors;
   EXPECT_EQ(run.output,
-            "queued — position 2\nrunning — step 1/2\nrunning — step 2/2\npassed: Shop\n");
-  ASSERT_EQ(calls(script).size(), 3U);
+            "queued — position 2\nrunning\nstep 0/2\n  passed  Login  (0 steps, 2 s)\n"
+            "test (2), step 1/2\n  passed  Pay  (0 steps, 3 s)\npassed: Shop\n");
+  ASSERT_EQ(calls(script).size(), 5U);
   EXPECT_EQ(calls(script).front(),
-            readJson(R"({"name":"get_result","arguments":{"requestId":"ID","waitSeconds":120},)"
-                     R"("_meta":{"progressToken":2}})"));
+            readJson(R"({"name":"get_result","arguments":{"requestId":"ID","waitSeconds":1}})"));
 }
 
-TEST(Follow, ShowsWhatIsWrongWithARunUntilItIsOver) {
+TEST(Follow, TellsWhatIsWrongWithARunUntilItIsOver) {
   const std::string orphaned =
       textResult("status: running (NOT terminal — but Corvane.app is NOT running)\n\n{}");
   const FakeServerScript script(greeted(joined(
-      {"expect tools/call", "progress step 1", orphaned, "expect tools/call", "progress step 1",
-       orphaned, "expect tools/call", "progress step 1", textResult(running)},
+      {"expect tools/call", orphaned, "expect tools/call", orphaned, "expect tools/call", running},
       finishedResult("passed", passedJson))));
   EXPECT_EQ(runWithFakeServer({"follow", "ID"}).output,
-            "step 1\nrunning (NOT terminal — but Corvane.app is NOT running)\n"
-            "step 1\npassed: Shop\n");
+            "running\nCorvane.app is not running, so the request does not move. Open the app, or "
+            "withdraw the request with 'corvanectl cancel ID'.\n"
+            "Corvane.app is at work on the request again.\npassed: Shop\n");
+}
+
+// Fails when somebody who reads JSON is not told that it goes nowhere.
+TEST(Follow, TellsWhatIsWrongBesideTheJson) {
+  const FakeServerScript script(greeted(
+      joined({"expect tools/call",
+              textResult("status: running (NOT terminal — but Corvane.app is NOT running)\n\n{}")},
+             finishedResult("passed", passedJson))));
+  const auto run = runWithFakeServer({"follow", "ID", "--json"});
+  EXPECT_EQ(run.output, passedJson + "\n");
+  EXPECT_EQ(run.errors,
+            "Corvane.app is not running, so the request does not move. Open the app, or withdraw "
+            "the request with 'corvanectl cancel ID'.\n");
+}
+
+TEST(Follow, EndsWhereNoAppWorksOnTheRequest) {
+  std::vector<std::string> polls;
+  for (int i = 0; i < 6; ++i) {
+    polls.emplace_back("expect tools/call");
+    polls.push_back(
+        textResult("status: running (NOT terminal — but Corvane.app is NOT running)\n\n{}"));
+  }
+  const FakeServerScript script(greeted(polls));
+  const auto run = runWithFakeServer({"follow", "ID", "--app-timeout", "1"});
+  EXPECT_EQ(run.status, 5);
+  EXPECT_EQ(run.errors, "corvanectl: no Corvane.app has been running for 1 s\n" + waysOn("ID"));
 }
 
 TEST(Follow, EndsAsTheRequestEnded) {
@@ -72,19 +119,31 @@ TEST(Follow, EndsAsTheRequestEnded) {
 
 TEST(Follow, PrintsOnlyTheResultAsJson) {
   const FakeServerScript script(
-      greeted(joined({"expect tools/call", "progress running", textResult(running)},
-                     finishedResult("passed", passedJson))));
+      greeted(joined({"expect tools/call", running}, finishedResult("passed", passedJson))));
   const auto run = runWithFakeServer({"follow", "ID", "--json"});
   EXPECT_EQ(run.output, passedJson + "\n");
   EXPECT_EQ(run.errors, "");
 }
 
-TEST(Follow, ShowsTheToolsOwnError) {
-  const FakeServerScript script(
-      greeted({"expect tools/call", textResult("error:unknown_request_id\n\nNo result", true)}));
+// Fails when a person is told what the tool tells an agent.
+TEST(Follow, TellsOfARequestThatNobodyKnows) {
+  const FakeServerScript script(greeted(
+      {"expect tools/call",
+       textResult("error:unknown_request_id\n\nNo result. Update if get_result fails.", true)}));
   const auto run = runWithFakeServer({"follow", "ID"});
   EXPECT_EQ(run.status, 1);
-  EXPECT_EQ(run.output, "error:unknown_request_id\n\nNo result");
+  EXPECT_EQ(run.output, "");
+  EXPECT_EQ(run.errors,
+            "corvanectl: nobody knows the request ID: the id is wrong, or its result has been "
+            "removed (results are kept for about 7 days)\n");
+}
+
+TEST(Follow, TellsOfAResultThatCannotBeRead) {
+  const FakeServerScript script(greeted(
+      {"expect tools/call", textResult("error:result_unreadable\n\nNot parsed: /a/b.json", true)}));
+  const auto run = runWithFakeServer({"follow", "ID"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.errors, "corvanectl: Not parsed: /a/b.json\n");
 }
 
 TEST(Follow, GivesUpWhenTheTimeHasRunOut) {
@@ -92,17 +151,14 @@ TEST(Follow, GivesUpWhenTheTimeHasRunOut) {
   std::vector<std::string> polls;
   for (int i = 0; i < 8; ++i) {
     polls.emplace_back("expect tools/call");
-    polls.push_back(textResult(running));
+    polls.push_back(running);
   }
   const FakeServerScript script(greeted(polls));
   const auto run = runWithFakeServer({"follow", "ID", "--timeout", "2"});
   EXPECT_EQ(run.status, 4);
-  EXPECT_NE(run.errors.find("has not finished in the time given; its status is running"),
-            std::string::npos);
-  const AnyCodable first = calls(script).front();
-  // Starting the server may take some of the time.
-  const auto waits = *first.find("arguments")->find("waitSeconds")->integer();
-  EXPECT_TRUE(waits == 1 || waits == 2) << waits;
+  EXPECT_EQ(run.errors,
+            "corvanectl: the request has not finished in the time given; its status is running\n" +
+                waysOn("ID"));
 }
 
 TEST(Follow, GivesUpOnAServerThatDoesNotAnswerInTime) {
@@ -110,7 +166,8 @@ TEST(Follow, GivesUpOnAServerThatDoesNotAnswerInTime) {
   const auto run = runWithFakeServer({"follow", "ID", "--timeout", "2"});
   EXPECT_EQ(run.status, 4);
   // Two seconds beyond the user's time, of which starting the server has taken its part.
-  constexpr std::string_view lead = "corvanectl: the server did not answer tools/call within ";
+  const std::string lead =
+      waysOn("ID") + "corvanectl: the server did not answer tools/call within ";
   ASSERT_TRUE(run.errors.starts_with(lead) && run.errors.ends_with(" s\n")) << run.errors;
   const double seconds = std::stod(run.errors.substr(lead.size()));
   EXPECT_TRUE(seconds > 2 && seconds <= 4) << seconds;
@@ -118,7 +175,7 @@ TEST(Follow, GivesUpOnAServerThatDoesNotAnswerInTime) {
 }
 
 TEST(Follow, CountsAServerThatDiesAsProtocolTrouble) {
-  const FakeServerScript script(greeted({"expect tools/call", "progress running", "crash"}));
+  const FakeServerScript script(greeted({"expect tools/call", "crash"}));
   EXPECT_EQ(runWithFakeServer({"follow", "ID"}).status, 2);
 }
 
@@ -135,13 +192,19 @@ TEST(Follow, SavesThePicturesOfAStep) {
                "result {\"content\":[" + answer + "," + advice + "],\"isError\":false}",
                "expect tools/call",
                "result {\"content\":[" + answer + "," + advice +
-                   R"(,{"type":"text","text":"step 3 screenshots"},)"
-                   R"({"type":"image","data":"Zm9v","mimeType":"image/jpeg"}],"isError":false})"}));
+                   R"(,{"type":"text","text":"step 3 screenshots (before, after) — corner )"
+                   R"(brackets mark where Corvane touched (drags also draw a line to the end )"
+                   R"x(point)"},{"type":"image","data":"Zm9v","mimeType":"image/jpeg"},)x"
+                   R"({"type":"image","data":"YmFy","mimeType":"image/jpeg"}],"isError":false})"}));
   const TemporaryDirectory directory;
   const auto run = runWithFakeServer({"follow", "ID", "--pictures", directory.path()});
-  EXPECT_EQ(run.output, "passed\n{}\nstep 3 screenshots\n" +
-                            (directory.path() / "get_result-1.jpg").string() + "\n");
-  EXPECT_EQ(readFile(directory.path() / "get_result-1.jpg"), "foo");
+  EXPECT_EQ(run.output,
+            "passed\n{}\nstep 3 screenshots (before, after) — corner brackets mark "
+            "where Corvane touched (drags also draw a line to the end point)\n" +
+                (directory.path() / "get_result-step-3-before.jpg").string() + "\n" +
+                (directory.path() / "get_result-step-3-after.jpg").string() + "\n");
+  EXPECT_EQ(readFile(directory.path() / "get_result-step-3-before.jpg"), "foo");
+  EXPECT_EQ(readFile(directory.path() / "get_result-step-3-after.jpg"), "bar");
   EXPECT_EQ(
       calls(script).back(),
       readJson(R"({"name":"get_result","arguments":{"includeStepTrace":true,"requestId":"ID"}})"));
@@ -160,28 +223,17 @@ TEST(Follow, TellsOfPicturesBesideTheJson) {
   EXPECT_EQ(run.errors, (directory.path() / "get_result-1.jpg").string() + "\n");
 }
 
-/// The script with a server that takes its time before it greets.
-std::vector<std::string> slowlyGreeted(std::vector<std::string> lines) {
-  lines = greeted(std::move(lines));
-  lines.insert(lines.begin() + 1, "delay 1500");
-  return lines;
-}
-
-// Fails when the time is counted from after the server's start.
-TEST(Follow, CountsTheServersStartAsTimeGone) {
-  const FakeServerScript script(slowlyGreeted(finishedResult("passed", passedJson)));
-  EXPECT_EQ(runWithFakeServer({"follow", "ID", "--timeout", "4"}).status, 0);
-  ASSERT_EQ(calls(script).size(), 1U);
-  EXPECT_LT(*calls(script).front().find("arguments")->find("waitSeconds")->integer(), 4);
-}
-
 const std::string dispatched =
     "Run request dispatched to Corvane.\n\n  requestId:   0f8fad5b-d9cb-469f-a165-70867728950e\n"
     "  Project:     Shop";
 
+/// The answers about a workspace that is not known and to the dispatch.
+const std::vector<std::string> dispatch{"expect tools/call",
+                                        textResult("error:context_unavailable\n\nNone.", true),
+                                        "expect tools/call", textResult(dispatched)};
+
 TEST(RunAndFollow, FollowsWhatWasDispatched) {
-  const FakeServerScript script(greeted(
-      joined({"expect tools/call", textResult(dispatched)}, finishedResult("failed", passedJson))));
+  const FakeServerScript script(greeted(joined(dispatch, finishedResult("failed", passedJson))));
   const auto run = runWithFakeServer({"run", "Shop", "--all", "--follow"});
   EXPECT_EQ(run.status, 1);
   EXPECT_EQ(run.output, dispatched + "\n\npassed: Shop\n");
@@ -189,31 +241,74 @@ TEST(RunAndFollow, FollowsWhatWasDispatched) {
             AnyCodable("0f8fad5b-d9cb-469f-a165-70867728950e"));
 }
 
-// Fails when the time is counted from after the server's start.
+// Fails when the time is counted from after the server's start, which takes all of it.
 TEST(RunAndFollow, CountsTheServersStartAsTimeGone) {
-  const FakeServerScript script(slowlyGreeted(
-      joined({"expect tools/call", textResult(dispatched)}, finishedResult("passed", passedJson))));
-  EXPECT_EQ(runWithFakeServer({"run", "Shop", "--all", "--follow", "--timeout", "4"}).status, 0);
-  ASSERT_EQ(calls(script).size(), 2U);
-  EXPECT_LT(*calls(script).back().find("arguments")->find("waitSeconds")->integer(), 4);
+  std::vector<std::string> looks;
+  for (int i = 0; i < 8; ++i) {
+    looks.emplace_back("expect tools/call");
+    looks.push_back(running);
+  }
+  auto lines = greeted(joined(dispatch, looks));
+  lines.insert(lines.begin() + 1, "delay 1500");
+  const FakeServerScript script(lines);
+  EXPECT_EQ(runWithFakeServer({"run", "Shop", "--all", "--follow", "--timeout", "1.6"}).status, 4);
+  // Two looks at most, where there would be time for three.
+  EXPECT_LE(calls(script).size(), 4U);
 }
 
+// Fails when the id is known only at the end.
 TEST(RunAndFollow, PrintsOnlyTheFinalResultAsJson) {
-  const FakeServerScript script(greeted(
-      joined({"expect tools/call", textResult(dispatched)}, finishedResult("passed", passedJson))));
-  EXPECT_EQ(runWithFakeServer({"run", "Shop", "--all", "--follow", "--json"}).output,
-            passedJson + "\n");
+  const FakeServerScript script(greeted(joined(dispatch, finishedResult("passed", passedJson))));
+  const auto run = runWithFakeServer({"run", "Shop", "--all", "--follow", "--json"});
+  EXPECT_EQ(run.output, passedJson + "\n");
+  EXPECT_EQ(run.errors, "requestId: 0f8fad5b-d9cb-469f-a165-70867728950e\n");
 }
 
 TEST(RunAndFollow, FollowsNothingThatWasNotDispatched) {
   {
-    const FakeServerScript script(greeted({"expect tools/call", textResult("error:x", true)}));
+    const FakeServerScript script(greeted({"expect tools/call", textResult("error:x", true),
+                                           "expect tools/call", textResult("error:y", true)}));
     const auto run = runWithFakeServer({"run", "Shop", "--all", "--follow"});
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.output, "error:x");
+    EXPECT_EQ(run.output, "error:y\n");
   }
-  const FakeServerScript script(greeted({"expect tools/call", textResult("done")}));
+  const FakeServerScript script(greeted(
+      {"expect tools/call", textResult("none", true), "expect tools/call", textResult("done")}));
   EXPECT_EQ(runWithFakeServer({"run", "Shop", "--all", "--follow"}).status, 2);
+}
+
+// Fails when a folder that cannot be written is found out after the run.
+TEST(RunAndFollow, ChecksTheFolderBeforeItDispatches) {
+  const TemporaryDirectory directory;
+  writeFileWhole(directory.path() / "file", "");
+  const FakeServerScript script(greeted(dispatch));
+  const auto run = runWithFakeServer(
+      {"run", "Shop", "--all", "--follow", "--pictures", directory.path() / "file" / "shots"});
+  EXPECT_EQ(run.status, 74);
+  EXPECT_NE(run.errors.find("--pictures"), std::string::npos) << run.errors;
+  EXPECT_TRUE(calls(script).empty());
+}
+
+TEST(RunAndFollow, LeavesOutWhatIsForAgents) {
+  const std::string forAgents =
+      "\n\nNext: call get_result {\"requestId\":\"x\",\"waitSeconds\":120} and repeat until the "
+      "status is terminal.";
+  const FakeServerScript script(greeted({"expect tools/call", textResult(dispatched + forAgents)}));
+  EXPECT_EQ(runWithFakeServer({"run", "Shop", "--all"}).output,
+            dispatched + "\n\nNext: corvanectl follow 0f8fad5b-d9cb-469f-a165-70867728950e\n");
+}
+
+TEST(RunAndFollow, SaysThatTheAppWasNotLaunched) {
+  const std::string answer =
+      dispatched + "\n  Corvane.app: <not found>  (LAUNCH FAILED — open Corvane manually)";
+  const FakeServerScript script(greeted({"expect tools/call", textResult(answer)}));
+  const auto run = runWithFakeServer({"run", "Shop", "--all"});
+  EXPECT_EQ(run.status, 5);
+  EXPECT_EQ(run.errors,
+            "corvanectl: Corvane.app could not be started; open it yourself\n"
+            "corvanectl: the request waits for it; follow it with 'corvanectl follow "
+            "0f8fad5b-d9cb-469f-a165-70867728950e' or cancel it with 'corvanectl cancel "
+            "0f8fad5b-d9cb-469f-a165-70867728950e'\n");
 }
 
 }  // namespace

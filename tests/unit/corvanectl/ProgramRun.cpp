@@ -7,6 +7,7 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <stdexcept>
 #include <string>
@@ -73,10 +74,7 @@ Pseudoterminal::Pseudoterminal(unsigned short columns)
     throw std::runtime_error("no pseudoterminal");
   }
   terminal = FileDescriptor(::open(::ptsname(keyboard.get()), O_RDWR | O_NOCTTY | O_CLOEXEC));
-  winsize size{};
-  size.ws_row = 24;
-  size.ws_col = columns;
-  ::ioctl(terminal.get(), TIOCSWINSZ, &size);
+  resize(columns);
 }
 
 FileDescriptor Pseudoterminal::anotherSide() const {
@@ -106,6 +104,21 @@ void Pseudoterminal::type(std::string_view keys) {
 const std::string& Pseudoterminal::readUntil(std::string_view text) {
   while (shown.find(text) == std::string::npos && readMore()) continue;
   return shown;
+}
+
+std::string Pseudoterminal::readPast(std::string_view end) {
+  while (shown.find(end, taken) == std::string::npos && readMore()) continue;
+  const std::size_t found = std::min(shown.find(end, taken), shown.size());
+  std::string text = shown.substr(taken, found - taken);
+  taken = std::min(found + end.size(), shown.size());
+  return text;
+}
+
+void Pseudoterminal::resize(unsigned short columns) {
+  winsize size{};
+  size.ws_row = 24;
+  size.ws_col = columns;
+  ::ioctl(keyboard.get(), TIOCSWINSZ, &size);
 }
 
 const std::string& Pseudoterminal::readAll() {

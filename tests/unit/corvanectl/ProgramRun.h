@@ -51,6 +51,10 @@ class Pseudoterminal {
   void type(std::string_view keys);
   /// All that was shown so far, read until `text` is in it or nothing more comes.
   const std::string& readUntil(std::string_view text);
+  /// What was shown since the last call of this, read until `end`, which is left out.
+  std::string readPast(std::string_view end);
+  /// Gives the window another width.
+  void resize(unsigned short columns);
   /// All that was shown, read until the program has closed the terminal.
   const std::string& readAll();
 
@@ -61,6 +65,8 @@ class Pseudoterminal {
   FileDescriptor terminal;
   std::string kind = "xterm";
   std::string shown;
+  /// How much of it readPast has given.
+  std::size_t taken = 0;
 };
 
 /// Whether what is typed at a terminal is shown and can be edited, as it is before programs change

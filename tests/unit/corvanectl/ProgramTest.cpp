@@ -125,7 +125,7 @@ TEST(Program, DispatchesARun) {
   const FakeServerScript script(greeted({"expect tools/call", textResult("dispatched")}));
   const auto run = runWithFakeServer({"run", "Shop", "--test", "A", "B", "--no-build"});
   EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.output, "dispatched");
+  EXPECT_EQ(run.output, "dispatched\n");
   EXPECT_EQ(lastParams(script),
             readJson(R"({"name":"run_test","arguments":{"buildFirst":false,"projectName":"Shop",)"
                      R"("testNames":["A","B"]}})"));

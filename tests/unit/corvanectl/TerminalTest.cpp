@@ -27,22 +27,15 @@ class Output {
   Pipe pipe = makePipe();
 };
 
-class ProgressTest : public ::testing::Test {
+class ConsoleTest : public ::testing::Test {
  protected:
   Interruption interruption;
   Output output;
   TextStream stream{output.descriptor(), interruption};
 };
 
-TEST_F(ProgressTest, LineByLineShowsWhatChanged) {
-  ProgressLine line(stream, ProgressStyle::lines);
-  for (const char* message : {"one", "one", "two", "one", ""}) line.show(message);
-  line.erase();
-  EXPECT_EQ(output.text(), "one\ntwo\none\n\n");
-}
-
-TEST_F(ProgressTest, LiveDrawsOverItselfAndIsErased) {
-  ProgressLine line(stream, ProgressStyle::live);
+TEST_F(ConsoleTest, LiveDrawsOverItselfAndIsErased) {
+  LiveLine line(stream);
   line.show("one");
   line.show("two\nlines");
   line.show("two\nlines");
@@ -51,21 +44,14 @@ TEST_F(ProgressTest, LiveDrawsOverItselfAndIsErased) {
   EXPECT_EQ(output.text(), "\r\033[Kone\r\033[Ktwo lines\r\033[K");
 }
 
-TEST_F(ProgressTest, NoneShowsNothing) {
-  ProgressLine line(stream, ProgressStyle::none);
-  line.show("one");
-  line.erase();
-  EXPECT_EQ(output.text(), "");
-}
-
-TEST_F(ProgressTest, LiveLeavesTheLastColumnFree) {
+TEST_F(ConsoleTest, LiveLeavesTheLastColumnFree) {
   Pseudoterminal terminal(10);
   TextStream narrow(terminal.side(), interruption);
-  ProgressLine(narrow, ProgressStyle::live).show("0123456789");
+  LiveLine(narrow).show("0123456789");
   EXPECT_EQ(terminal.readUntil("…"), "\r\033[K0123456…");
 }
 
-TEST_F(ProgressTest, ConsoleKeepsTextAndProgressApart) {
+TEST_F(ConsoleTest, ConsoleKeepsTextAndProgressApart) {
   ::setenv("TERM", "xterm", 1);
   Pseudoterminal terminal(40);
   Console console(interruption, terminal.side(), terminal.side());
@@ -78,28 +64,14 @@ TEST_F(ProgressTest, ConsoleKeepsTextAndProgressApart) {
             "\r\033[Kworking\r\033[Klog\r\n\r\033[Kworking\r\033[Kdone\r\n");
 }
 
-TEST_F(ProgressTest, ConsoleDrawsNothingOnASimpleTerminal) {
-  ::setenv("TERM", "dumb", 1);
-  Pseudoterminal terminal(40);
-  Console console(interruption, terminal.side(), terminal.side());
-  console.startProgress(ProgressPlace::withResults);
-  console.progress("working");
-  console.endProgress();
-  console.startProgress(ProgressPlace::besideResults);
-  console.progress("unseen");
-  console.endProgress();
-  console.print("done\n");
-  EXPECT_EQ(terminal.readUntil("done\r\n"), "working\r\ndone\r\n");
-}
-
-TEST_F(ProgressTest, WritingEndsAtASignal) {
+TEST_F(ConsoleTest, WritingEndsAtASignal) {
   const Pipe full = makePipe();
   TextStream stalled(full.writeEnd.get(), interruption);
   ::raise(SIGTERM);
   EXPECT_THROW(stalled.write(std::string(1'000'000, 'x')), Interrupted);
 }
 
-TEST_F(ProgressTest, WritingReportsAReaderThatHasGone) {
+TEST_F(ConsoleTest, WritingReportsAReaderThatHasGone) {
   Pipe pipe = makePipe();
   pipe.readEnd.close();
   TextStream stream(pipe.writeEnd.get(), interruption);
@@ -110,17 +82,22 @@ std::vector<std::string> followArguments() {
   return {"--server", FakeServerScript::program(), "follow", "ID"};
 }
 
+/// A running request at the first of three steps.
+const std::string atFirstStep = textResult(
+    "status: running (NOT terminal — run still in progress, call get_result again)\n"
+    R"(appRunning: true)"
+    "\n\n"
+    R"({"schemaVersion":3,"requestId":"r","source":"run_test","status":"running",)"
+    R"("terminal":false,"updatedAt":"2026-01-31T12:00:00Z",)"
+    R"("progress":{"currentStep":1,"totalSteps":3}})");
+
 TEST(Terminal, ShowsOneLiveLineCutToTheWidth) {
-  std::vector<std::string> lines{"expect tools/call", "progress queued",
-                                 "progress running — step 1/3: Tap the big button"};
-  for (auto& line : finishedResult("passed", "{}")) {
-    if (line != "expect tools/call") lines.push_back(line);
-  }
+  std::vector<std::string> lines{"expect tools/call", atFirstStep};
+  for (auto& line : finishedResult("passed", "{}")) lines.push_back(line);
   const FakeServerScript script(greeted(lines));
-  Pseudoterminal terminal(24);
+  Pseudoterminal terminal(8);
   const int program = terminal.start(followArguments());
-  EXPECT_EQ(terminal.readAll(),
-            "\r\033[Kqueued\r\033[Krunning — step 1/3: …\r\033[Kpassed\r\n{}\r\n");
+  EXPECT_EQ(terminal.readAll(), "\r\033[Kstep …\r\033[Kpassed\r\n{}\r\n");
   EXPECT_EQ(waitForStatus(program), 0);
 }
 
@@ -142,14 +119,19 @@ TEST(Terminal, WrapsTheListOfTools) {
   EXPECT_EQ(waitForStatus(program), 0);
 }
 
-TEST(Terminal, CtrlCEndsTheServerAndFreesTheLine) {
+TEST(Terminal, CtrlCEndsTheServerFreesTheLineAndTellsHowToGoOn) {
   const FakeServerScript script(
-      greeted({"ignoreTerm", "expect tools/call", "progress running — step 1/3", "hang"}));
+      greeted({"ignoreTerm", "expect tools/call", atFirstStep, "expect tools/call", "hang"}));
   Pseudoterminal terminal(80);
   const int program = terminal.start(followArguments());
-  terminal.readUntil("step 1/3");
+  terminal.readUntil("step 0/3");
   terminal.type("\x03");
-  EXPECT_TRUE(terminal.readAll().ends_with("\r\033[K"));
+  const std::string& shown = terminal.readAll();
+  EXPECT_TRUE(
+      shown.ends_with("\r\033[Kcorvanectl: the request goes on; follow it with "
+                      "'corvanectl follow ID' or cancel it with 'corvanectl cancel "
+                      "ID'\r\n"))
+      << shown;
   EXPECT_EQ(waitForStatus(program), 128 + SIGINT);
   EXPECT_TRUE(script.serverIsGone());
 }

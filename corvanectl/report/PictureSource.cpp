@@ -1,4 +1,4 @@
-#include "corvanectl/report/StepPictures.h"
+#include "corvanectl/report/PictureSource.h"
 
 #include "CorvaneCore/results/AnswerTexts.h"
 

@@ -1,0 +1,68 @@
+#include "corvanectl/commands/FollowOptions.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <map>
+#include <string>
+#include <system_error>
+
+#include "CorvaneCore/files/Files.h"
+#include "corvanectl/commands/Options.h"
+
+namespace corvane::ctl {
+
+namespace {
+
+/// Throws FileError unless files can be made in `folder`, which comes into being if need be.
+void requireWritableFolder(const std::filesystem::path& folder) {
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  if (!error && !std::filesystem::is_directory(folder)) {
+    error = std::make_error_code(std::errc::not_a_directory);
+  }
+  if (!error && ::access(folder.c_str(), W_OK | X_OK) != 0) {
+    error = std::error_code(errno, std::generic_category());
+  }
+  if (error) throw FileError("use for --pictures", folder, error);
+}
+
+}  // namespace
+
+void FollowOptions::addTo(CLI::App& app, const char* following) {
+  const auto needing = [&](CLI::Option* option) {
+    if (following) option->needs(app.get_option(following));
+    return option;
+  };
+  needing(addPictures(app, pictures));
+  needing(app.add_flag("--events", events,
+                       "Print what happens as JSON, a line for each event; the first one has the "
+                       "request's id"))
+      ->excludes(app.get_option("--json"));
+  needing(app.add_option("--app-timeout", appTimeout,
+                         "Give up when for this time no running app works on the request "
+                         "(default: 60)")
+              ->type_name("SECONDS")
+              ->check(CLI::Range(0.0, 1e8).description("")));
+  needing(app.add_flag("--cancel-on-exit", cancelOnExit,
+                       "Cancel the request when following ends before it, be it by Ctrl-C or as "
+                       "the time runs out"));
+  const std::map<std::string, ColorChoice> choices{{"auto", ColorChoice::automatic},
+                                                   {"always", ColorChoice::always},
+                                                   {"never", ColorChoice::never}};
+  needing(app.add_option("--color", color,
+                         "Use colours: auto, always or never (default: auto, which is on a "
+                         "terminal unless NO_COLOR is set)")
+              ->type_name("WHEN")
+              ->transform(CLI::CheckedTransformer(choices).description("")));
+}
+
+void FollowOptions::checkOutputs() const {
+  if (pictures) requireWritableFolder(*pictures);
+}
+
+Deadline FollowOptions::end(const ServerOptions& options) {
+  return options.timeout ? after(Seconds(*options.timeout)) : never;
+}
+
+}  // namespace corvane::ctl
