@@ -4,7 +4,7 @@
 
 #include "CorvaneCore/results/AnswerTexts.h"
 #include "corvanectl/commands/Options.h"
-#include "corvanectl/commands/ResultOutput.h"
+#include "corvanectl/follow/FollowWords.h"
 #include "corvanectl/results/RequestResult.h"
 
 namespace corvane::ctl {
@@ -24,6 +24,7 @@ Command::About ReportCommand::about() const {
 void ReportCommand::addOptions(CLI::App& app) {
   addRequestId(app, requestId);
   addReports(app, reports);
+  addPictures(app, pictures);
 }
 
 void ReportCommand::check() const {
@@ -34,12 +35,13 @@ void ReportCommand::check() const {
 
 ExitStatus ReportCommand::execute(CommandContext& context) const {
   checkReports(reports);
+  if (pictures) requirePictureFolder(*pictures);
   Session session(context);
   const ToolResult result = ToolResult::from(
       session.callTool("get_result", AnyCodable::Object{{"requestId", requestId}}));
   if (result.isError) {
-    ResultOutput(context.console, "get_result", {}, nullptr).print(result);
-    return exitStatusOf(result);
+    context.console.complain(FollowWords::refusal(result.firstText(), requestId));
+    return ExitStatus::failure;
   }
   const auto answer = AnswerTexts::readResultAnswer(result.firstText());
   if (!answer) throw ProtocolError("the answer of get_result does not begin with a status");
@@ -48,8 +50,9 @@ ExitStatus ReportCommand::execute(CommandContext& context) const {
                              "; 'corvanectl follow " + requestId + "' waits for it");
     return ExitStatus::timedOut;
   }
-  writeReports(reports, makeReport(requestId, answer->status, answer->result), session, context);
-  return exitStatusOf(answer->status);
+  const Report report = makeReport(requestId, answer->status, answer->result);
+  const bool written = writeReports(reports, pictures, report, session, context);
+  return written ? exitStatusOf(answer->status) : ExitStatus::inputOutput;
 }
 
 }  // namespace corvane::ctl

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <filesystem>
+#include <optional>
 #include <string>
 
 #include "corvanectl/commands/Command.h"
@@ -17,6 +19,8 @@ class ReportCommand final : public Command {
 
   std::string requestId;
   ReportOptions reports;
+  /// Where the pictures go that reports name.
+  std::optional<std::filesystem::path> pictures;
 };
 
 }  // namespace corvane::ctl

@@ -4,8 +4,8 @@
 #include <functional>
 
 #include "corvanectl/report/Html.h"
-#include "corvanectl/report/Report.h"
 #include "corvanectl/report/PictureSource.h"
+#include "corvanectl/report/Report.h"
 
 namespace corvane::ctl {
 

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "corvanectl/report/Report.h"
 #include "corvanectl/report/PictureSource.h"
+#include "corvanectl/report/Report.h"
 
 namespace corvane::ctl {
 

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <string>
@@ -33,7 +34,8 @@ struct StepPictures {
 using PictureSource =
     std::function<StepPictures(std::size_t testIndex, const AgentRunResult::Step& step)>;
 
-/// Files in which pictures of a step lie, by the test's place in the report and the step's index.
+/// The files in which pictures of a step lie, by the test's place in the report and the step's
+/// index.
 using PictureFiles = std::map<std::pair<std::size_t, std::int64_t>, std::vector<std::string>>;
 
 /// Whether the app may have left pictures of the step.
@@ -44,5 +46,10 @@ using PictureFiles = std::map<std::pair<std::size_t, std::int64_t>, std::vector<
 /// throws.
 [[nodiscard]] StepPictures fetchPictures(Session& session, const Report& report,
                                          std::size_t testIndex, const AgentRunResult::Step& step);
+
+/// Saves the pictures of every step that somebody should look at, and adds their files to `files`.
+/// Throws FileError, and what Session::callTool throws.
+void savePictures(const std::filesystem::path& folder, const Report& report, Session& session,
+                  Console& console, PictureFiles& files);
 
 }  // namespace corvane::ctl

@@ -61,14 +61,16 @@ void writePage(const fs::path& path, const Report& report, Session& session, Con
 
 }  // namespace
 
-void addReports(CLI::App& app, ReportOptions& options) {
-  const auto add = [&app](const char* name, std::optional<fs::path>& file, const char* contents) {
-    app.add_option(name, file, contents)->type_name("FILE");
+std::vector<CLI::Option*> addReports(CLI::App& app, ReportOptions& options) {
+  std::vector<CLI::Option*> added;
+  const auto add = [&](const char* name, std::optional<fs::path>& file, const char* contents) {
+    added.push_back(app.add_option(name, file, contents)->type_name("FILE"));
   };
   add("--junit", options.junit, "Write a report for build servers into this file, in JUnit's XML");
   add("--html", options.html,
       "Write a page with every step and its pictures into this file, for browsers");
   add("--markdown", options.markdown, "Write a summary into this file, in Markdown");
+  return added;
 }
 
 void checkReports(const ReportOptions& options) {
@@ -83,13 +85,30 @@ void checkReports(const ReportOptions& options) {
   }
 }
 
-void writeReports(const ReportOptions& options, const Report& report, Session& session,
-                  CommandContext& context) {
-  if (options.junit) writeFileWhole(*options.junit, junitReport(report, {}), Access::byUmask);
-  if (options.markdown) {
-    writeFileWhole(*options.markdown, markdownReport(report), Access::byUmask);
+bool writeReports(const ReportOptions& options, const std::optional<fs::path>& pictures,
+                  const Report& report, Session& session, CommandContext& context) {
+  bool written = true;
+  const auto attempt = [&](auto write) {
+    try {
+      write();
+    } catch (const FileError& error) {
+      context.console.endProgress();
+      context.console.complain(error.what());
+      written = false;
+    }
+  };
+  PictureFiles files;
+  if (pictures) attempt([&] { savePictures(*pictures, report, session, context.console, files); });
+  if (options.junit) {
+    attempt([&] { writeFileWhole(*options.junit, junitReport(report, files), Access::byUmask); });
   }
-  if (options.html) writePage(*options.html, report, session, context.console);
+  if (options.markdown) {
+    attempt([&] { writeFileWhole(*options.markdown, markdownReport(report), Access::byUmask); });
+  }
+  if (options.html) {
+    attempt([&] { writePage(*options.html, report, session, context.console); });
+  }
+  return written;
 }
 
 }  // namespace corvane::ctl

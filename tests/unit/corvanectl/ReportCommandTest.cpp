@@ -116,6 +116,32 @@ TEST_F(ReportCommandTest, WaitsForNothing) {
   EXPECT_FALSE(fileExists(file("a.xml")));
 }
 
+TEST_F(ReportCommandTest, TellsAPersonOfARequestThatNobodyKnows) {
+  const FakeServerScript script(
+      joined({{"expect tools/call",
+               textResult("error:unknown_request_id\n\nNo result for requestId ID.", true)}}));
+  const auto run = runWithFakeServer({"report", "ID", "--junit", file("a.xml")});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.errors,
+            "corvanectl: nobody knows the request ID: the id is wrong, or its result has been "
+            "removed (results are kept for about 7 days)\n");
+}
+
+// Fails when the pictures of steps that passed are saved, or a report does not name those saved.
+TEST_F(ReportCommandTest, SavesThePicturesThatItNames) {
+  const FakeServerScript script(joined({finishedResult("failed", captured), withPictures(1)}));
+  const auto run =
+      runWithFakeServer({"report", "ID", "--junit", file("a.xml"), "--pictures", file("shots")});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.output, "");
+  const std::string before = file("shots/Pay-step-1-before.jpg");
+  EXPECT_EQ(readFile(before), "foo");
+  EXPECT_EQ(readFile(file("shots/Pay-step-1-after.jpg")), "bar");
+  const std::string xml = readFile(file("a.xml"));
+  EXPECT_NE(xml.find("Pictures:\n" + before + "\n"), std::string::npos) << xml;
+  EXPECT_NE(xml.find("[[ATTACHMENT|" + before + "]]\n"), std::string::npos) << xml;
+}
+
 TEST_F(ReportCommandTest, NeedsAFileToWrite) {
   const auto run = runWithFakeServer({"report", "ID"});
   EXPECT_EQ(run.status, 64);
@@ -152,6 +178,53 @@ TEST_F(ReportCommandTest, ShowsAtATerminalHowFarThePageIs) {
   terminal.type("\x03");
   EXPECT_EQ(waitForStatus(program), 128 + SIGINT);
   EXPECT_TRUE(std::filesystem::is_empty(directory.path()));
+}
+
+/// The commands of a run that is dispatched, followed and found to have finished.
+std::vector<std::string> followedRun(std::string_view status) {
+  const std::string dispatched = textResult(
+      "Run request dispatched to Corvane.\n\n  requestId:   "
+      "11111111-2222-3333-4444-555555555555");
+  return joined({{"expect tools/call", textResult("no project"), "expect tools/call", dispatched},
+                 finishedResult(status, resultText("\"status\":\"" + std::string(status) + "\""))});
+}
+
+TEST_F(ReportCommandTest, FollowingWritesReportsToo) {
+  const FakeServerScript script(followedRun("passed"));
+  const auto run = runWithFakeServer({"run", "Shop", "--all", "--follow", "--junit", file("a.xml"),
+                                      "--html", file("b.html"), "--markdown", file("c.md")});
+  EXPECT_EQ(run.status, 0) << run.errors;
+  EXPECT_NE(readFile(file("a.xml")).find("Request 11111111-2222-3333-4444-555555555555"),
+            std::string::npos);
+  EXPECT_TRUE(readFile(file("c.md")).starts_with("## ✅ run\\_test: passed\n"));
+  EXPECT_TRUE(readFile(file("b.html")).ends_with("</html>\n"));
+}
+
+// Fails when a run is dispatched although there is no place for what is wanted of it.
+TEST_F(ReportCommandTest, FollowingChecksTheFilesBeforeItDispatches) {
+  const auto run = runCorvanectl(
+      {"--server", "/nowhere", "run", "Shop", "--all", "--follow", "--html", directory.path()});
+  EXPECT_EQ(run.status, 74);
+  EXPECT_EQ(run.errors,
+            "corvanectl: could not write " + directory.path().string() + ": Is a directory\n");
+}
+
+// Fails when a report that could not be written hides how the run went, or goes unnoticed.
+TEST_F(ReportCommandTest, HowTheRunWentIsWorthMoreThanAReport) {
+  for (const auto& [status, expected] : {std::pair("failed", 1), std::pair("passed", 74)}) {
+    const auto folder = directory.path() / status;
+    auto script = followedRun(status);
+    // While the run is under way, a folder comes to lie in the report's place.
+    script.insert(script.end() - 2, "makeFolder " + (folder / "a.xml").string());
+    const FakeServerScript fake(script);
+    const auto run = runWithFakeServer({"run", "Shop", "--all", "--follow", "--junit",
+                                        folder / "a.xml", "--markdown", folder / "c.md"});
+    EXPECT_EQ(run.status, expected);
+    EXPECT_EQ(run.errors,
+              "corvanectl: could not write " + (folder / "a.xml").string() + ": Is a directory\n");
+    // The other report is there all the same.
+    EXPECT_TRUE(fileExists(folder / "c.md"));
+  }
 }
 
 class ReportFilesTest : public ReportCommandTest {};
