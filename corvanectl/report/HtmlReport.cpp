@@ -151,9 +151,9 @@ class PageWriter {
     html.line(sizeOf(test)).add("</span>");
     writeWord(outcome, outcome == Outcome::healed ? "healed" : std::string_view(test.status));
     writeTime(test.durationSeconds);
-    html.add("</summary>\n<ol class=\"steps\">\n");
+    html.add("</summary>\n<div class=\"steps\" role=\"list\">\n");
     for (const Step& step : test.steps) writeStep(index, step);
-    html.add("</ol></details></section>\n");
+    html.add("</div></details></section>\n");
   }
 
   static std::string sizeOf(const Test& test) {
@@ -164,11 +164,12 @@ class PageWriter {
     return text;
   }
 
+  /// Not an <li>: browsers count those anew for each one that the filter hides.
   void writeStep(std::size_t testIndex, const Step& step) {
     if (onStep) onStep(written++);
     const Outcome outcome = outcomeOf(step);
     const StepPictures shown = pictures(testIndex, step);
-    html.add("<li");
+    html.add("<div role=\"listitem\"");
     writeOutcome("step", outcome);
     html.add(">");
     if (step.failureReason || !shown.pictures.empty() || !shown.remark.empty()) {
@@ -185,7 +186,7 @@ class PageWriter {
       writeRow(step, outcome);
       html.add("</div>");
     }
-    html.add("</li>\n");
+    html.add("</div>\n");
   }
 
   void writeRow(const Step& step, Outcome outcome) {

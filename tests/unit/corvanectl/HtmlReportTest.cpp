@@ -57,8 +57,11 @@ TEST(HtmlReport, MarksHowTestsAndStepsWent) {
   const std::string page = pageOf(failedRun());
   EXPECT_EQ(count(page, R"(<section class="test healed" data-outcome="healed">)"), 1U);
   EXPECT_EQ(count(page, R"(<section class="test failed" data-outcome="failed">)"), 1U);
-  EXPECT_EQ(count(page, R"(<li class="step passed" data-outcome="passed">)"), 1U);
-  EXPECT_EQ(count(page, R"(<li class="step failed" data-outcome="failed"><details open>)"), 1U);
+  EXPECT_EQ(count(page, R"(<div role="listitem" class="step passed" data-outcome="passed">)"), 1U);
+  EXPECT_EQ(
+      count(page,
+            R"(<div role="listitem" class="step failed" data-outcome="failed"><details open>)"),
+      1U);
   EXPECT_EQ(count(page, R"(<p class="reason" dir="auto">No button</p>)"), 1U);
   EXPECT_EQ(count(page, R"(<dt>App under test</dt><dd>com.shop 1.2 build 45</dd>)"), 1U);
   EXPECT_EQ(count(page, R"(<dt>Credits</dt><dd>1.5 spent, 20 left</dd>)"), 1U);
