@@ -70,6 +70,13 @@ inline constexpr std::string_view beforeNextCall = "\n\nNext: call ";
 /// Whether the answer of run_test says that the app neither runs nor could be launched.
 [[nodiscard]] bool readLaunchFailed(std::string_view answer);
 
+/// What cancel_run's answer ends with: how an agent learns what came of it, of a request that was
+/// cancelled there and then, and of one that the app is to cancel.
+inline constexpr std::string_view cancelledNote = " get_result now reports status \"cancelled\".";
+inline constexpr std::string_view cancellingNote =
+    " Poll get_result until it reports status \"cancelled\" (or a terminal result, if the run "
+    "finished before the cancellation landed).";
+
 /// The line that get_status's answer begins with, without its line feed.
 [[nodiscard]] std::string appStateLine(bool appRunning);
 

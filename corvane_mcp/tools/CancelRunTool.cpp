@@ -2,6 +2,7 @@
 
 #include "CorvaneCore/requests/Requests.h"
 #include "CorvaneCore/results/AgentRunResult.h"
+#include "CorvaneCore/results/AnswerTexts.h"
 #include "CorvaneCore/text/Uuid.h"
 #include "corvane_mcp/protocol/JsonRpc.h"
 #include "corvane_mcp/tools/ToolArguments.h"
@@ -76,17 +77,15 @@ ToolsCallResult call(const Arguments& arguments, const ToolServices& services) {
   if (removeWaitingRequest(*id, services.paths)) {
     writeCancelledResult(*id, services);
     services.logger.info("cancel_run: removed unconsumed request " + *id);
-    return ToolsCallResult::success("Run request " + *id +
-                                    " cancelled (Corvane had not picked it up yet). get_result "
-                                    "now reports status \"cancelled\".");
+    std::string text = "Run request " + *id + " cancelled (Corvane had not picked it up yet).";
+    return ToolsCallResult::success(text.append(AnswerTexts::cancelledNote));
   }
   dropCancelMarker(*id, services);
   services.logger.info("cancel_run: dropped cancel marker for " + *id);
-  return ToolsCallResult::success(
-      "Cancellation requested for " + *id +
-      ". A queued run is cancelled immediately; an executing run is aborted at the next step "
-      "boundary. Poll get_result until it reports status \"cancelled\" (or a terminal result, if "
-      "the run finished before the cancellation landed).");
+  std::string text = "Cancellation requested for " + *id +
+                     ". A queued run is cancelled immediately; an executing run is aborted at the "
+                     "next step boundary.";
+  return ToolsCallResult::success(text.append(AnswerTexts::cancellingNote));
 }
 
 }  // namespace

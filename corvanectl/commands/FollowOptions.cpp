@@ -29,11 +29,11 @@ void FollowOptions::addTo(CLI::App& app, const char* following) {
   const std::map<std::string, ColorChoice> choices{{"auto", ColorChoice::automatic},
                                                    {"always", ColorChoice::always},
                                                    {"never", ColorChoice::never}};
-  needing(app.add_option("--color", color,
-                         "Use colours: auto, always or never (default: auto, which is on a "
-                         "terminal unless NO_COLOR is set)")
-              ->type_name("WHEN")
-              ->transform(CLI::CheckedTransformer(choices).description("")));
+  app.add_option("--color", color,
+                 "Use colours: auto, always or never (default: auto, which is on a terminal "
+                 "unless NO_COLOR is set)")
+      ->type_name("WHEN")
+      ->transform(CLI::CheckedTransformer(choices).description(""));
 }
 
 void FollowOptions::checkOutputs() const {

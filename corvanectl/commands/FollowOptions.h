@@ -29,8 +29,8 @@ struct FollowOptions {
   bool cancelOnExit = false;
   ColorChoice color = ColorChoice::automatic;
 
-  /// Adds the options but for --json; where following is itself an option of the command, they need
-  /// `following`, which is its name.
+  /// Adds the options but for --json, which stands in `app` already. Where following is itself an
+  /// option of the command, those that mean nothing without it need it; `following` is its name.
   void addTo(CLI::App& app, const char* following = nullptr);
 
   /// Makes sure that what is written at the end can be written, before anything begins. Throws what

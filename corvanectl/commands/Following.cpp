@@ -8,9 +8,9 @@
 #include "corvanectl/commands/StepPictures.h"
 #include "corvanectl/follow/EventLines.h"
 #include "corvanectl/follow/FollowWords.h"
+#include "corvanectl/follow/Follower.h"
 #include "corvanectl/follow/LiveView.h"
 #include "corvanectl/follow/PlainLines.h"
-#include "corvanectl/follow/ServerWatch.h"
 #include "corvanectl/results/RequestResult.h"
 #include "corvanectl/terminal/DisplayText.h"
 
@@ -27,10 +27,15 @@ std::string endingInLine(std::string text) {
   return text;
 }
 
+ExitStatus statusOf(Follower::End end) {
+  if (end == Follower::End::timedOut) return ExitStatus::timedOut;
+  return end == Follower::End::noApp ? ExitStatus::noApp : ExitStatus::failure;
+}
+
 /// Follows one request.
 class Following {
  public:
-  Following(Follower::Request request, const FollowOptions& options, Session& session, Deadline end,
+  Following(FollowedRequest request, const FollowOptions& options, Session& session, Deadline end,
             CommandContext& context)
       : request(std::move(request)),
         options(options),
@@ -47,16 +52,16 @@ class Following {
   ExitStatus run() {
     try {
       observer = makeObserver();
-      ServerWatch watch(request.id, session.client(), context.interruption,
+      ServerWatch watch(request.id, request.run, session.client(), context.interruption,
                         {context.usualTimeout, end});
       session.client().whileWaiting(tickInterval, [this, &watch] { observer->tick(watch.now()); });
       const Follower::Limits limits{end, Seconds(options.appTimeout)};
-      const auto outcome = Follower(request, limits, watch, *observer).run();
+      const Follower::Request followed{request.id, request.run.has_value()};
+      const auto outcome = Follower(followed, limits, watch, *observer).run();
       session.client().whileWaiting(Seconds(0), {});
-      console.endProgress();
       return report(outcome);
     } catch (...) {
-      if (!reported) leave();
+      if (!reported) depart();
       throw;
     }
   }
@@ -72,41 +77,29 @@ class Following {
           options.json ? PlainLines::Extent::health : PlainLines::Extent::everything);
     }
     console.startProgress(place);
-    return std::make_unique<LiveView>(console, place, Style(usesColor(options.color, stream)), now,
-                                      expectation());
-  }
-
-  /// What the run can be measured by.
-  std::optional<LiveView::Expectation> expectation() {
-    if (!request.plan || !request.project) return std::nullopt;
-    return LiveView::Expectation{
-        *request.plan, earlierDurations(session.client(), *request.project, context.usualTimeout)};
+    if (request.run) request.run->measured = true;
+    return std::make_unique<LiveView>(console, place, Style(usesColor(options.color, stream)), now);
   }
 
   ExitStatus report(const Follower::Outcome& outcome) {
-    const RequestLook& look = outcome.look;
-    switch (outcome.end) {
-      case Follower::End::finished:
-        reported = true;
-        return reportEnd(look);
-      case Follower::End::refused:
-        reported = true;
-        console.complain(FollowWords::refusal(*look.refusal, request.id));
-        return ExitStatus::failure;
-      case Follower::End::timedOut:
-        console.complain("the request has not finished in the time given; its status is " +
-                         look.status);
-        leave();
-        return ExitStatus::timedOut;
-      case Follower::End::noApp:
-        console.complain(FollowWords::givenUp(outcome.health, options.appTimeout));
-        leave();
-        return ExitStatus::noApp;
+    if (outcome.end == Follower::End::finished) return reportEnd(outcome.look);
+    const ExitStatus status = statusOf(outcome.end);
+    leaveOff(status);
+    if (outcome.end == Follower::End::refused) {
+      console.complain(FollowWords::refusal(*outcome.look.refusal, request.id));
+      return status;
     }
-    return ExitStatus::otherOutcome;
+    console.complain(outcome.end == Follower::End::noApp
+                         ? FollowWords::givenUp(outcome.health, options.appTimeout)
+                         : "the request has not finished in the time given; its status is " +
+                               outcome.look.status);
+    goOrCancel();
+    return status;
   }
 
   ExitStatus reportEnd(const RequestLook& look) {
+    reported = true;
+    console.endProgress();
     if (options.json) console.print(endingInLine(look.json));
     if (place == ProgressPlace::withResults) {
       console.print(summarizeResult(look.json, look.status, TestLines::leftOut));
@@ -134,26 +127,43 @@ class Following {
     return writeReports(options.reports, options.pictures, report, session, context);
   }
 
-  /// Leaves the request to itself, or cancels it.
-  void leave() {
+  /// Ends the view. `status` is how the program ends, when that is known.
+  void leaveOff(std::optional<ExitStatus> status) {
     reported = true;
     session.client().whileWaiting(Seconds(0), {});
+    if (observer) observer->take(events::LeftOff{status}, std::chrono::steady_clock::now());
     console.endProgress();
-    if (!options.cancelOnExit) {
-      console.complain("the request goes on; " + FollowWords::waysOn(request.id));
-      return;
+  }
+
+  /// Leaves while something is being thrown.
+  void depart() {
+    try {
+      leaveOff(std::nullopt);
+    } catch (...) {
+      // That nobody reads what happens is no reason not to cancel.
     }
+    goOrCancel();
+  }
+
+  /// Leaves the request to itself, or cancels it; says which.
+  void goOrCancel() {
+    if (options.cancelOnExit && cancel()) return;
+    console.complain("the request goes on; " + FollowWords::waysOn(request.id));
+  }
+
+  bool cancel() {
     try {
       (void)session.client().callTool("cancel_run", AnyCodable::Object{{"requestId", request.id}},
                                       after(cancelTimeout));
       console.complain("the request was told to cancel: " + request.id);
+      return true;
     } catch (const std::exception& error) {
       console.complain(std::string("the request could not be cancelled: ") + error.what());
-      console.complain("the request goes on; " + FollowWords::waysOn(request.id));
+      return false;
     }
   }
 
-  Follower::Request request;
+  FollowedRequest request;
   const FollowOptions& options;
   Session& session;
   Deadline end;
@@ -167,7 +177,7 @@ class Following {
 
 }  // namespace
 
-ExitStatus follow(Follower::Request request, const FollowOptions& options, Session& session,
+ExitStatus follow(FollowedRequest request, const FollowOptions& options, Session& session,
                   Deadline end, CommandContext& context) {
   return Following(std::move(request), options, session, end, context).run();
 }

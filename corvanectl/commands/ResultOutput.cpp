@@ -85,18 +85,18 @@ void ResultOutput::appendPicture(const ToolResult::Image& image, std::string& te
 /// A file that there is not yet: named for the step and the moment that the caption tells, else by
 /// a number.
 std::filesystem::path ResultOutput::nextFile(std::string_view suffix) {
-  std::string stem = fileNamePart(toValidUtf8(subject));
   if (caption && !caption->moments.empty()) {
     const std::string moment = caption->moments.front();
     caption->moments.erase(caption->moments.begin());
-    std::filesystem::path file =
-        *directory / pictureFileName(subject, caption->step, moment, suffix);
-    if (!fileExists(file)) return file;
-    stem = file.stem();
-    lastNumber = 1;
+    const std::string name = pictureFileName(subject, caption->step, moment, {});
+    std::filesystem::path file = *directory / (name + std::string(suffix));
+    for (int number = 2; fileExists(file); ++number) {
+      file.replace_filename(name + "-" + std::to_string(number) + std::string(suffix));
+    }
+    return file;
   }
   while (true) {
-    std::string name = stem + "-" + std::to_string(++lastNumber);
+    std::string name = fileNamePart(toValidUtf8(subject)) + "-" + std::to_string(++lastNumber);
     std::filesystem::path file = *directory / name.append(suffix);
     if (!fileExists(file)) return file;
   }

@@ -6,7 +6,6 @@
 #include "corvanectl/commands/Following.h"
 #include "corvanectl/commands/Options.h"
 #include "corvanectl/follow/FollowWords.h"
-#include "corvanectl/follow/RunPlan.h"
 
 namespace corvane::ctl {
 
@@ -29,14 +28,6 @@ std::vector<std::string> platforms() {
 std::pair<std::string, std::string> splitParam(const std::string& text) {
   const std::size_t equals = text.find('=');
   return {text.substr(0, equals), text.substr(equals + 1)};
-}
-
-/// The tests that will run and their steps, as far as the workspace tells.
-std::optional<RunPlan> readPlan(const RunCommand& command, Session& session) {
-  const auto answer = ToolResult::from(
-      session.callTool("describe_project", AnyCodable::Object{{"projectName", command.project}}));
-  const auto project = describedProject(answer.firstText());
-  return project ? planOf(*project, {command.tests, command.suite}) : std::nullopt;
 }
 
 /// Tells what became of the dispatch, and the request's id, as soon as it is known.
@@ -118,8 +109,6 @@ ExitStatus RunCommand::execute(CommandContext& context) const {
   options.checkOutputs();
   const Deadline end = FollowOptions::end(context.options);
   Session session(context);
-  std::optional<RunPlan> plan;
-  if (follow) plan = readPlan(*this, session);
   const AnyCodable answer = session.callTool("run_test", runArguments(*this));
   const ToolResult result = ToolResult::from(answer);
   const auto requestId = AnswerTexts::readRequestId(result.firstText());
@@ -129,8 +118,8 @@ ExitStatus RunCommand::execute(CommandContext& context) const {
   if (!launched) context.console.complain("Corvane.app could not be started; open it yourself");
   if (follow) {
     if (!requestId) throw ProtocolError("the answer to run_test names no request id to follow");
-    return ctl::follow({.id = *requestId, .dispatched = true, .project = project, .plan = plan},
-                       options, session, end, context);
+    return ctl::follow({*requestId, ServerWatch::Run{project, {tests, suite}}}, options, session,
+                       end, context);
   }
   if (launched) return ExitStatus::success;
   if (requestId) {

@@ -48,6 +48,11 @@ struct LineOf {
             {"requestId", began.requestId}};
   }
   JsonObject operator()(const events::PickedUp&) const { return {{"event", "pickedUp"}}; }
+  JsonObject operator()(const events::Planned& planned) const {
+    AnyCodable::Array names;
+    for (const auto& test : planned.expectation.plan.tests) names.emplace_back(test.name);
+    return {{"event", "planned"}, {"tests", std::move(names)}};
+  }
   JsonObject operator()(const events::StatusChanged& changed) const {
     JsonObject line{{"event", "status"}, {"status", changed.status}};
     if (changed.message) line.set("message", *changed.message);
@@ -80,7 +85,9 @@ struct LineOf {
             {"result", resultOf(finished.json)}};
   }
   JsonObject operator()(const events::LeftOff& left) const {
-    return {{"event", "leftOff"}, {"exitStatus", static_cast<std::int64_t>(left.exitStatus)}};
+    JsonObject line{{"event", "leftOff"}};
+    if (left.exitStatus) line.set("exitStatus", static_cast<std::int64_t>(*left.exitStatus));
+    return line;
   }
 };
 

@@ -3,10 +3,12 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <variant>
+#include <vector>
 
 #include "CorvaneCore/results/AgentRunResult.h"
 #include "corvanectl/ExitStatus.h"
@@ -25,6 +27,28 @@ enum class Health {
   notPickedUp,
   /// It runs, has the request and no longer moves.
   stale,
+};
+
+/// The tests that a run goes through, as the workspace has them.
+struct RunPlan {
+  struct Test {
+    std::string name;
+    /// What each step does.
+    std::vector<std::string> steps;
+  };
+
+  std::vector<Test> tests;
+
+  [[nodiscard]] std::int64_t stepCount() const;
+};
+
+/// How long tests took in earlier runs, in seconds by name.
+using TestDurations = std::map<std::string, double, std::less<>>;
+
+/// What is known of a run beforehand.
+struct Expectation {
+  RunPlan plan;
+  TestDurations earlier;
 };
 
 /// Which test of its run one is.
@@ -48,6 +72,11 @@ struct Began {
 
 /// The app has taken the request up.
 struct PickedUp {};
+
+/// It has become known what the run goes through.
+struct Planned {
+  Expectation expectation;
+};
 
 /// The request has another status, or another message or place in the queue.
 struct StatusChanged {
@@ -89,14 +118,16 @@ struct Finished {
 
 /// Following ends here, and the request goes on.
 struct LeftOff {
-  ExitStatus exitStatus = ExitStatus::timedOut;
+  /// How the program ends; nothing when a signal or a failure ends it.
+  std::optional<ExitStatus> exitStatus;
 };
 
 }  // namespace events
 
-using FollowEvent = std::variant<events::Began, events::PickedUp, events::StatusChanged,
-                                 events::TestStarted, events::StepStarted, events::TestFinished,
-                                 events::HealthChanged, events::Finished, events::LeftOff>;
+using FollowEvent =
+    std::variant<events::Began, events::PickedUp, events::Planned, events::StatusChanged,
+                 events::TestStarted, events::StepStarted, events::TestFinished,
+                 events::HealthChanged, events::Finished, events::LeftOff>;
 
 /// Who wants to know. May throw what Console throws.
 class FollowObserver {

@@ -17,7 +17,7 @@ std::string command(std::string_view name, std::string_view requestId) {
   return "'corvanectl " + std::string(name) + " " + oneLine(requestId) + "'";
 }
 
-std::string place(const Step& step) {
+std::string numbered(const Step& step) {
   return "step " + std::to_string(step.index);
 }
 
@@ -34,9 +34,9 @@ std::string reason(const Test& test) {
     return step.status == "failed" || step.failureReason.has_value();
   };
   if (const Step* step = firstStep(test, hasReason)) {
-    return place(*step) + ": " + oneLine(step->failureReason.value_or(step->title));
+    return numbered(*step) + ": " + oneLine(step->failureReason.value_or(step->title));
   }
-  if (const Step* step = firstStep(test, isHealed)) return "healed at " + place(*step);
+  if (const Step* step = firstStep(test, isHealed)) return "healed at " + numbered(*step);
   return {};
 }
 
@@ -57,11 +57,18 @@ std::string FollowWords::status(const events::StatusChanged& status) {
   return line;
 }
 
-std::string FollowWords::test(const TestPlace& test) {
-  std::string line = test.name.empty() ? "test" : oneLine(test.name);
-  line += " (" + std::to_string(test.index + 1);
+std::string FollowWords::name(const TestPlace& test) {
+  return test.name.empty() ? "test" : oneLine(test.name);
+}
+
+std::string FollowWords::place(const TestPlace& test) {
+  std::string line = "(" + std::to_string(test.index + 1);
   if (test.count) line += "/" + std::to_string(*test.count);
   return line + ")";
+}
+
+std::string FollowWords::test(const TestPlace& test) {
+  return name(test) + " " + place(test);
 }
 
 std::string FollowWords::step(const events::StepStarted& step) {

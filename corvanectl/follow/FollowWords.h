@@ -14,6 +14,11 @@ namespace corvane::ctl::FollowWords {
 /// "passed", "queued — position 2", "building — Building the app".
 [[nodiscard]] std::string status(const events::StatusChanged& status);
 
+[[nodiscard]] std::string name(const TestPlace& test);
+
+/// "(2/6)", counted from 1.
+[[nodiscard]] std::string place(const TestPlace& test);
+
 /// "Sign in (2/6)".
 [[nodiscard]] std::string test(const TestPlace& test);
 

@@ -70,6 +70,7 @@ Follower::Outcome Follower::run() {
     RequestLook seen = look();
     if (seen.refusal) return {End::refused, std::move(seen)};
     tellStatus(seen);
+    tellPlan(seen);
     if (seen.result) tellTests(*seen.result);
     if (seen.isOver()) {
       tell(events::Finished{seen.status, seen.json});
@@ -90,11 +91,12 @@ Follower::Outcome Follower::run() {
 RequestLook Follower::look() {
   const Seconds left = limits.end - watch.now();
   RequestLook look = watch.look(std::clamp<Seconds>(left, Seconds(0), slice));
-  if (isHandover(look))
-    look = {std::string(pendingStatus), Standing::pending, {}, {}, {}};
-  else if (isPending(look))
-    lastPending = watch.now();
-  return look;
+  if (isPending(look)) lastPending = watch.now();
+  if (!isHandover(look)) return look;
+  RequestLook pending;
+  pending.status = pendingStatus;
+  pending.standing = Standing::pending;
+  return pending;
 }
 
 /// Between removing a request and writing its first result the app leaves no trace of it.
@@ -137,6 +139,14 @@ void Follower::tellStatus(const RequestLook& look) {
   tell(std::move(status));
 }
 
+void Follower::tellPlan(const RequestLook& look) {
+  if (plan || isPending(look) || look.isOver() || plansAsked++ >= mostPlansAsked) return;
+  auto expectation = watch.expectation();
+  if (!expectation) return;
+  plan = expectation->plan;
+  tell(events::Planned{*std::move(expectation)});
+}
+
 void Follower::tellTests(const AgentRunResult& result) {
   if (!result.tests) return;
   for (; finishedTests < result.tests->size(); ++finishedTests) {
@@ -149,7 +159,7 @@ void Follower::tellTests(const AgentRunResult& result) {
 
 void Follower::tellStep(const AgentRunResult& result) {
   if (!result.progress) return;
-  auto step = placeOf(*result.progress, finishedTests, request.plan ? &*request.plan : nullptr);
+  auto step = placeOf(*result.progress, finishedTests, plan ? &*plan : nullptr);
   if (!step.test) {
     // What the app says of the test in hand it may say in place of a plan.
     const bool named = result.tests && finishedTests < result.tests->size();
@@ -177,7 +187,7 @@ void Follower::tell(FollowEvent event) {
 }
 
 std::optional<std::size_t> Follower::testCount() const {
-  return request.plan ? std::optional(request.plan->tests.size()) : std::nullopt;
+  return plan ? std::optional(plan->tests.size()) : std::nullopt;
 }
 
 }  // namespace corvane::ctl

@@ -18,9 +18,6 @@ class Follower {
     std::string id;
     /// Whether it was dispatched just now.
     bool dispatched = false;
-    /// The project it runs tests of, and those tests, as far as that is known.
-    std::optional<std::string> project = std::nullopt;
-    std::optional<RunPlan> plan = std::nullopt;
   };
 
   struct Limits {
@@ -52,6 +49,8 @@ class Follower {
   static constexpr Seconds usualPickUp{5};
   /// How long the app may take from removing a request to writing its first result.
   static constexpr Seconds handover{5};
+  /// How often a plan is asked for: an app that has just been started publishes it only then.
+  static constexpr int mostPlansAsked = 3;
 
   /// `watch` and `observer` outlive this.
   Follower(Request request, Limits limits, RequestWatch& watch, FollowObserver& observer);
@@ -63,6 +62,7 @@ class Follower {
   [[nodiscard]] RequestLook look();
   [[nodiscard]] bool isHandover(const RequestLook& look);
   [[nodiscard]] Health healthOf(const RequestLook& look);
+  void tellPlan(const RequestLook& look);
   void tellHealth(Health found);
   void tellStatus(const RequestLook& look);
   void tellTests(const AgentRunResult& result);
@@ -82,6 +82,8 @@ class Follower {
   /// When the request was last seen waiting to be picked up.
   std::optional<FollowTime> lastPending;
   std::optional<events::StatusChanged> lastStatus;
+  std::optional<RunPlan> plan;
+  int plansAsked = 0;
   std::size_t finishedTests = 0;
   std::optional<std::size_t> startedTest;
   std::optional<events::StepStarted> lastStep;

@@ -22,26 +22,27 @@ std::string countedSeconds(double seconds) {
   return displaySeconds(std::floor(std::max(seconds, 0.0)));
 }
 
-/// `front` and `back` with a gap between them, in `columns`: what does not fit is cut off the
-/// front, until hardly anything of it would be left.
-std::string joinedTo(std::string_view front, std::string_view back, std::size_t columns) {
-  constexpr std::size_t leastFront = 8;
-  const std::size_t taken = widestColumns(back) + widestColumns(gap);
-  if (columns < taken + leastFront) return cutToColumns(front, columns);
-  return cutToColumns(front, columns - taken).append(gap).append(back);
+/// Hardly anything can be told in less.
+constexpr std::size_t leastColumns = 8;
+
+/// `columns` without those for `text` and a gap; 0 when there are not so many.
+std::size_t columnsBeside(std::string_view text, std::size_t columns) {
+  return columns - std::min(columns, widestColumns(text) + widestColumns(gap));
+}
+
+/// The test, its place and its step in `columns`: a long name leaves room for what the step does.
+std::string joined(const TestPlace& test, std::string_view step, std::size_t columns) {
+  const std::string place = " " + FollowWords::place(test);
+  const std::size_t forStep = std::min(widestColumns(step), columns / 2);
+  const std::size_t besideStep = columns - forStep;
+  const std::size_t forName = columnsBeside(place, besideStep);
+  std::string line = cutToColumns(FollowWords::name(test), std::max(forName, leastColumns)) + place;
+  const std::size_t left = columnsBeside(line, columns);
+  if (left < leastColumns) return cutToColumns(line, columns);
+  return line.append(gap).append(cutToColumns(step, left));
 }
 
 }  // namespace
-
-LiveView::LiveView(Console& console, ProgressPlace place, Style style, FollowTime beginning,
-                   std::optional<Expectation> expectation)
-    : console(console),
-      place(place),
-      style(style),
-      beginning(beginning),
-      expectation(std::move(expectation)),
-      testBeginning(beginning),
-      latest(beginning) {}
 
 void LiveView::take(const FollowEvent& event, FollowTime now) {
   latest = now;
@@ -71,9 +72,11 @@ void LiveView::show(const events::StepStarted& started) {
 }
 
 void LiveView::show(const events::TestFinished& finished) {
-  printLine(FollowWords::finishedTest(finished.test, style));
+  // What ran does so no longer.
+  console.progress({});
   test.reset();
   step.clear();
+  printLine(FollowWords::finishedTest(finished.test, style));
 }
 
 void LiveView::show(const events::HealthChanged& changed) {
@@ -88,18 +91,18 @@ void LiveView::printLine(std::string line) {
 std::string LiveView::composed(FollowTime now) const {
   const std::size_t columns = console.progressStream(place).size().columns - 1;
   const std::string clock = time(now);
-  if (step.empty()) return joinedTo(status, clock, columns);
-  if (!test) return joinedTo(step, clock, columns);
-  // A long name leaves room for what the step does.
-  const std::string name = FollowWords::test(*test);
-  const std::size_t room = columns - std::min(columns, widestColumns(clock) + widestColumns(gap));
-  const std::size_t forStep = std::min(widestColumns(gap) + widestColumns(step), room / 2);
-  return joinedTo(joinedTo(cutToColumns(name, room - forStep), step, room), clock, columns);
+  const std::size_t room = columnsBeside(clock, columns);
+  // What is on is more telling than for how long.
+  if (room < leastColumns) return step.empty() ? status : step;
+  const std::string& what = step.empty() ? status : step;
+  const std::string front = test ? joined(*test, step, room) : cutToColumns(what, room);
+  return front + std::string(gap) + clock;
 }
 
 std::string LiveView::time(FollowTime now) const {
   std::string text = countedSeconds(secondsBetween(beginning, now));
-  if (const auto left = secondsLeft(now)) text += ", about " + countedSeconds(*left) + " left";
+  const auto left = secondsLeft(now);
+  if (left && *left >= 1) text += ", about " + countedSeconds(*left) + " left";
   return text;
 }
 

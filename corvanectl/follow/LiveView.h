@@ -14,16 +14,15 @@ namespace corvane::ctl {
 /// live line with what runs, for how long, and how long it may still take.
 class LiveView final : public FollowObserver {
  public:
-  /// What a run is measured by.
-  struct Expectation {
-    RunPlan plan;
-    TestDurations earlier;
-  };
-
   /// Draws where `place` says, which is a terminal that can be redrawn. `console` outlives the
   /// view.
-  LiveView(Console& console, ProgressPlace place, Style style, FollowTime beginning,
-           std::optional<Expectation> expectation = std::nullopt);
+  LiveView(Console& console, ProgressPlace place, Style style, FollowTime beginning)
+      : console(console),
+        place(place),
+        style(style),
+        beginning(beginning),
+        testBeginning(beginning),
+        latest(beginning) {}
 
   void take(const FollowEvent& event, FollowTime now) override;
   void tick(FollowTime now) override;
@@ -31,6 +30,7 @@ class LiveView final : public FollowObserver {
  private:
   void show(const events::Began& began);
   void show(const events::PickedUp&) {}
+  void show(const events::Planned& planned) { expectation = planned.expectation; }
   void show(const events::StatusChanged& changed);
   void show(const events::TestStarted& started);
   void show(const events::StepStarted& started);
@@ -49,7 +49,8 @@ class LiveView final : public FollowObserver {
   FollowTime beginning;
   std::optional<Expectation> expectation;
   std::string requestId;
-  std::string status;
+  /// What is known of the request while no step runs.
+  std::string status = "looking for the request";
   std::optional<TestPlace> test;
   FollowTime testBeginning;
   std::string step;

@@ -43,6 +43,8 @@ class RequestWatch {
 
   /// Looks at the request, as soon as it is over or after `wait`.
   [[nodiscard]] virtual RequestLook look(Seconds wait) = 0;
+  /// What is known of the run beforehand; nothing when that is not known, or not yet.
+  [[nodiscard]] virtual std::optional<Expectation> expectation() = 0;
   /// Whether Corvane.app runs.
   [[nodiscard]] virtual bool appIsRunning() = 0;
   [[nodiscard]] virtual FollowTime now() = 0;

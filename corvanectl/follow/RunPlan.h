@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,19 +11,6 @@
 #include "corvanectl/follow/FollowEvents.h"
 
 namespace corvane::ctl {
-
-/// The tests that a run goes through, as the workspace has them.
-struct RunPlan {
-  struct Test {
-    std::string name;
-    /// What each step does.
-    std::vector<std::string> steps;
-  };
-
-  std::vector<Test> tests;
-
-  [[nodiscard]] std::int64_t stepCount() const;
-};
 
 /// Names tests of a project: by their names, by their suite or, when both are empty, all.
 struct RunTarget {
@@ -46,9 +32,6 @@ struct RunTarget {
 /// doubt. `finished` is how many tests are known to be over.
 [[nodiscard]] events::StepStarted placeOf(const AgentRunResult::Progress& progress,
                                           std::size_t finished, const RunPlan* plan);
-
-/// How long tests took in earlier runs, in seconds by name.
-using TestDurations = std::map<std::string, double, std::less<>>;
 
 /// What is left of a run whose test `current` has been running for `seconds`; nothing when one of
 /// the tests left has not been run before.

@@ -9,7 +9,7 @@ namespace corvane::ctl {
 namespace {
 
 /// What the answer to a last look may need beyond the user's time.
-constexpr Seconds lastAnswer{2};
+constexpr std::chrono::seconds lastAnswer{2};
 
 /// The ids of the runs of a project that get_status tells of and that are over, newest first.
 std::vector<std::string> runsOver(std::string_view statusAnswer, std::string_view projectName) {
@@ -28,8 +28,9 @@ std::vector<std::string> runsOver(std::string_view statusAnswer, std::string_vie
 
 void addDurations(const AgentRunResult& result, TestDurations& durations) {
   for (const auto& test : result.tests.value_or(std::vector<AgentRunResult::Test>())) {
-    const bool whole = test.status == "passed" || test.status == "warning";
-    if (whole) durations.try_emplace(test.testName, test.durationSeconds);
+    const bool wasRun =
+        test.status == "passed" || test.status == "warning" || test.status == "failed";
+    if (wasRun) durations.try_emplace(test.testName, test.durationSeconds);
   }
 }
 
@@ -37,36 +38,31 @@ void addDurations(const AgentRunResult& result, TestDurations& durations) {
 
 RequestLook ServerWatch::look(Seconds wait) {
   const auto waitSeconds = std::chrono::ceil<std::chrono::seconds>(wait).count();
-  const auto result = ToolResult::from(client.callTool(
-      "get_result", AnyCodable::Object{{"requestId", requestId}, {"waitSeconds", waitSeconds}},
-      answerDeadline(wait)));
+  const auto result =
+      ask("get_result", {{"requestId", requestId}, {"waitSeconds", waitSeconds}}, wait);
   RequestLook look = RequestLook::from(result.firstText(), result.isError);
   look.blockCount = result.content.size();
   return look;
 }
 
+std::optional<Expectation> ServerWatch::expectation() {
+  if (!run) return std::nullopt;
+  const auto described = ask("describe_project", {{"projectName", run->project}});
+  const auto project = describedProject(described.firstText());
+  auto plan = project ? planOf(*project, run->target) : std::nullopt;
+  if (!plan) return std::nullopt;
+  return Expectation{*std::move(plan), run->measured ? earlierDurations() : TestDurations()};
+}
+
 bool ServerWatch::appIsRunning() {
-  const auto result = ToolResult::from(
-      client.callTool("get_status", AnyCodable::Object(), answerDeadline(Seconds(0))));
   // A server that does not say keeps nobody from waiting.
-  return AnswerTexts::readAppState(result.firstText()).value_or(true);
+  return AnswerTexts::readAppState(ask("get_status", {}).firstText()).value_or(true);
 }
 
-Deadline ServerWatch::answerDeadline(Seconds wait) const {
-  const Deadline usual = after(wait + patience.answer);
-  if (patience.end == never) return usual;
-  return std::min(usual, std::max(patience.end, std::chrono::steady_clock::now()) +
-                             std::chrono::duration_cast<Deadline::duration>(lastAnswer));
-}
-
-TestDurations earlierDurations(McpClient& client, std::string_view projectName, Seconds patience) {
-  const auto ask = [&](std::string_view tool, AnyCodable::Object arguments) {
-    return ToolResult::from(client.callTool(tool, std::move(arguments), after(patience)));
-  };
+TestDurations ServerWatch::earlierDurations() {
   TestDurations durations;
   try {
-    const ToolResult status = ask("get_status", {});
-    for (const std::string& id : runsOver(status.firstText(), projectName)) {
+    for (const std::string& id : runsOver(ask("get_status", {}).firstText(), run->project)) {
       const ToolResult answer = ask("get_result", {{"requestId", id}});
       const auto look = RequestLook::from(answer.firstText(), answer.isError);
       if (look.result) addDurations(*look.result, durations);
@@ -75,6 +71,15 @@ TestDurations earlierDurations(McpClient& client, std::string_view projectName, 
     // A status of another form tells of no runs.
   }
   return durations;
+}
+
+ToolResult ServerWatch::ask(std::string_view tool, AnyCodable::Object arguments, Seconds wait) {
+  Deadline deadline = after(wait + patience.answer);
+  if (patience.end != never) {
+    const Deadline last = std::max(patience.end, std::chrono::steady_clock::now());
+    deadline = std::min(deadline, last + lastAnswer);
+  }
+  return ToolResult::from(client.callTool(tool, std::move(arguments), deadline));
 }
 
 }  // namespace corvane::ctl

@@ -18,32 +18,41 @@ class ServerWatch final : public RequestWatch {
     Deadline end = never;
   };
 
+  /// Which tests the request runs, where that is known.
+  struct Run {
+    std::string project;
+    RunTarget target;
+    /// Whether anybody wants to know how long they took earlier.
+    bool measured = false;
+  };
+
   /// `client` and `interruption` outlive this.
-  ServerWatch(std::string requestId, McpClient& client, Interruption& interruption,
-              Patience patience)
+  ServerWatch(std::string requestId, std::optional<Run> run, McpClient& client,
+              Interruption& interruption, Patience patience)
       : requestId(std::move(requestId)),
+        run(std::move(run)),
         client(client),
         interruption(interruption),
         patience(patience) {}
 
   [[nodiscard]] RequestLook look(Seconds wait) override;
+  /// How long tests took is told by the few runs that get_status still names; of a test's runs the
+  /// last one counts.
+  [[nodiscard]] std::optional<Expectation> expectation() override;
   [[nodiscard]] bool appIsRunning() override;
   [[nodiscard]] FollowTime now() override { return std::chrono::steady_clock::now(); }
   void pauseUntil(FollowTime moment) override { interruption.wait({}, moment); }
 
  private:
-  [[nodiscard]] Deadline answerDeadline(Seconds wait) const;
+  [[nodiscard]] ToolResult ask(std::string_view tool, AnyCodable::Object arguments,
+                               Seconds wait = Seconds(0));
+  [[nodiscard]] TestDurations earlierDurations();
 
   std::string requestId;
+  std::optional<Run> run;
   McpClient& client;
   Interruption& interruption;
   Patience patience;
 };
-
-/// How long the tests of a project took in the few runs that the server still tells of. A test
-/// counts that went through all its steps, as it did the last time. Throws what McpClient::callTool
-/// throws.
-[[nodiscard]] TestDurations earlierDurations(McpClient& client, std::string_view projectName,
-                                             Seconds patience);
 
 }  // namespace corvane::ctl

@@ -57,7 +57,7 @@ void LiveLine::show(std::string_view text) {
   std::string line = oneLine(text);
   if (drawn && line == shown && stream->size().columns == screenColumns) return;
   // Before anything is drawn at a new width, what the old one has left is taken away.
-  if (drawn && stream->size().columns != screenColumns) erase();
+  if (line.empty() || stream->size().columns != screenColumns) erase();
   shown = std::move(line);
   redraw();
 }

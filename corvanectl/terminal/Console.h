@@ -52,7 +52,7 @@ class LiveLine {
   /// `stream` outlives the line and can be redrawn.
   explicit LiveLine(TextStream& stream) : stream(&stream) {}
 
-  /// Draws the line unless it is what stands there already.
+  /// Draws the line unless it is what stands there already; an empty one is no line.
   void show(std::string_view text);
   /// Leaves the cursor at the beginning of an empty line, when the line is drawn.
   void erase();
@@ -95,7 +95,7 @@ class Console {
 
   /// Begins a live line, on a terminal that can be redrawn. It stays below whatever is printed.
   void startProgress(ProgressPlace place);
-  /// Shows a line of text while there is a live line.
+  /// Shows a line of text while there is a live line; nothing for an empty text.
   void progress(std::string_view text);
   /// Ends the live line and leaves the cursor where other text can begin.
   void endProgress();

@@ -258,5 +258,15 @@ TEST(UuidTest, RefusesEverythingElse) {
   EXPECT_EQ(parseRequestId(withNul), std::nullopt);
 }
 
+// Fails when accents take columns, or pictures and wide letters only one.
+TEST(Text, CountsTheColumnsOfATerminal) {
+  EXPECT_EQ(countColumns(""), 0U);
+  EXPECT_EQ(countColumns("Pay — now…"), 10U);
+  EXPECT_EQ(countColumns("e\u0301"), 1U);
+  EXPECT_EQ(countColumns("日本"), 4U);
+  EXPECT_EQ(countColumns("🎉"), 2U);
+  EXPECT_EQ(countColumns("\u2764\uFE0F"), 2U);
+}
+
 }  // namespace
 }  // namespace corvane::testing

@@ -1,5 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <signal.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+
 #include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/json/JsonReader.h"
 #include "FakeServerScript.h"
@@ -227,10 +233,7 @@ const std::string dispatched =
     "Run request dispatched to Corvane.\n\n  requestId:   0f8fad5b-d9cb-469f-a165-70867728950e\n"
     "  Project:     Shop";
 
-/// The answers about a workspace that is not known and to the dispatch.
-const std::vector<std::string> dispatch{"expect tools/call",
-                                        textResult("error:context_unavailable\n\nNone.", true),
-                                        "expect tools/call", textResult(dispatched)};
+const std::vector<std::string> dispatch{"expect tools/call", textResult(dispatched)};
 
 TEST(RunAndFollow, FollowsWhatWasDispatched) {
   const FakeServerScript script(greeted(joined(dispatch, finishedResult("failed", passedJson))));
@@ -241,19 +244,27 @@ TEST(RunAndFollow, FollowsWhatWasDispatched) {
             AnyCodable("0f8fad5b-d9cb-469f-a165-70867728950e"));
 }
 
-// Fails when the time is counted from after the server's start, which takes all of it.
-TEST(RunAndFollow, CountsTheServersStartAsTimeGone) {
-  std::vector<std::string> looks;
+/// How often a request is looked at in 1.6 seconds, most of which the server needs to start.
+std::ptrdiff_t looksAfterASlowStart(std::vector<std::string> arguments,
+                                    std::vector<std::string> lines) {
   for (int i = 0; i < 8; ++i) {
-    looks.emplace_back("expect tools/call");
-    looks.push_back(running);
+    lines.emplace_back("expect tools/call");
+    lines.push_back(running);
   }
-  auto lines = greeted(joined(dispatch, looks));
+  lines = greeted(std::move(lines));
   lines.insert(lines.begin() + 1, "delay 1500");
   const FakeServerScript script(lines);
-  EXPECT_EQ(runWithFakeServer({"run", "Shop", "--all", "--follow", "--timeout", "1.6"}).status, 4);
-  // Two looks at most, where there would be time for three.
-  EXPECT_LE(calls(script).size(), 4U);
+  arguments.insert(arguments.end(), {"--timeout", "1.6"});
+  EXPECT_EQ(runWithFakeServer(arguments).status, 4);
+  const auto made = calls(script);
+  return std::ranges::count(made, AnyCodable("get_result"),
+                            [](const auto& call) { return *call.find("name"); });
+}
+
+// Fails when the time is counted from after the server's start: then there is some for three looks.
+TEST(RunAndFollow, CountTheServersStartAsTimeGone) {
+  EXPECT_LE(looksAfterASlowStart({"run", "Shop", "--all", "--follow"}, dispatch), 2);
+  EXPECT_LE(looksAfterASlowStart({"follow", "ID"}, {}), 2);
 }
 
 // Fails when the id is known only at the end.
@@ -266,14 +277,12 @@ TEST(RunAndFollow, PrintsOnlyTheFinalResultAsJson) {
 
 TEST(RunAndFollow, FollowsNothingThatWasNotDispatched) {
   {
-    const FakeServerScript script(greeted({"expect tools/call", textResult("error:x", true),
-                                           "expect tools/call", textResult("error:y", true)}));
+    const FakeServerScript script(greeted({"expect tools/call", textResult("error:y", true)}));
     const auto run = runWithFakeServer({"run", "Shop", "--all", "--follow"});
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.output, "error:y\n");
   }
-  const FakeServerScript script(greeted(
-      {"expect tools/call", textResult("none", true), "expect tools/call", textResult("done")}));
+  const FakeServerScript script(greeted({"expect tools/call", textResult("done")}));
   EXPECT_EQ(runWithFakeServer({"run", "Shop", "--all", "--follow"}).status, 2);
 }
 
@@ -287,6 +296,26 @@ TEST(RunAndFollow, ChecksTheFolderBeforeItDispatches) {
   EXPECT_EQ(run.status, 74);
   EXPECT_NE(run.errors.find("--pictures"), std::string::npos) << run.errors;
   EXPECT_TRUE(calls(script).empty());
+}
+
+// Fails when a reader that has gone keeps the request from being cancelled.
+TEST(Follow, CancelsAlthoughNobodyReads) {
+  const FakeServerScript script(greeted({"expect tools/call", running, "expect tools/call",
+                                         goesOn("building"), "expect tools/call",
+                                         textResult("cancelled")}));
+  std::array<int, 2> ends{};
+  ASSERT_EQ(::pipe(ends.data()), 0);
+  ::close(ends[0]);
+  const pid_t child = ::fork();
+  if (child == 0) {
+    ::dup2(ends[1], STDOUT_FILENO);
+    ::close(STDERR_FILENO);
+    becomeCorvanectl({"--server", FakeServerScript::program(), "follow", "ID", "--events",
+                      "--cancel-on-exit"});
+  }
+  ::close(ends[1]);
+  EXPECT_EQ(waitForStatus(child), 128 + SIGPIPE);
+  EXPECT_EQ(*calls(script).back().find("name"), AnyCodable("cancel_run"));
 }
 
 TEST(RunAndFollow, LeavesOutWhatIsForAgents) {

@@ -29,6 +29,9 @@ class Record final : public FollowObserver {
       return (began.dispatched ? "dispatched " : "following ") + began.requestId;
     }
     std::string operator()(const events::PickedUp&) const { return "picked up"; }
+    std::string operator()(const events::Planned& planned) const {
+      return "planned " + std::to_string(planned.expectation.plan.tests.size());
+    }
     std::string operator()(const events::StatusChanged& changed) const {
       std::string line = changed.status;
       if (changed.queuePosition) line += " #" + std::to_string(*changed.queuePosition);
@@ -54,7 +57,7 @@ class Record final : public FollowObserver {
       return "over " + finished.status;
     }
     std::string operator()(const events::LeftOff& left) const {
-      return "left off " + std::to_string(static_cast<int>(left.exitStatus));
+      return left.exitStatus ? "left off" : "interrupted";
     }
     static std::string place(const TestPlace& test) {
       return test.name + "[" + std::to_string(test.index) +
@@ -102,15 +105,17 @@ TEST_F(FollowerTest, TellsTheCourseOfARun) {
   request.result(10, "running", progress(4, 5, tests(test("Sign in", "passed"))));
   request.result(12, "failed",
                  R"("tests":[)" + test("Sign in", "passed") + "," + test("Pay", "failed") + "]");
-  const auto outcome = follow({"ID", true, "Shop", plan});
+  request.known = Expectation{plan, {}};
+  const auto outcome = follow({"ID", true});
   EXPECT_EQ(outcome.end, Follower::End::finished);
   EXPECT_EQ(outcome.look.status, "failed");
-  EXPECT_THAT(record.lines, ElementsAre("0 dispatched ID", "1 pending", "2 picked up",
-                                        "2 queued #2", "4 building 'Building'", "6 running",
-                                        "6 starts Sign in[0/2]", "6 Sign in[0/2] step 0/2 Open",
-                                        "8 finished Sign in[0/2] passed", "8 starts Pay[1/2]",
-                                        "8 Pay[1/2] step 0/3 Tap", "10 Pay[1/2] step 1/3 Swipe",
-                                        "12 finished Pay[1/2] failed", "12 over failed"));
+  EXPECT_THAT(
+      record.lines,
+      ElementsAre("0 dispatched ID", "1 pending", "2 picked up", "2 queued #2", "2 planned 2",
+                  "4 building 'Building'", "6 running", "6 starts Sign in[0/2]",
+                  "6 Sign in[0/2] step 0/2 Open", "8 finished Sign in[0/2] passed",
+                  "8 starts Pay[1/2]", "8 Pay[1/2] step 0/3 Tap", "10 Pay[1/2] step 1/3 Swipe",
+                  "12 finished Pay[1/2] failed", "12 over failed"));
 }
 
 // Fails when the live count, which begins with 1, is shown in the place of the step's number.
@@ -126,9 +131,19 @@ TEST_F(FollowerTest, CountsStepsLikeResultsDo) {
 TEST_F(FollowerTest, NamesNoStepOfAPlanWithOtherSteps) {
   request.result(0, "running", progress(2, 9));
   request.result(2, "passed");
-  (void)follow({"ID", false, "Shop", plan});
-  EXPECT_THAT(record.lines,
-              ElementsAre("0 following ID", "1 running", "1 step 1/9 ", "2 over passed"));
+  request.known = Expectation{plan, {}};
+  (void)follow();
+  EXPECT_THAT(record.lines, ElementsAre("0 following ID", "1 running", "1 planned 2", "1 step 1/9 ",
+                                        "2 over passed"));
+}
+
+// Fails when a plan is asked for before the app has been up to publish it, or for ever.
+TEST_F(FollowerTest, AsksAFewTimesForThePlan) {
+  request.pending(0);
+  request.result(3, "running", progress(1, 5));
+  request.result(20, "passed");
+  (void)follow({"ID", true});
+  EXPECT_EQ(request.timesAsked, 3);
 }
 
 // Fails when a test that the result lists as running counts as finished.

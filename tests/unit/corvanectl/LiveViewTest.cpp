@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <functional>
 #include <map>
 
 #include "PlayedRequest.h"
@@ -31,6 +32,10 @@ class LiveViewTest : public ::testing::Test {
       view.tick(now);
       const auto second = std::chrono::round<std::chrono::seconds>(now.time_since_epoch()).count();
       test.frames[second] = test.look();
+      if (const auto action = test.atSecond.find(second); action != test.atSecond.end()) {
+        action->second();
+        test.atSecond.erase(action);
+      }
     }
 
    private:
@@ -39,13 +44,11 @@ class LiveViewTest : public ::testing::Test {
   };
 
   /// Follows the request to its end or until the app has been away for a while.
-  void follow(std::optional<LiveView::Expectation> expectation = std::nullopt) {
-    LiveView view(console, ProgressPlace::withResults, Style(colored), request.now(), expectation);
+  void follow() {
+    LiveView view(console, ProgressPlace::withResults, Style(colored), request.now());
     Recorder recorder(view, *this);
     console.startProgress(ProgressPlace::withResults);
-    Follower::Request given{"ID", true, "Shop"};
-    if (expectation) given.plan = expectation->plan;
-    (void)Follower(given, {FollowTime::max(), Seconds(10)}, request, recorder).run();
+    (void)Follower({"ID", true}, {FollowTime::max(), Seconds(10)}, request, recorder).run();
     console.endProgress();
     frames[last] = look();
   }
@@ -54,8 +57,15 @@ class LiveViewTest : public ::testing::Test {
   Frame look() {
     constexpr std::string_view mark = "\x01";
     EXPECT_EQ(::write(terminal.side(), mark.data(), mark.size()), 1);
-    screen.write(terminal.readPast(mark));
+    const std::string shown = terminal.readPast(mark);
+    written += shown;
+    screen.write(shown);
     return screen.rows();
+  }
+
+  void resize(unsigned short newColumns) {
+    terminal.resize(newColumns);
+    screen.resize(newColumns);
   }
 
   static std::string test(const std::string& name, const std::string& status, double seconds,
@@ -83,6 +93,10 @@ class LiveViewTest : public ::testing::Test {
   PlayedRequest request;
   Screen screen{columns};
   bool colored = false;
+  /// All bytes that were written.
+  std::string written;
+  /// What happens to the terminal after a frame.
+  std::map<std::int64_t, std::function<void()>> atSecond;
   std::map<std::int64_t, Frame> frames;
 };
 
@@ -98,7 +112,8 @@ TEST_F(LiveViewTest, ShowsAPassingRun) {
   request.result(
       12, "passed",
       R"("tests":[)" + test("Sign in", "passed", 4.2) + "," + test("Pay", "passed", 3) + "]");
-  follow(LiveView::Expectation{plan, {{"Sign in", 5}, {"Pay", 6}}});
+  request.known = Expectation{plan, {{"Sign in", 5}, {"Pay", 6}}};
+  follow();
   EXPECT_THAT(frames[1], ElementsAre("waiting for Corvane.app to pick the request up · 1 s"));
   EXPECT_THAT(frames[2], ElementsAre("building — Building the app · 2 s"));
   EXPECT_THAT(frames[4],
@@ -171,6 +186,81 @@ TEST_F(LiveViewTest, ShowsACancelledRun) {
                  R"("tests":[)" + test("Sign in", "cancelled", 1, step(0, "skipped")) + "]");
   follow();
   EXPECT_THAT(frames[last], ElementsAre("– Sign in  1 s  cancelled"));
+}
+
+// Fails when a name or reason can draw, begin a line or end a sequence.
+TEST_F(LiveViewTest, ShowsNamesAsTheyAreAndOnOneLine) {
+  const std::string name = R"(<b>Sign\nin</b> 🎉\u001b[2J\u202e)";
+  request.result(0, "running", progress(1, 5) + R"(,"tests":[)" + test(name, "running", 0) + "]");
+  request.result(
+      2, "failed",
+      R"("tests":[)" +
+          test(name, "failed", 1, step(0, "failed", R"(,"failureReason":"<i>a</i>\r\nb")")) + "]");
+  follow();
+  EXPECT_THAT(frames[1], ElementsAre(R"(<b>Sign in</b> 🎉\u001b[2J\u202e (1) · step 0/5 · 1 s)"));
+  EXPECT_THAT(frames[last],
+              ElementsAre(R"(✗ <b>Sign in</b> 🎉\u001b[2J\u202e  1 s  step 0: <i>a</i> b)"));
+}
+
+// Fails when the clock is what is cut off, or a long name takes the step's room.
+TEST_F(LiveViewTest, CutsWhatIsLongestOnANarrowTerminal) {
+  resize(34);
+  request.known = Expectation{{{{"A test with quite a long name", {"Tap the button"}}}}, {}};
+  request.result(0, "running", progress(1, 1));
+  request.result(3, "running", progress(1, 1));
+  request.result(5, "passed");
+  follow();
+  EXPECT_THAT(frames[1], ElementsAre("A test… (1/1) · step 0/1… · 1 s"));
+}
+
+TEST_F(LiveViewTest, ShowsWhatFitsOnATinyTerminal) {
+  resize(9);
+  request.result(0, "running", progress(2, 5));
+  request.result(5, "passed");
+  follow();
+  EXPECT_THAT(frames[1], ElementsAre("step 1/5"));
+}
+
+// Fails when rows are left behind that the line took at the new width.
+TEST_F(LiveViewTest, LeavesNothingBehindWhenTheWindowIsResized) {
+  request.known = Expectation{plan, {}};
+  request.result(0, "running", progress(1, 5));
+  request.result(2, "running",
+                 progress(4, 5) + R"(,"tests":[)" + test("Sign in", "passed", 2) + "]");
+  request.result(8, "passed");
+  atSecond[3] = [this] { resize(21); };
+  atSecond[5] = [this] { resize(72); };
+  follow();
+  EXPECT_THAT(frames[2], ElementsAre("✓ Sign in  2 s", "Pay (2/2) · step 1/3 Swipe left · 2 s"));
+  EXPECT_THAT(frames[4], ElementsAre("✓ Sign in  2 s", "Pay (2/2) · 4 s"));
+  EXPECT_THAT(frames[6], ElementsAre("✓ Sign in  2 s", "Pay (2/2) · step 1/3 Swipe left · 6 s"));
+  EXPECT_THAT(frames[last], ElementsAre("✓ Sign in  2 s"));
+}
+
+// Fails when a step far on is looked for again and again, or shown with another's words.
+TEST_F(LiveViewTest, FindsItsWayInTenThousandSteps) {
+  RunPlan::Test large{"Everything", {}};
+  for (int i = 0; i < 10'000; ++i) large.steps.push_back("Tap " + std::to_string(i));
+  std::string steps = step(0, "passed");
+  for (int i = 1; i < 10'000; ++i) steps += "," + step(i, i == 9'999 ? "failed" : "passed");
+  request.known = Expectation{{{large}}, {}};
+  request.result(0, "running", progress(9'999, 10'000));
+  request.result(3, "failed", R"("tests":[)" + test("Everything", "failed", 9, steps) + "]");
+  follow();
+  EXPECT_THAT(frames[1], ElementsAre("Everything (1/1) · step 9998/10000 Tap 9998 · 1 s"));
+  EXPECT_THAT(frames[last], ElementsAre("✗ Everything  9 s  step 9999: TAP"));
+}
+
+// Fails when colours run on, or take columns of the line.
+TEST_F(LiveViewTest, ColoursWhatIsWorthIt) {
+  colored = true;
+  request.result(0, "passed",
+                 R"("tests":[)" + test("A", "passed", 1) + "," + test("B", "failed", 1) + "," +
+                     test("C", "passed", 1, step(0, "healed")) + "]");
+  follow();
+  EXPECT_EQ(written,
+            "\033[32m✓\033[m A  \033[2m1 s\033[m\r\n\033[31m✗\033[m B  \033[2m1 s\033[m\r\n"
+            "\033[33m~\033[m C  \033[2m1 s\033[m  healed at step 0\r\n");
 }
 
 }  // namespace

@@ -50,6 +50,38 @@ TEST_F(SavedPicturesTest, AreSavedUnderTheirNumbers) {
   EXPECT_EQ(readFile(folder / "get_result-2.png"), "bar");
 }
 
+/// The caption of a step's pictures.
+std::string caption(int step, const std::string& moments) {
+  return "step " + std::to_string(step) + " screenshots (" + moments +
+         ") — corner brackets mark where Corvane touched (drags also draw a line to the end point)";
+}
+
+// Fails when pictures of several steps are named by the order in which they come.
+TEST_F(SavedPicturesTest, AreNamedForTestStepAndMoment) {
+  auto pictures = output(directory.path(), "Sign in / <b>🎉");
+  std::string text;
+  pictures.append(ToolResult::Text{caption(12, "before, after")}, text);
+  EXPECT_EQ(line(pictures, "Zm9v", "image/jpeg"),
+            directory.path() / "Sign-in----b---step-12-before.jpg");
+  EXPECT_EQ(line(pictures, "Zm9v", "image/png"),
+            directory.path() / "Sign-in----b---step-12-after.png");
+  pictures.append(ToolResult::Text{caption(3, "after")}, text);
+  EXPECT_EQ(line(pictures, "Zm9v", "image/jpeg"),
+            directory.path() / "Sign-in----b---step-3-after.jpg");
+  pictures.append(ToolResult::Text{caption(3, "after")}, text);
+  EXPECT_EQ(line(pictures, "Zm9v", "image/jpeg"),
+            directory.path() / "Sign-in----b---step-3-after-2.jpg");
+  // One that no caption speaks of.
+  EXPECT_EQ(line(pictures, "Zm9v", "image/jpeg"), directory.path() / "Sign-in----b---1.jpg");
+}
+
+// Fails when a name may be longer than file systems take, with a number behind it.
+TEST_F(SavedPicturesTest, HaveNamesThatFileSystemsTake) {
+  const std::string name = pictureFileName(std::string(300, 'x'), 10'000, "before", ".jpg");
+  EXPECT_LE(name.size(), 255U - 10U);
+  EXPECT_TRUE(name.ends_with("xx-step-10000-before.jpg")) << name;
+}
+
 TEST_F(SavedPicturesTest, OverwriteNothing) {
   writeFileWhole(directory.path() / "x-1.jpg", "old");
   auto pictures = output(directory.path(), "x");
@@ -213,6 +245,27 @@ TEST_F(ShownPicturesTest, AreNotBesideJson) {
             "{}\r\n" + (shots() / "get_result-1.jpg").string() + "\r\n[end]\r\n");
   EXPECT_EQ(waitForStatus(program), 0);
   EXPECT_EQ(started(), "");
+}
+
+// Fails when it has to be asked for, or comes of a run that did not fail.
+TEST_F(ShownPicturesTest, AreOfWhatAFailedStepHasLeft) {
+  installChafa("read -r bytes <\"$4\"; echo \"$bytes\"");
+  const auto block = [](const std::string& status) {
+    return R"({"type":"text","text":"status: )" + status + R"( (terminal)\n\n{}"})";
+  };
+  for (const std::string status : {"failed", "passed"}) {
+    const FakeServerScript script(greeted(
+        {"expect tools/call", "result {\"content\":[" + block(status) + "]}", "expect tools/call",
+         "result {\"content\":[" + block(status) + "," + std::string(picture) +
+             R"(,{"type":"image","data":"YmFy","mimeType":"image/jpeg"}]})"}));
+    Pseudoterminal screen(80);
+    const int program = screen.start({"--server", FakeServerScript::program(), "follow", "ID"});
+    const std::string shown = screen.readAll();
+    EXPECT_EQ(waitForStatus(program), status == "failed" ? 1 : 0);
+    const bool ends =
+        shown.ends_with("failed\r\n{}\r\nWhat the failed step has left on the screen:\r\nbar\r\n");
+    EXPECT_EQ(ends, status == "failed") << shown;
+  }
 }
 
 TEST_F(ShownPicturesTest, AreNotForAPipe) {

@@ -55,12 +55,20 @@ class PlayedRequest final : public ctl::RequestWatch {
     const bool isOverAlready = current().text.find("(terminal)") != std::string::npos;
     return lookAt(isOverAlready ? seconds() : end);
   }
+  std::optional<ctl::Expectation> expectation() override {
+    ++timesAsked;
+    return known;
+  }
   bool appIsRunning() override {
     const auto next = appStates.upper_bound(seconds());
     return next == appStates.begin() || std::prev(next)->second;
   }
   ctl::FollowTime now() override { return time; }
   void pauseUntil(ctl::FollowTime moment) override { time = std::max(time, moment); }
+
+  /// What is known of the run beforehand, and how often that was asked for.
+  std::optional<ctl::Expectation> known;
+  int timesAsked = 0;
 
  private:
   struct Answer {

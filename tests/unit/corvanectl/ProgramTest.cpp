@@ -116,7 +116,7 @@ TEST(Program, CallsTheShortForms) {
   const FakeServerScript script(greeted({"expect tools/call", textResult("ok")}));
   EXPECT_EQ(runWithFakeServer({"health"}).output, "ok");
   EXPECT_EQ(lastParams(script), readJson(R"({"name":"health","arguments":{}})"));
-  EXPECT_EQ(runWithFakeServer({"cancel", "ID"}).output, "ok");
+  EXPECT_EQ(runWithFakeServer({"cancel", "ID"}).output, "ok\n");
   EXPECT_EQ(lastParams(script),
             readJson(R"({"name":"cancel_run","arguments":{"requestId":"ID"}})"));
 }

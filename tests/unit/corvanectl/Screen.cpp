@@ -122,7 +122,8 @@ void Screen::clearToEndOfScreen() {
 std::size_t Screen::firstCellOfRow() const {
   std::size_t first = 0;
   std::size_t used = 0;
-  for (std::size_t i = 0; i < std::min(cell, lines[line].size()); ++i) {
+  // Behind the last cell of a full row the cursor has not moved on yet.
+  for (std::size_t i = 0; i < std::min(cell + 1, lines[line].size()); ++i) {
     if (used + lines[line][i].width > columns) {
       first = i;
       used = 0;
