@@ -12,6 +12,9 @@ const program = [
   '/Applications/Google Chrome.app/Contents/MacOS/Google Chrome',
 ].find(existsSync);
 
+/** How long anything may take, in milliseconds. */
+const patience = 120_000;
+
 export class Browser {
   #nextId = 1;
   #waiting = new Map();
@@ -60,7 +63,14 @@ export class Browser {
   send(method, params = {}, sessionId = undefined) {
     const id = this.#nextId++;
     this.child.stdio[3].write(`${JSON.stringify({ id, method, params, sessionId })}\0`);
-    return new Promise((resolve, reject) => this.#waiting.set(id, { resolve, reject }));
+    return new Promise((resolve, reject) => {
+      const late = setTimeout(() => reject(new Error(`${method} is not answered`)), patience);
+      const ending = (end) => (value) => {
+        clearTimeout(late);
+        end(value);
+      };
+      this.#waiting.set(id, { resolve: ending(resolve), reject: ending(reject) });
+    });
   }
 
   /** A page that shows the file, once it has been loaded. */
@@ -92,7 +102,11 @@ class Page {
   }
 
   async until(method) {
-    while (this.events(method).length === 0) await new Promise((resolve) => setTimeout(resolve, 10));
+    const end = Date.now() + patience;
+    while (this.events(method).length === 0) {
+      if (Date.now() > end) throw new Error(`${method} does not happen`);
+      await new Promise((resolve) => setTimeout(resolve, 10));
+    }
   }
 
   resize(width, height) {

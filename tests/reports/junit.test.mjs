@@ -4,10 +4,11 @@ import assert from 'node:assert/strict';
 import { execFileSync } from 'node:child_process';
 import { join } from 'node:path';
 import { test } from 'node:test';
+import { fileURLToPath } from 'node:url';
 
 import { evil, Home, makeResult, makeStep, makeTest, requestId, shown } from './support.mjs';
 
-const here = import.meta.dirname;
+const here = fileURLToPath(new URL('.', import.meta.url));
 const large = { encoding: 'utf8', maxBuffer: 256 * 1024 * 1024 };
 const validate = (file) =>
   execFileSync('xmllint', ['--huge', '--noout', '--schema', join(here, 'junit.xsd'), file], {

@@ -119,6 +119,14 @@ TEST(JUnitReport, TellsSkippedAndDoubtfulTestsApart) {
   </testsuite>)");
 }
 
+// Fails when a step that healing saved is told as the reason.
+TEST(JUnitReport, TellsTheStepThatFailed) {
+  Report report = failedRun();
+  report.tests[1].steps[0].healedByAI = true;
+  EXPECT_NE(junitReport(report, {}).find("message=\"step 1 failed: TAP: Tap Pay — No button\""),
+            std::string::npos);
+}
+
 // Fails when a character that XML does not allow is written: no reader takes any of the file then.
 TEST(JUnitReport, WritesOnlyWhatXmlAllows) {
   Report report;

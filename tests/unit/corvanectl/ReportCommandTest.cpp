@@ -90,6 +90,19 @@ TEST_F(ReportCommandTest, AsksForThePicturesOfEachStep) {
       << asked[2];
 }
 
+// Older apps tell only of the run where its captures are.
+TEST_F(ReportCommandTest, AsksForThePicturesOfTheOnlyTest) {
+  const std::string result =
+      resultText(R"("status":"passed","trace":{"artifactsDir":"/captures"},"tests":[{"testId":"1",)"
+                 R"("testName":"Pay","status":"passed","durationSeconds":3,"steps":[)"
+                 R"({"index":0,"title":"TAP","description":"Tap Cart","status":"passed"}]}])");
+  const FakeServerScript script(joined({finishedResult("passed", result), withPictures(0)}));
+  ASSERT_EQ(runWithFakeServer({"report", "ID", "--html", file("b.html")}).status, 0);
+  const std::string asked = script.received().back();
+  EXPECT_NE(asked.find("\"traceStepIndex\":0"), std::string::npos) << asked;
+  EXPECT_EQ(asked.find("traceTestIndex"), std::string::npos) << asked;
+}
+
 TEST_F(ReportCommandTest, AsksForNoPicturesUnlessThereIsAPage) {
   const FakeServerScript script(joined({finishedResult("passed", captured)}));
   EXPECT_EQ(runWithFakeServer({"report", "ID", "--junit", file("a.xml")}).status, 0);
@@ -185,7 +198,7 @@ std::vector<std::string> followedRun(std::string_view status) {
   const std::string dispatched = textResult(
       "Run request dispatched to Corvane.\n\n  requestId:   "
       "11111111-2222-3333-4444-555555555555");
-  return joined({{"expect tools/call", textResult("no project"), "expect tools/call", dispatched},
+  return joined({{"expect tools/call", dispatched},
                  finishedResult(status, resultText("\"status\":\"" + std::string(status) + "\""))});
 }
 
