@@ -21,6 +21,12 @@ target_compile_definitions(corvane_asio INTERFACE
   $<$<CXX_COMPILER_ID:Clang,AppleClang>:ASIO_HAS_STD_COROUTINE=1>)
 target_link_libraries(corvane_asio INTERFACE Threads::Threads)
 
+find_path(PUGIXML_INCLUDE_DIR pugixml.hpp REQUIRED)
+find_library(PUGIXML_LIBRARY NAMES libpugixml.a pugixml REQUIRED)
+add_library(corvane_pugixml INTERFACE)
+target_include_directories(corvane_pugixml SYSTEM INTERFACE ${PUGIXML_INCLUDE_DIR})
+target_link_libraries(corvane_pugixml INTERFACE ${PUGIXML_LIBRARY})
+
 # Linked statically where the system offers it: a shared library costs time at every start.
 find_path(UTF8PROC_INCLUDE_DIR utf8proc.h REQUIRED)
 find_library(UTF8PROC_LIBRARY NAMES libutf8proc.a utf8proc REQUIRED)

@@ -142,6 +142,20 @@ void writeFileWhole(const fs::path& path, std::string_view contents, Access acce
   if (!writeAs(TemporaryFile::Kind::nameless)) (void)writeAs(TemporaryFile::Kind::named);
 }
 
+void ensureWritable(const fs::path& path, Access access) {
+  const auto fail = [&path](std::error_code reason) { throw FileError("write", path, reason); };
+  if (const auto error = makeFolders(path.parent_path(), access)) fail(error);
+  struct stat status{};
+  if (::stat(path.c_str(), &status) != 0) {
+    if (errno != ENOENT) fail(lastError());
+  } else if (S_ISDIR(status.st_mode)) {
+    fail(std::make_error_code(std::errc::is_a_directory));
+  } else if (!S_ISREG(status.st_mode)) {
+    fail(std::make_error_code(std::errc::invalid_argument));
+  }
+  const TemporaryFile attempt(path, TemporaryFile::Kind::named, access);
+}
+
 void ensureDirectoryExists(const fs::path& directory) {
   std::error_code ignored;
   if (fs::is_directory(directory, ignored)) {

@@ -114,6 +114,11 @@ enum class Access : mode_t {
 void writeFileWhole(const std::filesystem::path& path, std::string_view contents,
                     Access access = Access::userOnly);
 
+/// Makes sure that a file can be written at `path` with `writeFileWhole`, and makes the folders
+/// that are missing. Throws the FileError that writing would, also where something stands that is
+/// no regular file and should not be replaced by one.
+void ensureWritable(const std::filesystem::path& path, Access access = Access::userOnly);
+
 /// Makes a folder with all its missing parents exist, for the user alone. A folder of the user's
 /// own that is there and open to others is closed to them, with what it holds. Whatever else exists
 /// there is left alone; a failure is ignored, as the write that needs the folder reports its own.

@@ -6,6 +6,7 @@
 #include "corvanectl/commands/FollowCommand.h"
 #include "corvanectl/commands/HealthCommand.h"
 #include "corvanectl/commands/NamesCommand.h"
+#include "corvanectl/commands/ReportCommand.h"
 #include "corvanectl/commands/RetryCommand.h"
 #include "corvanectl/commands/RunCommand.h"
 #include "corvanectl/commands/ShowCommand.h"
@@ -24,6 +25,7 @@ std::vector<std::unique_ptr<Command>> allCommands() {
   commands.push_back(std::make_unique<RunCommand>());
   commands.push_back(std::make_unique<FollowCommand>());
   commands.push_back(std::make_unique<ShowCommand>());
+  commands.push_back(std::make_unique<ReportCommand>());
   commands.push_back(std::make_unique<RetryCommand>());
   commands.push_back(std::make_unique<CancelCommand>());
   commands.push_back(std::make_unique<DoctorCommand>());

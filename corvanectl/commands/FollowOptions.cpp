@@ -1,33 +1,11 @@
 #include "corvanectl/commands/FollowOptions.h"
 
-#include <unistd.h>
-
-#include <cerrno>
 #include <map>
 #include <string>
-#include <system_error>
 
-#include "CorvaneCore/files/Files.h"
 #include "corvanectl/commands/Options.h"
 
 namespace corvane::ctl {
-
-namespace {
-
-/// Throws FileError unless files can be made in `folder`, which comes into being if need be.
-void requireWritableFolder(const std::filesystem::path& folder) {
-  std::error_code error;
-  std::filesystem::create_directories(folder, error);
-  if (!error && !std::filesystem::is_directory(folder)) {
-    error = std::make_error_code(std::errc::not_a_directory);
-  }
-  if (!error && ::access(folder.c_str(), W_OK | X_OK) != 0) {
-    error = std::error_code(errno, std::generic_category());
-  }
-  if (error) throw FileError("use for --pictures", folder, error);
-}
-
-}  // namespace
 
 void FollowOptions::addTo(CLI::App& app, const char* following) {
   const auto needing = [&](CLI::Option* option) {
@@ -35,6 +13,7 @@ void FollowOptions::addTo(CLI::App& app, const char* following) {
     return option;
   };
   needing(addPictures(app, pictures));
+  for (CLI::Option* report : addReports(app, reports)) needing(report);
   needing(app.add_flag("--events", events,
                        "Print what happens as JSON, a line for each event; the first one has the "
                        "request's id"))
@@ -58,7 +37,8 @@ void FollowOptions::addTo(CLI::App& app, const char* following) {
 }
 
 void FollowOptions::checkOutputs() const {
-  if (pictures) requireWritableFolder(*pictures);
+  if (pictures) requirePictureFolder(*pictures);
+  checkReports(reports);
 }
 
 Deadline FollowOptions::end(const ServerOptions& options) {

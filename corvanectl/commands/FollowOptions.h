@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "corvanectl/commands/CommandContext.h"
+#include "corvanectl/report/ReportFiles.h"
 #include "corvanectl/terminal/Console.h"
 
 namespace CLI {
@@ -20,6 +21,8 @@ struct FollowOptions {
   bool events = false;
   /// Where the pictures of a step go.
   std::optional<std::filesystem::path> pictures;
+  /// What is written about a request that has finished.
+  ReportOptions reports;
   /// Seconds after which following ends when no app works on the request.
   double appTimeout = 60;
   /// Whether a request that is left is cancelled.
@@ -30,8 +33,8 @@ struct FollowOptions {
   /// option of the command, those that mean nothing without it need it; `following` is its name.
   void addTo(CLI::App& app, const char* following = nullptr);
 
-  /// Makes sure that what is written at the end can be written, before anything begins. Throws
-  /// FileError.
+  /// Makes sure that what is written at the end can be written, before anything begins. Throws what
+  /// checkReports throws.
   void checkOutputs() const;
 
   /// When following must end; never unless the user gave a time.

@@ -105,14 +105,26 @@ class Following {
       console.print(summarizeResult(look.json, look.status, TestLines::leftOut));
     }
     const ExitStatus status = exitStatusOf(look.status);
+    bool written = false;
     try {
-      showStepPictures(request.id, look, options, session, context);
-    } catch (const FileError& error) {
-      // How the request went is worth more than a picture of it.
+      written = writeFiles(look);
+    } catch (const std::exception& error) {
+      console.endProgress();
       console.complain(error.what());
-      if (status == ExitStatus::success) return ExitStatus::inputOutput;
     }
-    return status;
+    // How the request went is worth more than a picture of it, or a report.
+    return written || status != ExitStatus::success ? status : ExitStatus::inputOutput;
+  }
+
+  /// Whether all that the user asked for could be written.
+  bool writeFiles(const RequestLook& look) {
+    // Reports need the pictures of more than one step.
+    if (!options.reports.areGiven()) {
+      showStepPictures(request.id, look, options, session, context);
+      return true;
+    }
+    const Report report = makeReport(request.id, look.status, look.json);
+    return writeReports(options.reports, options.pictures, report, session, context);
   }
 
   /// Ends the view. `status` is how the program ends, when that is known.

@@ -1,7 +1,12 @@
 #include "corvanectl/commands/Options.h"
 
-#include <cstdlib>
+#include <unistd.h>
 
+#include <cerrno>
+#include <cstdlib>
+#include <system_error>
+
+#include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/json/JsonScalars.h"
 #include "corvanectl/terminal/DisplayText.h"
 
@@ -48,6 +53,18 @@ CLI::Option* addPictures(CLI::App& app, std::optional<std::filesystem::path>& di
                   "Save the pictures of the answer in this folder. On a terminal they are shown, "
                   "too, where the program chafa is installed")
       ->type_name("DIR");
+}
+
+void requirePictureFolder(const std::filesystem::path& folder) {
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  if (!error && !std::filesystem::is_directory(folder)) {
+    error = std::make_error_code(std::errc::not_a_directory);
+  }
+  if (!error && ::access(folder.c_str(), W_OK | X_OK) != 0) {
+    error = std::error_code(errno, std::generic_category());
+  }
+  if (error) throw FileError("use for --pictures", folder, error);
 }
 
 void takeMany(CLI::Option* option, const std::string& name) {

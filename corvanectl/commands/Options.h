@@ -20,6 +20,10 @@ void addJson(CLI::App& app, bool& json, const std::string& description);
 /// Returns the option, for what it needs beside it.
 CLI::Option* addPictures(CLI::App& app, std::optional<std::filesystem::path>& directory);
 
+/// Makes sure that files can be made in the folder given with --pictures, which comes into being if
+/// need be. Throws FileError.
+void requirePictureFolder(const std::filesystem::path& folder);
+
 /// Lets an option be given with one value or many; `name` is what help calls a value.
 void takeMany(CLI::Option* option, const std::string& name);
 

@@ -40,7 +40,7 @@ std::string advice(const RequestAnswer& answer, const std::string& id) {
 }
 
 std::string stepLine(const Step& step) {
-  const bool healed = step.healedByAI && step.status == "passed";
+  const bool healed = isHealed(step) && step.status != "failed";
   std::string line = "step " + std::to_string(step.index) + " " + (healed ? "healed" : step.status);
   if (step.durationSeconds) line += " " + displaySeconds(*step.durationSeconds);
   line += " " + step.title;
@@ -96,6 +96,13 @@ struct Choice {
       refuseNumber("--step", *command.step, test->steps.size(), "step");
     }
     step = &*found;
+  }
+
+  /// What its pictures are named for: the test that they are of.
+  [[nodiscard]] std::string subject(const RequestAnswer& answer) const {
+    if (test) return test->testName;
+    const auto& tests = answer.result ? answer.result->tests : std::nullopt;
+    return tests && !tests->empty() ? (*tests)[mostTelling(*tests)].testName : "get_result";
   }
 
   /// The pictures that belong to it.
@@ -156,7 +163,7 @@ ExitStatus ShowCommand::execute(CommandContext& context) const {
   if (!answer.hasEnded()) context.console.print(advice(answer, id));
   if (!step && !pictures) return ExitStatus::success;
 
-  ResultOutput output(context.console, "get_result", pictures, &context.pictureViewer);
+  ResultOutput output(context.console, choice.subject(answer), pictures, &context.pictureViewer);
   for (const auto& block : askRequest(session, id, choice.pictures()).further) {
     std::string line;
     output.append(block, line);

@@ -53,6 +53,21 @@ std::string oneLine(std::string_view text) {
   return escapeControls(toValidUtf8(line));
 }
 
+std::string cleanLines(std::string_view text) {
+  const std::string valid = toValidUtf8(text);
+  std::string_view rest = trimWhitespace(valid);
+  std::string lines;
+  while (!rest.empty()) {
+    std::string line(rest.substr(0, rest.find('\n')));
+    rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+    if (line.ends_with('\r')) line.pop_back();
+    std::ranges::replace(line, '\t', ' ');
+    lines += escapeControls(line);
+    if (!rest.empty()) lines += '\n';
+  }
+  return lines;
+}
+
 std::size_t widestColumns(std::string_view text) {
   std::size_t columns = 0;
   for (const char c : text) columns += continuesCharacter(c) ? 0 : widestColumns(c);

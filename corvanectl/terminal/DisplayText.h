@@ -10,6 +10,11 @@ namespace corvane::ctl {
 /// characters are spelled out, bytes that are not UTF-8 are replaced.
 [[nodiscard]] std::string oneLine(std::string_view text);
 
+/// Foreign text of any number of lines that is safe to show: its lines end in line feeds, a tab
+/// becomes a blank, other control characters are spelled out, bytes that are not UTF-8 are
+/// replaced, and white space at the ends is left off.
+[[nodiscard]] std::string cleanLines(std::string_view text);
+
 /// The most columns that `text`, which is valid UTF-8, takes on any terminal.
 [[nodiscard]] std::size_t widestColumns(std::string_view text);
 

@@ -260,6 +260,11 @@ TEST(FilesWriteTest, AFileInAParentsPlaceStaysAsItWas) {
   EXPECT_EQ(readFile(parent), "kept");
 }
 
+void expectNoPlaceFor(const fs::path& path, std::string_view reason) {
+  EXPECT_EQ(errorText<FileError>([&] { ensureWritable(path); }),
+            "could not write " + path.string() + ": " + std::string(reason));
+}
+
 TEST(FilesWriteTest, AnUnwritableFolderStaysAsItWas) {
   const TemporaryHome home;
   const OrdinaryUser user(home.path());
@@ -268,6 +273,7 @@ TEST(FilesWriteTest, AnUnwritableFolderStaysAsItWas) {
   writeFileWhole(file, "kept");
   fs::permissions(file.parent_path(), fs::perms::owner_read | fs::perms::owner_exec);
   EXPECT_EQ(writeError(file), "could not write " + file.string() + ": Permission denied");
+  expectNoPlaceFor(file, "Permission denied");
   fs::permissions(file.parent_path(), fs::perms::owner_all);
   EXPECT_EQ(home.entries(), (std::vector<std::string>{"locked", "locked/file"}));
   EXPECT_EQ(readFile(file), "kept");
@@ -326,6 +332,25 @@ TEST(FilesWriteTest, AReaderSeesOneVersionOrTheOtherWhole) {
     EXPECT_EQ(listVisible(home.path()), std::vector<fs::path>{file});
   } while (!done);
   writer.join();
+}
+
+TEST(FilesWriteTest, APlaceThatCanBeWrittenIsLeftAsItIs) {
+  const TemporaryHome home;
+  ensureWritable(home.path() / "new" / "file");
+  EXPECT_EQ(home.entries(), std::vector<std::string>{"new"});
+  writeFileWhole(home.path() / "file", "contents");
+  ensureWritable(home.path() / "file");
+  EXPECT_EQ(readFile(home.path() / "file"), "contents");
+}
+
+// Fails when it is only at the end of a long run that there turns out to be no place for its file.
+TEST(FilesWriteTest, APlaceThatCannotBeWrittenIsToldBefore) {
+  const TemporaryHome home;
+  writeFileWhole(home.path() / "file", "");
+  expectNoPlaceFor(home.path(), "Is a directory");
+  expectNoPlaceFor(home.path() / "file" / "below", "Not a directory");
+  expectNoPlaceFor(home.path() / std::string(300, 'n'), "File name too long");
+  expectNoPlaceFor("/dev/null", "Invalid argument");
 }
 
 TEST(FileErrorTest, SaysWhatFailedWhereAndWhy) {

@@ -17,6 +17,12 @@ TEST(OneLine, LetsNoControlCharacterThrough) {
   EXPECT_EQ(oneLine("bad \xFF byte"), "bad \xEF\xBF\xBD byte");
 }
 
+TEST(CleanLines, KeepsLinesAndNothingElseThatControls) {
+  EXPECT_EQ(cleanLines(" one\r\n\n\ttwo  three\033[2J\n \n"), "one\n\n two  three\\u001b[2J");
+  EXPECT_EQ(cleanLines("bad \xFF byte"), "bad \xEF\xBF\xBD byte");
+  EXPECT_EQ(cleanLines("\n \r\n"), "");
+}
+
 TEST(CutToColumns, LeavesWhatFits) {
   EXPECT_EQ(cutToColumns("0123456789", 10), "0123456789");
   EXPECT_EQ(cutToColumns("", 0), "");

@@ -7,6 +7,7 @@
 //   say TEXT            writes the line as it is
 //   log TEXT            writes the line to standard error
 //   delay MILLISECONDS  waits before it goes on
+//   makeFolder PATH     makes a folder, with those that it lacks
 //   closeOutput         closes standard output
 //   ignoreTerm          stays when SIGTERM comes
 //   hang                does nothing any more
@@ -19,6 +20,7 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <string>
@@ -57,6 +59,7 @@ class FakeServer {
     if (verb == "say") say(rest);
     if (verb == "log") std::cerr << rest << std::endl;
     if (verb == "delay") std::this_thread::sleep_for(std::chrono::milliseconds(std::stoi(rest)));
+    if (verb == "makeFolder") std::filesystem::create_directories(rest);
     if (verb == "closeOutput") ::close(STDOUT_FILENO);
     if (verb == "ignoreTerm") ::signal(SIGTERM, SIG_IGN);
     if (verb == "hang") {
