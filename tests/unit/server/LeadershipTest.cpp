@@ -38,8 +38,9 @@ TEST(LeadershipTest, KeepsTheLeadThroughShortAbsences) {
     ++leaders;
     EXPECT_EQ(++leading, 1);
     while (kept < absences) {
-      const auto absence = beginAbsence(leadership);
+      // Once the absence has begun, another may lead.
       --leading;
+      const auto absence = beginAbsence(leadership);
       if (!leadership.endAbsence(absence)) return;
       EXPECT_EQ(++leading, 1);
       ++kept;
