@@ -180,13 +180,9 @@ void MCPServer::perform(Call& call, DispatchOrder::Turn turn) {
 }
 
 Task<void> MCPServer::performAsTask(Call call, DispatchOrder::Turn turn) {
-  if (!call.tool.waits()) {
-    perform(call, std::move(turn));
-    co_return;
-  }
   std::exception_ptr failure;
   try {
-    reply(call.id, co_await call.tool.call(std::move(call.sent)));
+    reply(call.id, co_await call.tool.call(std::move(call.sent), std::move(turn)));
   } catch (...) {
     failure = std::current_exception();
   }

@@ -6,7 +6,10 @@ namespace corvane {
 
 ToolsCallResult MCPTool::perform(ToolCall call, DispatchOrder::Turn turn) const {
   if (const auto* plain = std::get_if<Plain>(&action)) return (*plain)(std::move(call));
-  return std::get<Dispatching>(action)(std::move(call), turn);
+  ToolsCallResult result = std::get<Dispatching>(action)(std::move(call), turn);
+  // Not left to the end of its life, which may be that of the reply: a client can be slow to read.
+  turn.giveUp();
+  return result;
 }
 
 Task<ToolsCallResult> MCPTool::call(ToolCall call, DispatchOrder::Turn turn) const {

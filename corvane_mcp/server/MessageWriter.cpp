@@ -49,10 +49,12 @@ void MessageWriter::queue(std::string_view message) {
   const std::scoped_lock lock(mutex);
   pending.append(message);
   pending += '\n';
+  hasPending = true;
   if (pending.size() >= mostPending) writePending();
 }
 
 void MessageWriter::flush() {
+  if (!hasPending) return;
   const std::scoped_lock lock(mutex);
   if (!pending.empty()) writePending();
 }
@@ -60,6 +62,7 @@ void MessageWriter::flush() {
 void MessageWriter::writePending() {
   writeOut(output, pending);
   pending.clear();
+  hasPending = false;
   if (pending.capacity() > 4 * mostPending) pending.shrink_to_fit();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <mutex>
 #include <optional>
@@ -28,7 +29,8 @@ class MessageWriter {
   void sendWhileEncoding(const std::function<void(JsonSink&)>& encode);
   /// Keeps a message back to leave together with later ones; flush() must follow soon.
   void queue(std::string_view message);
-  /// Writes what is queued.
+  /// Writes what is queued. Where nothing is, nothing is waited for either: another thread may be
+  /// held back by a slow reader.
   void flush();
 
  private:
@@ -37,6 +39,8 @@ class MessageWriter {
   std::mutex mutex;
   FileDescriptor output;
   std::string pending;
+  /// Whether there is any, for those who do not hold the lock.
+  std::atomic<bool> hasPending = false;
 };
 
 /// Sends progress notifications for one tool call to the client that asked for them.
