@@ -1,6 +1,7 @@
 #include "corvane_mcp/server/ToolTasks.h"
 
 #include <asio/co_spawn.hpp>
+#include <asio/post.hpp>
 #include <exception>
 
 namespace corvane {
@@ -21,8 +22,12 @@ void ToolTasks::start(Task<void> task) {
     const std::scoped_lock lock(mutex);
     if (!pool) pool.emplace(threadCount);
   }
-  asio::co_spawn(*pool, std::move(task), [](const std::exception_ptr& fault) {
-    if (fault) std::terminate();
+  // A thread of the pool would begin a task that it starts at once, inside the task that it is at:
+  // where each call starts the next, thousands of them would share one stack.
+  asio::post(*pool, [this, task = std::move(task)]() mutable {
+    asio::co_spawn(*pool, std::move(task), [](const std::exception_ptr& fault) {
+      if (fault) std::terminate();
+    });
   });
 }
 

@@ -46,8 +46,8 @@ class ToolTasks {
   /// Returns when no call is in flight.
   void waitUntilIdle();
 
-  /// Runs `task`, which must not throw, on the pool. May be called from any thread. Throws when the
-  /// system is out of threads or memory; the task has then not started.
+  /// Runs `task`, which must not throw, on the pool, never inside this call. May be called from any
+  /// thread. Throws when the system is out of threads or memory; the task has then not started.
   void start(Task<void> task);
 
  private:

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <map>
+#include <set>
 
 #include "CorvaneCore/requests/Requests.h"
 #include "CorvaneCore/results/AnswerTexts.h"
@@ -71,6 +72,24 @@ TEST_F(RequestOrderTest, IsThatOfTheCallsHoweverFastTheyCome) {
     for (const auto& [call, file] : fileOfCall) expected.push_back(file);
     ASSERT_EQ(watch.nextFiles(callsPerRound), expected) << "round " << round;
   }
+}
+
+// Fails when calls that wait for their turn begin inside each other, or when a client that is slow
+// to read holds up what is read from it.
+TEST_F(RequestOrderTest, IsThatOfThousandsOfCallsBeforeTheFirstReplyIsRead) {
+  constexpr int calls = 3000;
+  ServerProcess server(setup());
+  std::string lines;
+  for (int i = 0; i < calls; ++i) lines += call(i, "run_test", anyRun) + "\n";
+  server.send(lines);
+  std::set<std::int64_t> replied;
+  for (int i = 0; i < calls; ++i) {
+    replied.insert(*readJson(server.readLine()).findAs<std::int64_t>("id"));
+  }
+  EXPECT_EQ(replied.size(), std::size_t{calls});
+  EXPECT_EQ(requestFiles(), std::size_t{calls});
+  server.closeInput();
+  EXPECT_EQ(server.wait(), "exit 0");
 }
 
 }  // namespace

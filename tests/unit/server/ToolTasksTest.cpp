@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <asio/steady_timer.hpp>
 #include <asio/this_coro.hpp>
 #include <asio/use_awaitable.hpp>
@@ -100,6 +101,25 @@ TEST(ToolTasksTest, WaitsForItsTasksAtItsEnd) {
     }
   }
   EXPECT_EQ(count, 10);
+}
+
+thread_local int tasksOnThisStack = 0;
+
+Task<void> startOthers(ToolTasks& tasks, int remaining, int& deepest, ToolTasks::InFlight) {
+  ++tasksOnThisStack;
+  deepest = std::max(deepest, tasksOnThisStack);
+  if (remaining > 0) tasks.start(startOthers(tasks, remaining - 1, deepest, tasks.count()));
+  --tasksOnThisStack;
+  co_return;
+}
+
+// Fails when a task that is started by another begins on top of it.
+TEST(ToolTasksTest, StartsNoTaskInsideAnother) {
+  int deepest = 0;
+  ToolTasks tasks;
+  tasks.start(startOthers(tasks, 100, deepest, tasks.count()));
+  tasks.waitUntilIdle();
+  EXPECT_EQ(deepest, 1);
 }
 
 TEST(ToolTasksTest, CanBecomeIdleAgainAndAgain) {
