@@ -314,7 +314,8 @@ TEST_F(BusyServerTest, HoldsUpNobodyButThoseWhoWriteLater) {
   in.writing.close();
   waitUntil("the end is seen", [&] {
     const auto log = TestFiles::lines(bench.paths.logFile());
-    return log.back().ends_with("[INFO] stdin closed; draining 2 in-flight tool call(s)");
+    return !log.empty() &&
+           log.back().ends_with("[INFO] stdin closed; draining 2 in-flight tool call(s)");
   });
   release.count_down();
   replied = {nextReply(), nextReply()};
