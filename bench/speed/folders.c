@@ -1,10 +1,16 @@
-/*
- * The least that looking through folders can cost: for every line that it reads it does one job and
+/* The least that looking through folders can cost: for every line that it reads it does one job and
  * answers with a line.
- *   folders find ROOT         walks a tree for entries named Corvane.app
- *   folders newest FOLDER     asks for the date of every file whose name ends in .json, keeps the
- * newest folders search FOLDER ID  opens and reads every file and searches it folders processes
- * TEXT    the same for the command line of every process, until one matches
+ *
+ *   folders find ROOT           walks a tree for entries named Corvane.app
+ *
+ *   folders newest FOLDER       asks for the date of every file whose name ends in .json
+ *
+ *   folders search FOLDER ID    opens and reads every file and searches it
+ *
+ *   folders processes APP NAME  the same for the command line of every process, until it finds the
+ *                               program NAME in the bundle APP
+ *
+ *   folders write FILE          writes as many bytes as the line has into a new file of that name
  */
 #define _GNU_SOURCE
 #include <dirent.h>
@@ -89,10 +95,19 @@ static long processes(const char* text) {
   return found;
 }
 
-static long perform(char** arguments) {
+static long writeNew(const char* file, const char* text, size_t length) {
+  unlink(file);
+  const int created = open(file, O_WRONLY | O_CREAT | O_EXCL, 0600);
+  const ssize_t count = write(created, text, length);
+  close(created);
+  return count;
+}
+
+static long perform(char** arguments, const char* line, size_t length) {
   if (strcmp(arguments[1], "find") == 0) return find(arguments[2]);
   if (strcmp(arguments[1], "newest") == 0) return newest(arguments[2]);
   if (strcmp(arguments[1], "search") == 0) return search(arguments[2], arguments[3]);
+  if (strcmp(arguments[1], "write") == 0) return writeNew(arguments[2], line, length);
   /* The argument must not be found in this process itself. */
   static char text[256];
   snprintf(text, sizeof text, "%s/Contents/MacOS/%s", arguments[2], arguments[3]);
@@ -103,8 +118,8 @@ int main(int argumentCount, char** arguments) {
   if (argumentCount < 3) return 64;
   char* line = NULL;
   size_t capacity = 0;
-  while (getline(&line, &capacity, stdin) > 0) {
-    printf("done %ld\n", perform(arguments));
+  for (ssize_t length; (length = getline(&line, &capacity, stdin)) > 0;) {
+    printf("done %ld\n", perform(arguments, line, (size_t)length));
     fflush(stdout);
   }
   return 0;

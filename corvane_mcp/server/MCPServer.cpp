@@ -157,7 +157,6 @@ MCPServer::Reader MCPServer::start(Call call, Leadership& readers) {
     performOnPool(std::move(call), std::move(*turn));
     return Reader::thisThread;
   }
-  parts.writer.flush();
   perform(call, std::move(*turn));
   return readers.endAbsence(*absence) ? Reader::thisThread : Reader::another;
 }
