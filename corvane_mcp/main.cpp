@@ -1,6 +1,9 @@
 #include <unistd.h>
 
 #include <csignal>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 #include "corvane_mcp/program/ProgramHelp.h"
 #include "corvane_mcp/server/MCPServer.h"
@@ -23,10 +26,20 @@ bool answerPerson(int argumentCount, char** arguments) {
   return answer.has_value();
 }
 
+/// Keeps a few megabytes of freed memory for the next call. The C library would give it back after
+/// each, and a quarter of the time of a call with thousands of steps would go to fresh pages.
+void keepSomeMemory() {
+#ifdef __GLIBC__
+  ::mallopt(M_MMAP_THRESHOLD, 2 << 20);
+  ::mallopt(M_TRIM_THRESHOLD, 4 << 20);
+#endif
+}
+
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
   if (answerPerson(argumentCount, arguments)) return 0;
+  keepSomeMemory();
   MessageWriter writer(claimStandardOutput());
   // A reader that goes away must not end the process; what is written to it is dropped. Nor must a
   // file that may not grow any further; the write fails and is reported.
