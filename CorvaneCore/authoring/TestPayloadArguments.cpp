@@ -82,7 +82,7 @@ std::vector<AgentInteraction> takeSteps(AnyCodable& steps, Level level, const De
   return taken;
 }
 
-/// Reads steps that are as they should be: of each key there is one, with a value of its type.
+/// Reads steps that are as they should be: every field has a value of its type.
 namespace PlainSteps {
 
 // Each of these says whether the value here was as it should be; only then it has been taken.
@@ -132,20 +132,17 @@ bool take(JsonCursor& cursor, std::optional<std::map<std::string, std::string>>&
   return isPlain;
 }
 
-/// Takes the value of `key` into its field, of which `seen` tells whether there was one before.
-/// What is no field is passed over, as is the title, which nobody sends.
-bool takeField(JsonCursor& cursor, std::string_view key, Level level, AgentInteraction& step,
-               std::uint32_t& seen) {
+/// Takes the value of `key` into its field; of two the last counts. What is no field is passed
+/// over, as is the title, which nobody sends.
+bool takeField(JsonCursor& cursor, std::string_view key, Level level, AgentInteraction& step) {
   static constexpr auto fields = AgentInteraction::fields();
   bool isPlain = true;
   const auto takeIfOf = [&]<std::size_t position>() {
     static constexpr auto& field = fields.template at<position>();
     if constexpr (field.key == keyOf<title>()) return false;
     if (field.key != key) return false;
-    constexpr std::uint32_t bit = std::uint32_t{1} << position;
     const bool isAllowed = field.key != keyOf<children>() || level == Level::test;
-    isPlain = (seen & bit) == 0 && isAllowed && take(cursor, step.*field.member);
-    seen |= bit;
+    isPlain = isAllowed && take(cursor, step.*field.member);
     return true;
   };
   const bool isField = [&]<std::size_t... I>(std::index_sequence<I...>) {
@@ -158,10 +155,8 @@ bool takeField(JsonCursor& cursor, std::string_view key, Level level, AgentInter
 bool take(JsonCursor& cursor, Level level, AgentInteraction& step) {
   if (!cursor.atObject()) return false;
   bool isPlain = true;
-  std::uint32_t seen = 0;
   cursor.members([&](std::string_view key) {
-    isPlain =
-        takeOrSkip(cursor, isPlain, [&] { return takeField(cursor, key, level, step, seen); });
+    isPlain = takeOrSkip(cursor, isPlain, [&] { return takeField(cursor, key, level, step); });
   });
   normalizeDescription(step);
   return isPlain;

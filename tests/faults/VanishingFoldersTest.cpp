@@ -57,12 +57,16 @@ TEST_F(VanishingFoldersTest, MayVanishWhileAResultIsAwaited) {
 
 class UntoldKindsTest : public FaultTest {};
 
-// Fails when an entry has to be called a folder to be looked into.
+// Fails when an entry has to be called a folder to be looked into, or may be a link to one.
 TEST_F(UntoldKindsTest, AreFoundOutByLooking) {
   const fs::path derivedData = home.path() / "Library" / "Developer" / "Xcode" / "DerivedData";
   const fs::path build = derivedData / "A" / "Debug" / "Corvane.app";
   fs::create_directories(build);
   TestFiles::write(derivedData / "file", "");
+  const fs::path newer = home.path() / "elsewhere" / "Corvane.app";
+  fs::create_directories(newer);
+  fs::last_write_time(newer, fs::last_write_time(build) + std::chrono::hours(1));
+  fs::create_directory_symlink(newer.parent_path(), derivedData / "link");
   auto given = setup();
   given.environment = {"LD_PRELOAD=" CORVANE_FILE_FAULTS, "CORVANE_FAULT_KINDS=untold",
                        "CORVANE_FAULT_ROOT=" + home.path().native()};
