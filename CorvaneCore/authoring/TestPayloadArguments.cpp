@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstring>
 #include <string_view>
 #include <utility>
 
@@ -132,6 +133,13 @@ bool take(JsonCursor& cursor, std::optional<std::map<std::string, std::string>>&
   return isPlain;
 }
 
+/// Whether two keys are equal, of which one is known to have `size` bytes: the compiler compares
+/// these in place.
+template <std::size_t size>
+bool isKey(std::string_view key, std::string_view known) {
+  return key.size() == size && std::memcmp(key.data(), known.data(), size) == 0;
+}
+
 /// Takes the value of `key` into its field; of two the last counts. What is no field is passed
 /// over, as is the title, which nobody sends.
 bool takeField(JsonCursor& cursor, std::string_view key, Level level, AgentInteraction& step) {
@@ -140,7 +148,7 @@ bool takeField(JsonCursor& cursor, std::string_view key, Level level, AgentInter
   const auto takeIfOf = [&]<std::size_t position>() {
     static constexpr auto& field = fields.template at<position>();
     if constexpr (field.key == keyOf<title>()) return false;
-    if (field.key != key) return false;
+    if (!isKey<field.key.size()>(key, field.key)) return false;
     const bool isAllowed = field.key != keyOf<children>() || level == Level::test;
     isPlain = isAllowed && take(cursor, step.*field.member);
     return true;

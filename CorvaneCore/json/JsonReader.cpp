@@ -7,7 +7,6 @@
 #include "CorvaneCore/json/AnyCodable.h"
 #include "CorvaneCore/json/JsonScalars.h"
 #include "CorvaneCore/json/JsonSyntaxError.h"
-#include "CorvaneCore/json/JsonWriter.h"
 
 namespace corvane {
 
@@ -158,7 +157,6 @@ void JsonCursor::walk(Events& events) {
 }
 
 AnyCodable JsonCursor::read() {
-  JsonTree tree;
   walk(tree);
   return tree.take();
 }

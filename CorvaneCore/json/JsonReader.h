@@ -9,6 +9,7 @@
 
 #include "CorvaneCore/json/AnyCodable.h"
 #include "CorvaneCore/json/JsonTokens.h"
+#include "CorvaneCore/json/JsonWriter.h"
 
 namespace corvane {
 
@@ -111,6 +112,8 @@ class JsonCursor {
   const std::uint32_t* end;
   /// Holds the last string that had escapes.
   std::string unescaped;
+  /// Builds the values that are read; its working memory serves all of them.
+  JsonTree tree;
 };
 
 /// Reads JSON texts. Keeps its working memory between texts, so a reader serves a stream of

@@ -154,9 +154,10 @@ void JsonWriter::close(char bracket) {
   needsComma = true;
 }
 
-void JsonWriter::quoted(std::string_view value, std::string_view after) {
-  const auto capacityFor = [&after](std::string_view slice) {
-    return longestEscape * slice.size() + sizeof(Escape) + after.size() + 2;
+char* JsonWriter::quoted(std::string_view value) {
+  const auto capacityFor = [](std::string_view slice) {
+    constexpr std::size_t quotesAndColon = 3;
+    return longestEscape * slice.size() + sizeof(Escape) + quotesAndColon;
   };
   std::string_view slice = value.substr(0, sliceSize);
   char* out = beginValue(capacityFor(slice));
@@ -169,7 +170,7 @@ void JsonWriter::quoted(std::string_view value, std::string_view after) {
     out = putEscaped(slice, slashes, claim(capacityFor(slice)));
   }
   *out++ = '"';
-  put(copy(after, out));
+  return out;
 }
 
 void JsonWriter::null() {
@@ -199,7 +200,7 @@ void JsonWriter::number(double value) {
 }
 
 void JsonWriter::string(std::string_view value) {
-  quoted(value, {});
+  put(quoted(value));
 }
 
 void JsonWriter::beginArray() {
@@ -215,7 +216,9 @@ void JsonWriter::beginObject() {
 }
 
 void JsonWriter::key(std::string_view key) {
-  quoted(key, ":");
+  char* out = quoted(key);
+  *out++ = ':';
+  put(out);
   needsComma = false;
 }
 

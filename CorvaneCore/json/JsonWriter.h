@@ -80,8 +80,8 @@ class JsonWriter final : public JsonSink {
   void plain(std::string_view value);
   void open(char bracket);
   void close(char bracket);
-  /// Puts a string and `after`.
-  void quoted(std::string_view value, std::string_view after);
+  /// Writes a string, which is still to be put. Returns where it ends; there is room for a colon.
+  char* quoted(std::string_view value);
 
   SlashStyle slashes;
   bool needsComma = false;
