@@ -19,25 +19,54 @@ bool contains(const Words& words, const std::string& word) {
   return std::find(words.begin(), words.end(), word) != words.end();
 }
 
-/// Whether `word` is an option, of whichever command, that takes the word behind it.
-bool takesValue(const std::string& word, const CLI::App& app) {
-  if (!word.starts_with("--")) return false;
-  const auto* option = app.get_option_no_throw(word);
-  if (option) return option->get_items_expected_max() > 0;
-  const auto commands = app.get_subcommands(nullptr);
-  return std::any_of(commands.begin(), commands.end(),
-                     [&](const CLI::App* command) { return takesValue(word, *command); });
+/// How many of the words behind `word` it takes at most: none unless it is an option, of whichever
+/// command.
+int mostValues(const std::string& word, const CLI::App& app) {
+  if (!word.starts_with("--")) return 0;
+  if (const auto* option = app.get_option_no_throw(word)) return option->get_items_expected_max();
+  int most = 0;
+  for (const CLI::App* command : app.get_subcommands(nullptr)) {
+    most = std::max(most, mostValues(word, *command));
+  }
+  return most;
 }
 
 /// Puts the command first, wherever it stands, for its options to be known in front of it, too.
 void putCommandFirst(Words& words, const CommandLineDefinition& definition) {
   const Words commands = definition.commandNames();
   for (auto word = words.begin(); word != words.end(); ++word) {
-    const bool isValue = word != words.begin() && takesValue(*std::prev(word), definition.app);
+    const bool isValue = word != words.begin() && mostValues(*std::prev(word), definition.app) > 0;
     if (isValue || !contains(commands, *word)) continue;
     std::rotate(words.begin(), word, std::next(word));
     return;
   }
+}
+
+/// Puts the word that stands for itself, such as a project, behind the command when an option that
+/// takes any number of values would take it as one more: that is the last of these values, unless
+/// another word stands for itself. `--param` takes none without an equals sign.
+void putArgumentFirst(Words& words, const CommandLineDefinition& definition) {
+  if (words.empty()) return;
+  const auto commands = definition.app.get_subcommands([&](const CLI::App* command) {
+    return command->get_name() == words.front() && command->get_option_no_throw("--param");
+  });
+  if (commands.empty()) return;
+  const bool isRequired = commands.front()->get_option_no_throw("PROJECT") != nullptr;
+  auto candidate = words.end();
+  std::string option;
+  int taken = 0;
+  for (auto word = std::next(words.begin()); word != words.end(); ++word) {
+    if (word->starts_with("--")) {
+      option = *word;
+      taken = 0;
+      continue;
+    }
+    const bool fits = option == "--param" ? word->find('=') != std::string::npos : !isRequired;
+    const int most = mostValues(option, definition.app);
+    if (taken++ >= most) return;
+    if (most > 1 && taken > 1 && !fits) candidate = word;
+  }
+  if (candidate != words.end()) std::rotate(std::next(words.begin()), candidate, candidate + 1);
 }
 
 Words optionNames(const CLI::App& app) {
@@ -54,13 +83,14 @@ class CommandLine {
   std::variant<Invocation, CommandLineReply> parse(int argc, const char* const* argv) {
     Words words(argv + std::min(argc, 1), argv + argc);
     putCommandFirst(words, definition);
+    putArgumentFirst(words, definition);
     for (std::string& word : words) word = withGuard(std::move(word));
     // CLI11 takes them from the back.
     Words reversed(words.rbegin(), words.rend());
     try {
-      definition.app.parse(std::move(reversed));
+      parse(std::move(reversed), words);
       if (definition.helpCommand->parsed()) return CommandLineReply{help()};
-      std::unique_ptr<Command> command = chosen(words);
+      std::unique_ptr<Command> command = chosen();
       command->check();
       return Invocation{definition.server, std::move(command)};
     } catch (const CLI::ParseError& error) {
@@ -72,20 +102,32 @@ class CommandLine {
   }
 
  private:
-  /// Beside an option group, which could say the same, CLI11 takes a project's name that comes last
-  /// for one more test.
-  std::unique_ptr<Command> chosen(const Words& words) {
-    const Words unknown = definition.app.remaining(true);
-    const auto first = std::find_if(words.begin(), words.end(), [&](const std::string& word) {
-      return contains(unknown, word);
-    });
-    if (first != words.end()) refuse(withoutGuard(*first));
+  /// What is unknown comes before what is missing.
+  void parse(Words reversed, const Words& words) {
+    try {
+      definition.app.parse(std::move(reversed));
+    } catch (const CLI::RequiredError&) {
+      refuseUnknown(words);
+      throw;
+    }
+    refuseUnknown(words);
+  }
+
+  std::unique_ptr<Command> chosen() {
     for (auto& command : definition.commands) {
       if (definition.app.got_subcommand(std::string(command->about().name))) {
         return std::move(command);
       }
     }
     throw CLI::RequiredError("A command ('corvanectl help' lists them)");
+  }
+
+  void refuseUnknown(const Words& words) const {
+    const Words unknown = definition.app.remaining(true);
+    const auto first = std::find_if(words.begin(), words.end(), [&](const std::string& word) {
+      return contains(unknown, word);
+    });
+    if (first != words.end()) refuse(withoutGuard(*first));
   }
 
   [[noreturn]] void refuse(const std::string& word) const {

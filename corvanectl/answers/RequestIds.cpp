@@ -9,10 +9,18 @@ namespace corvane::ctl {
 
 namespace {
 
-/// Whether `text` has the form of the beginning of an id, but is none.
+/// Whether `text` has the form of the beginning of an id.
 bool mayBeginId(std::string_view text) {
-  return !text.empty() && !parseRequestId(text) &&
+  return !text.empty() &&
          text.find_first_not_of("0123456789abcdefABCDEF-") == std::string_view::npos;
+}
+
+/// Whether the server need not be asked what the name stands for.
+bool isWholeId(const std::string& named) {
+  if (parseRequestId(named)) return true;
+  if (named == lastRequest || mayBeginId(named)) return false;
+  throw UsageError("'" + named + "' is neither the id of a request nor the beginning of one nor '" +
+                   std::string(lastRequest) + "' ('corvanectl list' shows requests)");
 }
 
 }  // namespace
@@ -24,7 +32,7 @@ std::string wholeRequestId(const std::string& named, const std::vector<KnownRequ
         "there is no last request: Corvane.app has none in hand and has answered none "
         "of late");
   }
-  if (!mayBeginId(named)) return named;
+  if (isWholeId(named)) return named;
   const std::string beginning = asciiLowercase(named);
   std::vector<std::string> found;
   for (const KnownRequest& request : requests) {
@@ -42,7 +50,7 @@ std::string wholeRequestId(const std::string& named, const std::vector<KnownRequ
 }
 
 std::string wholeRequestId(const std::string& named, Session& session) {
-  if (named != lastRequest && !mayBeginId(named)) return named;
+  if (isWholeId(named)) return named;
   return wholeRequestId(named, askStatus(session).requests);
 }
 

@@ -13,9 +13,8 @@ namespace corvane::ctl {
 inline constexpr std::string_view lastRequest = "last";
 
 /// The whole id of the request that a person names: "last", the beginning of an id of which
-/// get_status tells, or an id. What cannot be the beginning of an id stays as it is, for the tool
-/// to judge. Asks the server only where it must. Throws UsageError when no request or more than one
-/// fits, and what Session::callTool throws.
+/// get_status tells, or an id. Asks the server only where it must. Throws UsageError when no
+/// request or more than one fits, or none can, and what Session::callTool throws.
 [[nodiscard]] std::string wholeRequestId(const std::string& named, Session& session);
 
 /// The same among these requests, the most recent first.

@@ -18,7 +18,7 @@ std::string forPerson(std::string_view answer, std::string_view requestId) {
   if (answer.ends_with(cancelledNote)) answer.remove_suffix(cancelledNote.size());
   const bool goesOn = answer.ends_with(cancellingNote);
   if (goesOn) answer.remove_suffix(cancellingNote.size());
-  std::string text(answer);
+  std::string text = cleanLines(answer);
   if (goesOn) text += "\nSee how it ends with 'corvanectl follow " + oneLine(requestId) + "'.";
   return text + "\n";
 }

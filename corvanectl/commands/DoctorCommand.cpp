@@ -14,7 +14,7 @@ namespace corvane::ctl {
 
 namespace {
 
-void examineThroughServer(CommandContext& context, Findings& findings) {
+HealthAnswer examineThroughServer(CommandContext& context, Findings& findings) {
   Session session(context);
   findings.push_back(well("server", "The server answers: " +
                                         displayPath(locateServer(context.options.server,
@@ -23,10 +23,10 @@ void examineThroughServer(CommandContext& context, Findings& findings) {
   const HealthAnswer places = readHealth(ask(session, "health", {}).firstText());
   std::ranges::move(checkFolders(places), std::back_inserter(findings));
   findings.push_back(checkApp(places));
-  findings.push_back(checkRunningApp(session));
+  findings.push_back(checkRunningApp(session, places));
   findings.push_back(checkWorkspace(session, places));
   findings.push_back(checkWaitingRequests(places));
-  findings.push_back(checkLog(places));
+  return places;
 }
 
 Findings examine(CommandContext& context) {
@@ -37,7 +37,9 @@ Findings examine(CommandContext& context) {
                              "--server PATH   (--log shows what it says)"));
   };
   try {
-    examineThroughServer(context, findings);
+    const HealthAnswer places = examineThroughServer(context, findings);
+    // A server that has ended has rotated its log if need be.
+    findings.push_back(checkLog(places));
   } catch (const ProtocolError& error) {
     serverFault(error);
   } catch (const NoAnswer& error) {

@@ -28,7 +28,12 @@ ExitStatus FollowCommand::execute(CommandContext& context) const {
   options.checkOutputs();
   const Deadline end = FollowOptions::end(context.options);
   Session session(context);
-  return follow({.id = wholeRequestId(requestId, session)}, options, session, end, context);
+  const std::string id = wholeRequestId(requestId, session);
+  const bool isTold = id == requestId || options.events;
+  if (!isTold && options.json) context.console.printError("requestId: " + id + "\n");
+  if (!isTold && !options.json) context.console.print("Following " + id + "\n");
+  removeOldReports(options.reports);
+  return follow({.id = id}, options, session, end, context);
 }
 
 }  // namespace corvane::ctl

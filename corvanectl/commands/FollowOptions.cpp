@@ -1,6 +1,5 @@
 #include "corvanectl/commands/FollowOptions.h"
 
-#include <map>
 #include <string>
 
 #include "corvanectl/commands/Options.h"
@@ -22,18 +21,21 @@ void FollowOptions::addTo(CLI::App& app, const char* following) {
                          "Give up when for this time no running app works on the request "
                          "(default: 60)")
               ->type_name("SECONDS")
-              ->check(CLI::Range(0.0, 1e8).description("")));
+              ->check(secondsFrom0()));
   needing(app.add_flag("--cancel-on-exit", cancelOnExit,
                        "Cancel the request when following ends before it, be it by Ctrl-C or as "
                        "the time runs out"));
-  const std::map<std::string, ColorChoice> choices{{"auto", ColorChoice::automatic},
-                                                   {"always", ColorChoice::always},
-                                                   {"never", ColorChoice::never}};
-  app.add_option("--color", color,
-                 "Use colours: auto, always or never (default: auto, which is on a terminal "
-                 "unless NO_COLOR is set)")
-      ->type_name("WHEN")
-      ->transform(CLI::CheckedTransformer(choices).description(""));
+  app.add_option_function<std::string>(
+         "--color",
+         [this](const std::string& when) {
+           color = when == "always"  ? ColorChoice::always
+                   : when == "never" ? ColorChoice::never
+                                     : ColorChoice::automatic;
+         },
+         "Use colours: auto, always or never (default: auto, which is on a terminal unless "
+         "NO_COLOR is set)")
+      ->type_name("auto|always|never")
+      ->transform(oneOf({"auto", "always", "never"}));
 }
 
 void FollowOptions::checkOutputs() const {

@@ -93,7 +93,8 @@ class Following {
                          ? FollowWords::givenUp(outcome.health, options.appTimeout)
                          : "the request has not finished in the time given; its status is " +
                                outcome.look.status);
-    goOrCancel();
+    goOrCancel(FollowWords::whatBecomesOfIt(
+        outcome.health, outcome.look.standing == AnswerTexts::Standing::pending));
     return status;
   }
 
@@ -142,13 +143,13 @@ class Following {
     } catch (...) {
       // That nobody reads what happens is no reason not to cancel.
     }
-    goOrCancel();
+    goOrCancel(FollowWords::whatBecomesOfIt(Health::well, false));
   }
 
   /// Leaves the request to itself, or cancels it; says which.
-  void goOrCancel() {
+  void goOrCancel(const std::string& whatBecomesOfIt) {
     if (options.cancelOnExit && cancel()) return;
-    console.complain("the request goes on; " + FollowWords::waysOn(request.id));
+    console.complain(whatBecomesOfIt + "; " + FollowWords::waysOn(request.id));
   }
 
   bool cancel() {

@@ -2,12 +2,14 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <system_error>
 
 #include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/json/JsonScalars.h"
+#include "CorvaneCore/text/Unicode.h"
 #include "corvanectl/terminal/DisplayText.h"
 
 namespace corvane::ctl {
@@ -21,12 +23,30 @@ constexpr char guard = '\1';
 constexpr std::string_view guarded = "[{\1";
 
 /// Refuses a value unless `fits`, saying what it should be.
-CLI::Validator expecting(std::string what, bool (*fits)(const std::string&)) {
-  return {[what = std::move(what), fits](const std::string& value) {
+template <class Fits>
+CLI::Validator expecting(std::string what, Fits fits) {
+  return {[what = std::move(what), fits](std::string& value) {
             return fits(value) ? std::string()
                                : "expected " + what + ", not '" + oneLine(value) + "'";
           },
           ""};
+}
+
+bool isSecondsFrom(double least, const std::string& value) {
+  char* end = nullptr;
+  const double seconds = std::strtod(value.c_str(), &end);
+  return !value.empty() && end == value.c_str() + value.size() && seconds >= least &&
+         seconds <= 1e8;
+}
+
+/// "auto, always or never".
+std::string listed(const std::vector<std::string>& words) {
+  std::string text;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    if (i > 0) text += i + 1 == words.size() ? " or " : ", ";
+    text += words[i];
+  }
+  return text;
 }
 
 }  // namespace
@@ -52,7 +72,8 @@ CLI::Option* addPictures(CLI::App& app, std::optional<std::filesystem::path>& di
       .add_option("--pictures", directory,
                   "Save the pictures of the answer in this folder. On a terminal they are shown, "
                   "too, where the program chafa is installed")
-      ->type_name("DIR");
+      ->type_name("DIR")
+      ->check(named("a folder"));
 }
 
 void requirePictureFolder(const std::filesystem::path& folder) {
@@ -64,7 +85,7 @@ void requirePictureFolder(const std::filesystem::path& folder) {
   if (!error && ::access(folder.c_str(), W_OK | X_OK) != 0) {
     error = std::error_code(errno, std::generic_category());
   }
-  if (error) throw FileError("use for --pictures", folder, error);
+  if (error) throw FileError("write --pictures", folder, error);
 }
 
 void takeMany(CLI::Option* option, const std::string& name) {
@@ -72,10 +93,27 @@ void takeMany(CLI::Option* option, const std::string& name) {
 }
 
 CLI::Validator secondsAbove0() {
-  return expecting("seconds from 0.001 to 100000000", [](const std::string& value) {
-    char* end = nullptr;
-    const double seconds = std::strtod(value.c_str(), &end);
-    return end == value.c_str() + value.size() && seconds >= 0.001 && seconds <= 1e8;
+  return expecting("seconds from 0.001 to 100000000",
+                   [](const std::string& value) { return isSecondsFrom(0.001, value); });
+}
+
+CLI::Validator secondsFrom0() {
+  return expecting("seconds from 0 to 100000000",
+                   [](const std::string& value) { return isSecondsFrom(0, value); });
+}
+
+CLI::Validator named(std::string what) {
+  return expecting("the name of " + what, [](const std::string& value) { return !value.empty(); });
+}
+
+CLI::Validator oneOf(std::vector<std::string> words) {
+  return expecting(listed(words), [words](std::string& value) {
+    const auto word = std::find_if(words.begin(), words.end(), [&](const std::string& each) {
+      return asciiLowercase(each) == asciiLowercase(value);
+    });
+    if (word == words.end()) return false;
+    value = *word;
+    return true;
   });
 }
 
@@ -85,8 +123,10 @@ CLI::Validator numberFrom0() {
 }
 
 CLI::Validator keyAndValue() {
-  return expecting("KEY=VALUE",
-                   [](const std::string& value) { return value.find('=') != std::string::npos; });
+  return expecting("KEY=VALUE", [](const std::string& value) {
+    const std::size_t equals = value.find('=');
+    return equals != std::string::npos && equals > 0;
+  });
 }
 
 std::string withGuard(std::string word) {

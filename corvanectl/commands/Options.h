@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace corvane::ctl {
 
@@ -30,8 +31,13 @@ void takeMany(CLI::Option* option, const std::string& name);
 // What a value has to be. Each says so, and names the value, when it is not.
 
 [[nodiscard]] CLI::Validator secondsAbove0();
+[[nodiscard]] CLI::Validator secondsFrom0();
 [[nodiscard]] CLI::Validator numberFrom0();
 [[nodiscard]] CLI::Validator keyAndValue();
+/// Not empty, as the value of a variable is that nobody has set.
+[[nodiscard]] CLI::Validator named(std::string what);
+/// One of these, in any case; the option takes it as it stands here.
+[[nodiscard]] CLI::Validator oneOf(std::vector<std::string> words);
 
 // CLI11 takes values in brackets and braces for lists. A guard in front of such a value keeps it
 // from that, and every option takes the guard away.

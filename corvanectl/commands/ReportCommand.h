@@ -19,6 +19,8 @@ class ReportCommand final : public Command {
 
   std::string requestId;
   ReportOptions reports;
+  /// Whether what is known is printed as JSON lines.
+  bool events = false;
   /// Where the pictures go that reports name.
   std::optional<std::filesystem::path> pictures;
 };

@@ -5,6 +5,7 @@
 #include "corvanectl/answers/RequestAnswer.h"
 #include "corvanectl/answers/RequestIds.h"
 #include "corvanectl/commands/Options.h"
+#include "corvanectl/results/RequestResult.h"
 #include "corvanectl/terminal/DisplayText.h"
 
 namespace corvane::ctl {
@@ -50,6 +51,18 @@ std::string unknownRemark(const AgentRunResult& result) {
          "result; what is not given now is left to the project.\n";
 }
 
+/// Ends as the request did: what has not come to its end is not well because no test failed.
+ExitStatus tellNothingFailed(const RequestAnswer& answer, const std::string& id, Console& console) {
+  const ExitStatus status = exitStatusOf(answer.status);
+  if (status == ExitStatus::success) {
+    console.print("No test of " + id + " failed; there is nothing to run again.\n");
+  } else {
+    console.complain("no test of " + id + " failed, but its status is " + answer.status +
+                     "; 'corvanectl run' runs the tests that it had not begun");
+  }
+  return status;
+}
+
 }  // namespace
 
 Command::About RetryCommand::about() const {
@@ -69,10 +82,7 @@ ExitStatus RetryCommand::execute(CommandContext& context) const {
     const std::string id = wholeRequestId(request, session);
     const RequestAnswer answer = askRequest(session, id);
     again.tests = testsOf(answer, id, failedOnly);
-    if (again.tests.empty()) {
-      context.console.print("No test of " + id + " failed; there is nothing to run again.\n");
-      return ExitStatus::success;
-    }
+    if (again.tests.empty()) return tellNothingFailed(answer, id, context.console);
     again.project = *answer.result->projectName;
     const auto& platform = answer.result->platform;
     if (!again.platform && platform && fromRawValue<AgentTargetPlatform>(*platform)) {

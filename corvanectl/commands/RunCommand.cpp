@@ -7,6 +7,7 @@
 #include "corvanectl/commands/Following.h"
 #include "corvanectl/commands/Options.h"
 #include "corvanectl/follow/FollowWords.h"
+#include "corvanectl/terminal/DisplayText.h"
 
 namespace corvane::ctl {
 
@@ -35,15 +36,14 @@ std::pair<std::string, std::string> splitParam(const std::string& text) {
 void tellDispatch(const RunCommand& command, const AnyCodable& answer, const ToolResult& result,
                   const std::optional<std::string>& requestId, Console& console) {
   const bool goesOn = command.follow && !result.isError;
-  if (command.options.json && !goesOn) return console.print(toJson(answer) + "\n");
   if (command.options.json) {
     if (requestId) console.printError("requestId: " + *requestId + "\n");
+    if (!goesOn) console.print(toJson(answer) + "\n");
     return;
   }
   if (command.options.events && goesOn) return;
   // How an agent goes on is nothing to a person.
-  std::string text(AnswerTexts::withoutNextCall(result.firstText()));
-  text += '\n';
+  std::string text = cleanLines(AnswerTexts::withoutNextCall(result.firstText())) + "\n";
   if (goesOn) text += '\n';
   if (!goesOn && requestId) text += "\nNext: corvanectl follow " + *requestId + "\n";
   console.print(text);
@@ -93,7 +93,7 @@ void RunCommand::addRunOptions(CLI::App& app) {
       ->excludes(withBuild);
   app.add_option("--platform", platform, "The platform to run on (default: the project's)")
       ->type_name(joinedRawValues<AgentTargetPlatform>("|"))
-      ->transform(CLI::IsMember(platforms(), CLI::ignore_case).description(""));
+      ->transform(oneOf(platforms()));
   app.add_option("--udid", udid, "The iOS simulator to run on")->type_name("UDID");
   app.add_flag("--follow", follow, "Wait for the run and show how it went");
   app.add_flag("--unchecked", unchecked, "Run whether or not the workspace has these names");
@@ -111,6 +111,7 @@ ExitStatus RunCommand::execute(CommandContext& context) const {
   const Deadline end = FollowOptions::end(context.options);
   Session session(context);
   if (!unchecked) checkNames(session, project, tests, suite);
+  removeOldReports(options.reports);
   const AnyCodable answer = session.callTool("run_test", runArguments(*this));
   const ToolResult result = ToolResult::from(answer);
   const auto requestId = AnswerTexts::readRequestId(result.firstText());

@@ -66,6 +66,7 @@ void showLast(std::span<const ToolResult::Block> blocks, CommandContext& context
 void showStepPictures(const std::string& requestId, const RequestLook& look,
                       const FollowOptions& options, Session& session, CommandContext& context) {
   const bool shows = look.status == "failed" && !options.json && !options.events &&
+                     usesColor(options.color, context.console.standardOutput()) &&
                      context.pictureViewer.canShow();
   if (!options.pictures && !shows) return;
 

@@ -7,6 +7,7 @@
 #include "corvane_mcp/protocol/McpRecords.h"
 #include "corvanectl/commands/Options.h"
 #include "corvanectl/commands/Session.h"
+#include "corvanectl/names/NearestName.h"
 #include "corvanectl/terminal/DisplayText.h"
 
 namespace corvane::ctl {
@@ -89,8 +90,10 @@ ExitStatus ToolsCommand::execute(CommandContext& context) const {
   const auto tool = std::find_if(tools.begin(), tools.end(),
                                  [&](const Tool& each) { return each.known.name == *name; });
   if (tool == tools.end()) {
-    context.console.complain("the server has no tool named '" + *name +
-                             "'; 'corvanectl tools' lists those it has");
+    std::vector<std::string> names;
+    for (const Tool& each : tools) names.push_back(each.known.name);
+    context.console.complain("the server has no tool named '" + *name + "'." +
+                             didYouMean(*name, names) + " 'corvanectl tools' lists those it has");
     return ExitStatus::failure;
   }
   context.console.print(json ? toJson(*tool->given) + "\n" : details(*tool));

@@ -99,7 +99,8 @@ Finding checkWaitingRequests(const HealthAnswer& places) {
       longest = std::max(longest, age);
     }
   }
-  if (waiting.empty()) return well(check, "No request waits to be picked up");
+  if (waiting.empty())
+    return well(check, "No request has been waiting for over a minute to be picked up");
   const std::string id = waiting.front();
   return wrong(
       check,
@@ -118,6 +119,10 @@ Finding checkLog(const HealthAnswer& places) {
     return wrong(check, "the server's answer to health names no log file", "corvanectl health");
   const auto stamp = readStamp(*places.log);
   if (!stamp) return well(check, "The log has not been begun");
+  if (fs::is_directory(*places.log)) {
+    return wrong(check, displayPath(*places.log) + " is a folder, so nothing is logged",
+                 "rmdir " + quotedPath(*places.log));
+  }
   if (::access(places.log->c_str(), W_OK) != 0) {
     return wrong(check, displayPath(*places.log) + " cannot be written: " + std::strerror(errno),
                  "chmod 600 " + quotedPath(*places.log));

@@ -29,10 +29,13 @@ Finding checkApp(const HealthAnswer& places) {
                commandToStart(places));
 }
 
-Finding checkRunningApp(Session& session) {
+Finding checkRunningApp(Session& session, const HealthAnswer& places) {
   constexpr auto check = "running";
   const StatusAnswer status = askStatus(session);
-  if (!status.appRunning) return well(check, "Corvane.app is not running; a run starts it");
+  if (!status.appRunning) {
+    return well(
+        check, std::string("Corvane.app is not running") + (places.app ? "; a run starts it" : ""));
+  }
   const auto silence = status.secondsSinceHeartbeat;
   if (silence && *silence <= StatusAnswer::longestSilence) {
     return well(check, "Corvane.app is running, for this home");
@@ -43,7 +46,7 @@ Finding checkRunningApp(Session& session) {
                                   displaySeconds(static_cast<double>(*silence))
                             : std::string("nothing has been heard of it in this home")) +
                    ": it hangs, or belongs to another home or user",
-               "pkill -f Corvane.app/Contents/MacOS/Corvane");
+               "pkill -u \"$USER\" -f Corvane.app/Contents/MacOS/Corvane");
 }
 
 Finding checkWorkspace(Session& session, const HealthAnswer& places) {

@@ -16,7 +16,7 @@ namespace corvane::ctl {
 
 /// Whether an app that runs is the one that serves this home: that one tells here what it does.
 /// Throws what Session::callTool throws.
-[[nodiscard]] Finding checkRunningApp(Session& session);
+[[nodiscard]] Finding checkRunningApp(Session& session, const HealthAnswer& places);
 
 /// Whether the app has published its workspace, and of late. Throws what Session::callTool throws.
 [[nodiscard]] Finding checkWorkspace(Session& session, const HealthAnswer& places);

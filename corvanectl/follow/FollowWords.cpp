@@ -88,7 +88,7 @@ std::string FollowWords::finishedTest(const Test& test, const Style& style) {
 std::string FollowWords::health(Health health, std::string_view requestId) {
   switch (health) {
     case Health::well:
-      return "Corvane.app is at work on the request again.";
+      return "Corvane.app is at work on the request.";
     case Health::appNotRunning:
       return "Corvane.app is not running, so the request does not move. Open the app, or withdraw "
              "the request with " +
@@ -99,8 +99,7 @@ std::string FollowWords::health(Health health, std::string_view requestId) {
              command("cancel", requestId) + ".";
     case Health::stale:
       return "Corvane.app runs but the request has not moved for over a minute. Look at the app, "
-             "or "
-             "cancel the request with " +
+             "or cancel the request with " +
              command("cancel", requestId) + ".";
   }
   return {};
@@ -110,6 +109,22 @@ std::string FollowWords::givenUp(Health health, double seconds) {
   const std::string time = displaySeconds(seconds);
   if (health == Health::appNotRunning) return "no Corvane.app has been running for " + time;
   return "Corvane.app has not worked on the request for " + time;
+}
+
+std::string FollowWords::whatBecomesOfIt(Health health, bool isPending) {
+  switch (health) {
+    case Health::well:
+      return "the request goes on";
+    case Health::appNotRunning:
+      return isPending
+                 ? "the request waits for the app"
+                 : "the request does not go on; the app ends it as an error when it is opened";
+    case Health::notPickedUp:
+      return "the request waits for the app";
+    case Health::stale:
+      return "the request has not ended";
+  }
+  return {};
 }
 
 std::string FollowWords::refusal(std::string_view answer, std::string_view requestId) {

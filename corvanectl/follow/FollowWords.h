@@ -35,6 +35,9 @@ namespace corvane::ctl::FollowWords {
 /// Why following is given up after `seconds` of that.
 [[nodiscard]] std::string givenUp(Health health, double seconds);
 
+/// What becomes of a request that is left.
+[[nodiscard]] std::string whatBecomesOfIt(Health health, bool isPending);
+
 /// What is wrong, in place of what the tool says about it to an agent.
 [[nodiscard]] std::string refusal(std::string_view answer, std::string_view requestId);
 

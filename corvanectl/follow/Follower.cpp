@@ -58,7 +58,8 @@ Follower::Follower(Request request, Limits limits, RequestWatch& watch, FollowOb
       watch(watch),
       observer(observer),
       beginning(watch.now()),
-      healthSince(beginning) {
+      healthSince(beginning),
+      lastWithoutApp(beginning) {
   // Nobody has had the time to pick it up.
   if (this->request.dispatched) lastPending = beginning;
 }
@@ -109,8 +110,11 @@ Health Follower::healthOf(const RequestLook& look) {
   if (look.standing == Standing::appNotRunning) return Health::appNotRunning;
   if (look.standing == Standing::stale) return Health::stale;
   if (!isPending(look)) return Health::well;
-  if (!watch.appIsRunning()) return Health::appNotRunning;
-  return watch.now() < later(beginning, usualPickUp) ? Health::well : Health::notPickedUp;
+  if (!watch.appIsRunning()) {
+    lastWithoutApp = watch.now();
+    return Health::appNotRunning;
+  }
+  return watch.now() < later(lastWithoutApp, usualPickUp) ? health : Health::notPickedUp;
 }
 
 void Follower::tellHealth(Health found) {

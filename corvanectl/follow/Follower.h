@@ -45,7 +45,7 @@ class Follower {
 
   /// One look waits no longer than this, so nothing stays untold for longer.
   static constexpr Seconds slice{1};
-  /// How long after its dispatch a request may be left where it is without a word.
+  /// How long an app that runs may leave a request where it is without a word.
   static constexpr Seconds usualPickUp{5};
   /// How long the app may take from removing a request to writing its first result.
   static constexpr Seconds handover{5};
@@ -79,6 +79,8 @@ class Follower {
   Health health = Health::well;
   /// Since when it has been like that.
   FollowTime healthSince;
+  /// When no app was seen to run last, or following began.
+  FollowTime lastWithoutApp;
   /// When the request was last seen waiting to be picked up.
   std::optional<FollowTime> lastPending;
   std::optional<events::StatusChanged> lastStatus;

@@ -1,12 +1,18 @@
 #include "corvanectl/report/ReportFiles.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/files/TemporaryFile.h"
+#include "corvanectl/commands/Options.h"
 #include "corvanectl/report/HtmlReport.h"
 #include "corvanectl/report/JUnitReport.h"
 #include "corvanectl/report/MarkdownReport.h"
@@ -31,6 +37,42 @@ std::vector<WantedFile> wantedFiles(const ReportOptions& options) {
   return files;
 }
 
+/// The file that a report goes into: what a link leads to, for the link to stay.
+fs::path fileOf(const fs::path& path) {
+  std::error_code ignored;
+  return fs::is_symlink(path, ignored) ? fs::weakly_canonical(path) : path;
+}
+
+/// Whether what is written to a standard stream goes into this file.
+bool takesOutput(const fs::path& path) {
+  struct stat file{};
+  if (::stat(path.c_str(), &file) != 0) return false;
+  return std::ranges::any_of(std::array{STDOUT_FILENO, STDERR_FILENO}, [&](int stream) {
+    struct stat status{};
+    return ::fstat(stream, &status) == 0 && status.st_dev == file.st_dev &&
+           status.st_ino == file.st_ino;
+  });
+}
+
+/// Makes sure that a report can replace what is there.
+void checkReport(const WantedFile& file) {
+  const std::string option(file.option);
+  std::error_code ignored;
+  const fs::file_status status = fs::status(file.path, ignored);
+  const bool isOther =
+      fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status);
+  if (isOther || takesOutput(file.path)) {
+    throw UsageError(option + ": expected the name of a file of its own, not '" +
+                     displayPath(file.path) + "', which is " +
+                     (isOther ? "a device or a pipe" : "where the output goes"));
+  }
+  try {
+    ensureWritable(fileOf(file.path), Access::byUmask);
+  } catch (const FileError& error) {
+    throw FileError("write " + option, file.path, error.code());
+  }
+}
+
 std::size_t stepsIn(const Report& report) {
   std::size_t count = 0;
   for (const auto& test : report.tests) count += test.steps.size();
@@ -39,7 +81,7 @@ std::size_t stepsIn(const Report& report) {
 
 /// Pictures make the page large, so it goes into its file while they come in.
 void writePage(const fs::path& path, const Report& report, Session& session, Console& console) {
-  TemporaryFile file(path, TemporaryFile::Kind::named, Access::byUmask);
+  TemporaryFile file(fileOf(path), TemporaryFile::Kind::named, Access::byUmask);
   const PictureSource pictures = [&](std::size_t testIndex, const AgentRunResult::Step& step) {
     return mayHavePictures(report, report.tests[testIndex], step)
                ? fetchPictures(session, report, testIndex, step)
@@ -64,7 +106,8 @@ void writePage(const fs::path& path, const Report& report, Session& session, Con
 std::vector<CLI::Option*> addReports(CLI::App& app, ReportOptions& options) {
   std::vector<CLI::Option*> added;
   const auto add = [&](const char* name, std::optional<fs::path>& file, const char* contents) {
-    added.push_back(app.add_option(name, file, contents)->type_name("FILE"));
+    added.push_back(
+        app.add_option(name, file, contents)->type_name("FILE")->check(named("a file")));
   };
   add("--junit", options.junit, "Write a report for build servers into this file, in JUnit's XML");
   add("--html", options.html,
@@ -81,7 +124,14 @@ void checkReports(const ReportOptions& options) {
       throw UsageError(std::string(files[j].option) + " and " + std::string(files[i].option) +
                        " name one file: " + displayPath(files[i].path));
     }
-    ensureWritable(files[i].path, Access::byUmask);
+    checkReport(files[i]);
+  }
+}
+
+void removeOldReports(const ReportOptions& options) {
+  for (const WantedFile& file : wantedFiles(options)) {
+    std::error_code ignored;
+    fs::remove(fileOf(file.path), ignored);
   }
 }
 
@@ -100,10 +150,14 @@ bool writeReports(const ReportOptions& options, const std::optional<fs::path>& p
   PictureFiles files;
   if (pictures) attempt([&] { savePictures(*pictures, report, session, context.console, files); });
   if (options.junit) {
-    attempt([&] { writeFileWhole(*options.junit, junitReport(report, files), Access::byUmask); });
+    attempt([&] {
+      writeFileWhole(fileOf(*options.junit), junitReport(report, files), Access::byUmask);
+    });
   }
   if (options.markdown) {
-    attempt([&] { writeFileWhole(*options.markdown, markdownReport(report), Access::byUmask); });
+    attempt([&] {
+      writeFileWhole(fileOf(*options.markdown), markdownReport(report), Access::byUmask);
+    });
   }
   if (options.html) {
     attempt([&] { writePage(*options.html, report, session, context.console); });

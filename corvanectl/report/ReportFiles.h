@@ -28,9 +28,12 @@ struct ReportOptions {
 std::vector<CLI::Option*> addReports(CLI::App& app, ReportOptions& options);
 
 /// Makes sure that the files of the reports can be written, with the folders that they lack, so
-/// that a run need not end before that is known. Throws UsageError when two of them are one file,
-/// FileError for one that cannot be written.
+/// that a run need not end before that is known. Throws UsageError when two of them are one file or
+/// one is no file, FileError for one that cannot be written.
 void checkReports(const ReportOptions& options);
+
+/// Removes what an earlier run has left in their places, which nobody is to take for this one's.
+void removeOldReports(const ReportOptions& options);
 
 /// Writes the reports, each whole or not at all, and shows on a terminal how far the page has come.
 /// With `pictures`, those of every step that somebody should look at are saved in that folder, and

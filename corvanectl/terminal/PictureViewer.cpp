@@ -82,7 +82,7 @@ std::string sizeOption(TerminalSize terminal) {
 
 bool PictureViewer::hasScreen() const {
   const TextStream& screen = console.standardOutput();
-  if (!screen.canRedraw()) return false;
+  if (!usesColor(ColorChoice::automatic, screen)) return false;
   // A program in the background would be stopped for asking its terminal anything.
   const pid_t foreground = ::tcgetpgrp(screen.file());
   return foreground < 0 || foreground == ::getpgrp();

@@ -18,8 +18,8 @@ class PictureViewer {
                 Seconds timeout = std::chrono::seconds(10))
       : console(console), interruption(interruption), timeout(timeout) {}
 
-  /// Whether standard output is a terminal on which pictures can be drawn, and this program the one
-  /// that the terminal listens to.
+  /// Whether standard output is a terminal on which pictures can be drawn, in colours, and this
+  /// program the one that the terminal listens to.
   [[nodiscard]] bool hasScreen() const;
 
   /// Whether it has a screen and the means to draw on it.

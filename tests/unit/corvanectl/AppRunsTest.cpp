@@ -118,8 +118,8 @@ class AppRunsTest : public ::testing::Test {
   static std::string idIn(const std::string& output) {
     return AnswerTexts::readRequestId(output).value_or("no id in " + output);
   }
-  static std::string waysOn(const std::string& id) {
-    return "corvanectl: the request goes on; follow it with 'corvanectl follow " + id +
+  static std::string waysOn(const std::string& id, const std::string& becomes = "goes on") {
+    return "corvanectl: the request " + becomes + "; follow it with 'corvanectl follow " + id +
            "' or cancel it with 'corvanectl cancel " + id + "'\n";
   }
 
@@ -144,8 +144,8 @@ TEST_F(AppRunsTest, EveryTroubleHasItsStatus) {
   expectStatus(
       4, following("Browse the catalogue", {"--no-build", "--timeout", "3", "--cancel-on-exit"}));
   expectStatus(64, {"follow"});
-  expectStatus(64, {"follow", "ID", "--events", "--json"});
-  expectStatus(64, {"follow", "ID", "--color", "perhaps"});
+  expectStatus(64, {"follow", "0a1b2c3d-0000-4000-8000-00000000abcd", "--events", "--json"});
+  expectStatus(64, {"follow", "0a1b2c3d-0000-4000-8000-00000000abcd", "--color", "perhaps"});
   expectStatus(74, following("Browse the catalogue", {"--pictures", "/dev/null/shots"}));
 }
 
@@ -167,7 +167,7 @@ TEST_F(AppRunsTest, WithoutAnAppARunEndsWithTheWaysOn) {
   EXPECT_EQ(run.errors,
             "corvanectl: Corvane.app could not be started; open it yourself\n"
             "corvanectl: no Corvane.app has been running for 1 s\n" +
-                waysOn(id));
+                waysOn(id, "waits for the app"));
   // Both ways on lead somewhere.
   EXPECT_EQ(inPipe({"cancel", id}).output,
             "Run request " + id + " cancelled (Corvane had not picked it up yet).\n");
@@ -183,7 +183,9 @@ TEST_F(AppRunsTest, AnAppThatCrashesIsTold) {
             std::string::npos)
       << run.output;
   EXPECT_EQ(run.errors,
-            "corvanectl: no Corvane.app has been running for 1 s\n" + waysOn(idIn(run.output)));
+            "corvanectl: no Corvane.app has been running for 1 s\n" +
+                waysOn(idIn(run.output),
+                       "does not go on; the app ends it as an error when it is opened"));
 }
 
 TEST_F(AppRunsTest, AnAppThatQuitsEndsTheRun) {

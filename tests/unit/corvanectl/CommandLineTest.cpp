@@ -8,6 +8,7 @@
 #include "corvanectl/commands/CancelCommand.h"
 #include "corvanectl/commands/FollowCommand.h"
 #include "corvanectl/commands/HealthCommand.h"
+#include "corvanectl/commands/RetryCommand.h"
 #include "corvanectl/commands/RunCommand.h"
 #include "corvanectl/commands/ToolsCommand.h"
 
@@ -154,6 +155,27 @@ TEST(CommandLine, TakesOptionsInAnyOrder) {
   EXPECT_TRUE(run.server.showLog);
 }
 
+// Fails when an option that takes many values takes the project, too, or a value is taken for it.
+TEST(CommandLine, TakesTheProjectBehindManyValues) {
+  const auto expectRun = [](std::vector<const char*> words, const std::vector<std::string>& tests) {
+    const auto run = command<RunCommand>(std::move(words));
+    EXPECT_EQ(run.project, "Shop");
+    EXPECT_EQ(run.tests, tests);
+  };
+  expectRun({"run", "--test", "A", "Shop", "--json"}, {"A"});
+  expectRun({"run", "--test", "A", "B", "Shop", "--param", "a=b"}, {"A", "B"});
+  expectRun({"--test", "A", "run", "Shop", "--follow"}, {"A"});
+  expectRun({"run", "--param", "a=b", "Shop", "--test", "A"}, {"A"});
+  expectRun({"run", "Shop", "--test", "A", "B"}, {"A", "B"});
+  expectRun({"run", "--json", "Shop", "--test", "A", "B"}, {"A", "B"});
+  const auto all = command<RunCommand>({"run", "--param", "a=b", "c=d", "Shop", "--all"});
+  EXPECT_EQ(all.project, "Shop");
+  EXPECT_EQ(all.params.size(), 2U);
+  const auto again = command<RetryCommand>({"retry", "--param", "a=b", "c=d"});
+  EXPECT_EQ(again.request, "last");
+  EXPECT_EQ(command<RetryCommand>({"retry", "--param", "a=b", "3f2a"}).request, "3f2a");
+}
+
 TEST(CommandLine, TakesOneBracketedNameAsItIs) {
   for (const char* name : {"[smoke]", "[[a]]", "{}", "[", "\1[x"}) {
     EXPECT_EQ(command<RunCommand>({"run", "Shop", "--test", name}).tests,
@@ -194,7 +216,20 @@ TEST(CommandLine, SaysWhatIsWrong) {
   EXPECT_EQ(complaint({"show", "--test", "-1"}),
             "corvanectl: --test: expected a number from 0, not '-1'");
   EXPECT_EQ(complaint({"run", "Shop", "--all", "--platform", "windows"}),
-            "corvanectl: --platform: windows not in {iOS,android}");
+            "corvanectl: --platform: expected iOS or android, not 'windows'");
+  EXPECT_EQ(complaint({"run", "Shop", "--all", "--color", "1"}),
+            "corvanectl: --color: expected auto, always or never, not '1'");
+  EXPECT_EQ(complaint({"run", "Shop", "--all", "--follow", "--junit", ""}),
+            "corvanectl: --junit: expected the name of a file, not ''");
+  EXPECT_EQ(complaint({"show", "--pictures", ""}),
+            "corvanectl: --pictures: expected the name of a folder, not ''");
+  EXPECT_EQ(complaint({"run", "Shop", "--all", "--follow", "--app-timeout", "abc"}),
+            "corvanectl: --app-timeout: expected seconds from 0 to 100000000, not 'abc'");
+  EXPECT_EQ(complaint({"run", "Shop", "--all", "--param", "=x"}),
+            "corvanectl: --param: expected KEY=VALUE, not '=x'");
+  // What is unknown is told before what is missing.
+  EXPECT_EQ(complaint({"run", "-f"}),
+            "corvanectl: 'run' has no option '-f'. 'corvanectl help run' lists those it has");
 }
 
 TEST(CommandLine, RefusesWhatMakesNoSense) {

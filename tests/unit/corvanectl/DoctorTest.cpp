@@ -53,7 +53,8 @@ TEST_F(DoctorTest, FindsNothingWrongInAHomeInUse) {
             std::string::npos);
   EXPECT_NE(run.output.find("✓ Corvane.app is running, for this home\n"), std::string::npos);
   EXPECT_NE(run.output.find("✓ The workspace is fresh: 2 projects, published "), std::string::npos);
-  EXPECT_NE(run.output.find("✓ No request waits to be picked up\n"), std::string::npos);
+  EXPECT_NE(run.output.find("✓ No request has been waiting for over a minute to be picked up\n"),
+            std::string::npos);
   EXPECT_EQ(*readJson(home.run({"doctor", "--json"}).output).find("ok"), AnyCodable(true));
 }
 
@@ -97,7 +98,7 @@ TEST_F(DoctorTest, TellsOfAnAppThatServesAnotherHome) {
   other.startApp(&home);
   EXPECT_EQ(finding("running"),
             "wrong: A Corvane.app is running, but nothing has been heard of it in this home: it "
-            "hangs, or belongs to another home or user | pkill -f "
+            "hangs, or belongs to another home or user | pkill -u \"$USER\" -f "
             "Corvane.app/Contents/MacOS/Corvane");
 }
 
@@ -105,7 +106,8 @@ TEST_F(DoctorTest, TellsOfRequestsThatNobodyTakes) {
   const std::string id = "3f2a0000-0000-4000-8000-000000000001";
   const fs::path file = home.paths().agentRunRequestsDirectory() / (id + ".runrequest.json");
   writeOld(file, "{}", std::chrono::seconds(30));
-  EXPECT_EQ(finding("requests"), "well: No request waits to be picked up");
+  EXPECT_EQ(finding("requests"),
+            "well: No request has been waiting for over a minute to be picked up");
   writeOld(file, "{}", std::chrono::seconds(125));
   const std::string told = finding("requests");
   EXPECT_TRUE(told.starts_with("wrong: 1 request waits to be picked up, for up to 2 min ")) << told;

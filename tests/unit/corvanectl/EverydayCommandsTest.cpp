@@ -246,6 +246,15 @@ TEST_F(RetryTest, DispatchesNothingThatIsNotKnown) {
   EXPECT_EQ(passed.status, 0);
   EXPECT_EQ(passed.output,
             "No test of " + std::string(newId) + " failed; there is nothing to run again.\n");
+  // Nothing failed, but nobody knows what else there was to run.
+  leaveResult(newId,
+              R"("status":"blocked","terminal":true,"projectName":"Shop","tests":[{"testId":"1",)"
+              R"("testName":"Sign in","status":"passed","durationSeconds":2,"steps":[]}])");
+  const auto cutShort = home.run({"retry", "--failed"});
+  EXPECT_EQ(cutShort.status, 3);
+  EXPECT_EQ(cutShort.errors, "corvanectl: no test of " + std::string(newId) +
+                                 " failed, but its status is blocked; 'corvanectl run' runs the "
+                                 "tests that it had not begun\n");
   EXPECT_TRUE(dispatched(home).empty());
 }
 

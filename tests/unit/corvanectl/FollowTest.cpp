@@ -27,8 +27,8 @@ std::string goesOn(const std::string& status, const std::string& members = {}) {
 const std::string running = goesOn("running");
 
 /// What is said on standard error of a request that is left.
-std::string waysOn(const std::string& id) {
-  return "corvanectl: the request goes on; follow it with 'corvanectl follow " + id +
+std::string waysOn(const std::string& id, const std::string& becomes = "goes on") {
+  return "corvanectl: the request " + becomes + "; follow it with 'corvanectl follow " + id +
          "' or cancel it with 'corvanectl cancel " + id + "'\n";
 }
 
@@ -66,14 +66,16 @@ TEST(Follow, TellsEachThingOnceAndThenTheSummary) {
        "expect tools/call", goesOn("running", secondStep + first + "]")},
       finishedResult("passed", passedJson.substr(0, passedJson.size() - 1) + R"(,"tests":[)" +
                                    first + "," + second + "]}"))));
-  const auto run = runWithFakeServer({"follow", "ID"});
+  const auto run = runWithFakeServer({"follow", "0a1b2c3d-0000-4000-8000-00000000abcd"});
   EXPECT_EQ(run.status, 0) << run.errors;
   EXPECT_EQ(run.output,
             "queued — position 2\nrunning\nstep 0/2\n  passed  Login  (0 steps, 2 s)\n"
             "test (2), step 1/2\n  passed  Pay  (0 steps, 3 s)\npassed: Shop\n");
   ASSERT_EQ(calls(script).size(), 5U);
-  EXPECT_EQ(calls(script).front(),
-            readJson(R"({"name":"get_result","arguments":{"requestId":"ID","waitSeconds":1}})"));
+  EXPECT_EQ(
+      calls(script).front(),
+      readJson(
+          R"({"name":"get_result","arguments":{"requestId":"0a1b2c3d-0000-4000-8000-00000000abcd","waitSeconds":1}})"));
 }
 
 TEST(Follow, TellsWhatIsWrongWithARunUntilItIsOver) {
@@ -82,10 +84,10 @@ TEST(Follow, TellsWhatIsWrongWithARunUntilItIsOver) {
   const FakeServerScript script(greeted(joined(
       {"expect tools/call", orphaned, "expect tools/call", orphaned, "expect tools/call", running},
       finishedResult("passed", passedJson))));
-  EXPECT_EQ(runWithFakeServer({"follow", "ID"}).output,
+  EXPECT_EQ(runWithFakeServer({"follow", "0a1b2c3d-0000-4000-8000-00000000abcd"}).output,
             "running\nCorvane.app is not running, so the request does not move. Open the app, or "
-            "withdraw the request with 'corvanectl cancel ID'.\n"
-            "Corvane.app is at work on the request again.\npassed: Shop\n");
+            "withdraw the request with 'corvanectl cancel 0a1b2c3d-0000-4000-8000-00000000abcd'.\n"
+            "Corvane.app is at work on the request.\npassed: Shop\n");
 }
 
 // Fails when somebody who reads JSON is not told that it goes nowhere.
@@ -94,11 +96,11 @@ TEST(Follow, TellsWhatIsWrongBesideTheJson) {
       joined({"expect tools/call",
               textResult("status: running (NOT terminal — but Corvane.app is NOT running)\n\n{}")},
              finishedResult("passed", passedJson))));
-  const auto run = runWithFakeServer({"follow", "ID", "--json"});
+  const auto run = runWithFakeServer({"follow", "0a1b2c3d-0000-4000-8000-00000000abcd", "--json"});
   EXPECT_EQ(run.output, passedJson + "\n");
   EXPECT_EQ(run.errors,
             "Corvane.app is not running, so the request does not move. Open the app, or withdraw "
-            "the request with 'corvanectl cancel ID'.\n");
+            "the request with 'corvanectl cancel 0a1b2c3d-0000-4000-8000-00000000abcd'.\n");
 }
 
 TEST(Follow, EndsWhereNoAppWorksOnTheRequest) {
@@ -109,9 +111,13 @@ TEST(Follow, EndsWhereNoAppWorksOnTheRequest) {
         textResult("status: running (NOT terminal — but Corvane.app is NOT running)\n\n{}"));
   }
   const FakeServerScript script(greeted(polls));
-  const auto run = runWithFakeServer({"follow", "ID", "--app-timeout", "1"});
+  const auto run =
+      runWithFakeServer({"follow", "0a1b2c3d-0000-4000-8000-00000000abcd", "--app-timeout", "1"});
   EXPECT_EQ(run.status, 5);
-  EXPECT_EQ(run.errors, "corvanectl: no Corvane.app has been running for 1 s\n" + waysOn("ID"));
+  EXPECT_EQ(run.errors,
+            "corvanectl: no Corvane.app has been running for 1 s\n" +
+                waysOn("0a1b2c3d-0000-4000-8000-00000000abcd",
+                       "does not go on; the app ends it as an error when it is opened"));
 }
 
 TEST(Follow, EndsAsTheRequestEnded) {
@@ -119,14 +125,16 @@ TEST(Follow, EndsAsTheRequestEnded) {
       {"passed", 0}, {"imported", 0}, {"failed", 1}, {"buildFailed", 1}, {"blocked", 3}};
   for (const auto& [status, exitStatus] : endings) {
     const FakeServerScript script(greeted(finishedResult(status, "{}")));
-    EXPECT_EQ(runWithFakeServer({"follow", "ID"}).status, exitStatus) << status;
+    EXPECT_EQ(runWithFakeServer({"follow", "0a1b2c3d-0000-4000-8000-00000000abcd"}).status,
+              exitStatus)
+        << status;
   }
 }
 
 TEST(Follow, PrintsOnlyTheResultAsJson) {
   const FakeServerScript script(
       greeted(joined({"expect tools/call", running}, finishedResult("passed", passedJson))));
-  const auto run = runWithFakeServer({"follow", "ID", "--json"});
+  const auto run = runWithFakeServer({"follow", "0a1b2c3d-0000-4000-8000-00000000abcd", "--json"});
   EXPECT_EQ(run.output, passedJson + "\n");
   EXPECT_EQ(run.errors, "");
 }
@@ -136,18 +144,19 @@ TEST(Follow, TellsOfARequestThatNobodyKnows) {
   const FakeServerScript script(greeted(
       {"expect tools/call",
        textResult("error:unknown_request_id\n\nNo result. Update if get_result fails.", true)}));
-  const auto run = runWithFakeServer({"follow", "ID"});
+  const auto run = runWithFakeServer({"follow", "0a1b2c3d-0000-4000-8000-00000000abcd"});
   EXPECT_EQ(run.status, 1);
   EXPECT_EQ(run.output, "");
   EXPECT_EQ(run.errors,
-            "corvanectl: nobody knows the request ID: the id is wrong, or its result has been "
+            "corvanectl: nobody knows the request 0a1b2c3d-0000-4000-8000-00000000abcd: the id is "
+            "wrong, or its result has been "
             "removed (results are kept for about 7 days)\n");
 }
 
 TEST(Follow, TellsOfAResultThatCannotBeRead) {
   const FakeServerScript script(greeted(
       {"expect tools/call", textResult("error:result_unreadable\n\nNot parsed: /a/b.json", true)}));
-  const auto run = runWithFakeServer({"follow", "ID"});
+  const auto run = runWithFakeServer({"follow", "0a1b2c3d-0000-4000-8000-00000000abcd"});
   EXPECT_EQ(run.status, 1);
   EXPECT_EQ(run.errors, "corvanectl: Not parsed: /a/b.json\n");
 }
@@ -160,20 +169,22 @@ TEST(Follow, GivesUpWhenTheTimeHasRunOut) {
     polls.push_back(running);
   }
   const FakeServerScript script(greeted(polls));
-  const auto run = runWithFakeServer({"follow", "ID", "--timeout", "2"});
+  const auto run =
+      runWithFakeServer({"follow", "0a1b2c3d-0000-4000-8000-00000000abcd", "--timeout", "2"});
   EXPECT_EQ(run.status, 4);
   EXPECT_EQ(run.errors,
             "corvanectl: the request has not finished in the time given; its status is running\n" +
-                waysOn("ID"));
+                waysOn("0a1b2c3d-0000-4000-8000-00000000abcd"));
 }
 
 TEST(Follow, GivesUpOnAServerThatDoesNotAnswerInTime) {
   const FakeServerScript script(greeted({"expect tools/call", "hang"}));
-  const auto run = runWithFakeServer({"follow", "ID", "--timeout", "2"});
+  const auto run =
+      runWithFakeServer({"follow", "0a1b2c3d-0000-4000-8000-00000000abcd", "--timeout", "2"});
   EXPECT_EQ(run.status, 4);
   // Two seconds beyond the user's time, of which starting the server has taken its part.
-  const std::string lead =
-      waysOn("ID") + "corvanectl: the server did not answer tools/call within ";
+  const std::string lead = waysOn("0a1b2c3d-0000-4000-8000-00000000abcd") +
+                           "corvanectl: the server did not answer tools/call within ";
   ASSERT_TRUE(run.errors.starts_with(lead) && run.errors.ends_with(" s\n")) << run.errors;
   const double seconds = std::stod(run.errors.substr(lead.size()));
   EXPECT_TRUE(seconds > 2 && seconds <= 4) << seconds;
@@ -182,12 +193,12 @@ TEST(Follow, GivesUpOnAServerThatDoesNotAnswerInTime) {
 
 TEST(Follow, CountsAServerThatDiesAsProtocolTrouble) {
   const FakeServerScript script(greeted({"expect tools/call", "crash"}));
-  EXPECT_EQ(runWithFakeServer({"follow", "ID"}).status, 2);
+  EXPECT_EQ(runWithFakeServer({"follow", "0a1b2c3d-0000-4000-8000-00000000abcd"}).status, 2);
 }
 
 TEST(Follow, CountsAnAnswerWithoutStatusAsProtocolTrouble) {
   const FakeServerScript script(greeted({"expect tools/call", textResult("all is well")}));
-  EXPECT_EQ(runWithFakeServer({"follow", "ID"}).status, 2);
+  EXPECT_EQ(runWithFakeServer({"follow", "0a1b2c3d-0000-4000-8000-00000000abcd"}).status, 2);
 }
 
 TEST(Follow, SavesThePicturesOfAStep) {
@@ -203,7 +214,8 @@ TEST(Follow, SavesThePicturesOfAStep) {
                    R"x(point)"},{"type":"image","data":"Zm9v","mimeType":"image/jpeg"},)x"
                    R"({"type":"image","data":"YmFy","mimeType":"image/jpeg"}],"isError":false})"}));
   const TemporaryDirectory directory;
-  const auto run = runWithFakeServer({"follow", "ID", "--pictures", directory.path()});
+  const auto run = runWithFakeServer(
+      {"follow", "0a1b2c3d-0000-4000-8000-00000000abcd", "--pictures", directory.path()});
   EXPECT_EQ(run.output,
             "passed\n{}\nstep 3 screenshots (before, after) — corner brackets mark "
             "where Corvane touched (drags also draw a line to the end point)\n" +
@@ -213,7 +225,8 @@ TEST(Follow, SavesThePicturesOfAStep) {
   EXPECT_EQ(readFile(directory.path() / "get_result-step-3-after.jpg"), "bar");
   EXPECT_EQ(
       calls(script).back(),
-      readJson(R"({"name":"get_result","arguments":{"includeStepTrace":true,"requestId":"ID"}})"));
+      readJson(
+          R"({"name":"get_result","arguments":{"includeStepTrace":true,"requestId":"0a1b2c3d-0000-4000-8000-00000000abcd"}})"));
 }
 
 // Fails when the lines about the pictures stand among the JSON.
@@ -224,7 +237,8 @@ TEST(Follow, TellsOfPicturesBesideTheJson) {
                "result {\"content\":[" + answer +
                    R"(,{"type":"image","data":"Zm9v","mimeType":"image/jpeg"}]})"}));
   const TemporaryDirectory directory;
-  const auto run = runWithFakeServer({"follow", "ID", "--json", "--pictures", directory.path()});
+  const auto run = runWithFakeServer(
+      {"follow", "0a1b2c3d-0000-4000-8000-00000000abcd", "--json", "--pictures", directory.path()});
   EXPECT_EQ(run.output, "{}\n");
   EXPECT_EQ(run.errors, (directory.path() / "get_result-1.jpg").string() + "\n");
 }
@@ -264,7 +278,7 @@ std::ptrdiff_t looksAfterASlowStart(std::vector<std::string> arguments,
 // Fails when the time is counted from after the server's start: then there is some for three looks.
 TEST(RunAndFollow, CountTheServersStartAsTimeGone) {
   EXPECT_LE(looksAfterASlowStart({"run", "Shop", "--all", "--follow"}, dispatch), 2);
-  EXPECT_LE(looksAfterASlowStart({"follow", "ID"}, {}), 2);
+  EXPECT_LE(looksAfterASlowStart({"follow", "0a1b2c3d-0000-4000-8000-00000000abcd"}, {}), 2);
 }
 
 // Fails when the id is known only at the end.
@@ -310,8 +324,8 @@ TEST(Follow, CancelsAlthoughNobodyReads) {
   if (child == 0) {
     ::dup2(ends[1], STDOUT_FILENO);
     ::close(STDERR_FILENO);
-    becomeCorvanectl(
-        {"--server", FakeServerScript::program(), "follow", "ID", "--events", "--cancel-on-exit"});
+    becomeCorvanectl({"--server", FakeServerScript::program(), "follow",
+                      "0a1b2c3d-0000-4000-8000-00000000abcd", "--events", "--cancel-on-exit"});
   }
   ::close(ends[1]);
   EXPECT_EQ(waitForStatus(child), 128 + SIGPIPE);

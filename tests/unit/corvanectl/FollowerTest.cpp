@@ -170,6 +170,7 @@ TEST_F(FollowerTest, TellsWithinFiveSecondsThatThereIsNoApp) {
   EXPECT_NEAR(request.seconds(), 61, 1);
 }
 
+// Fails when an app that has just come is given no time to pick the request up.
 TEST_F(FollowerTest, GoesOnWithAnAppThatComesLate) {
   request.pending(0);
   request.app(0, false);
@@ -178,8 +179,17 @@ TEST_F(FollowerTest, GoesOnWithAnAppThatComesLate) {
   request.result(130, "passed");
   EXPECT_EQ(follow({"ID", true}).end, Follower::End::finished);
   EXPECT_THAT(record.lines,
-              ElementsAre("0 dispatched ID", "1 pending", "1 app not running", "50 not picked up",
-                          "52 picked up", "52 running", "52 well", "130 over passed"));
+              ElementsAre("0 dispatched ID", "1 pending", "1 app not running", "52 picked up",
+                          "52 running", "52 well", "130 over passed"));
+}
+
+TEST_F(FollowerTest, TellsOfALateAppThatLeavesTheRequestWhereItIs) {
+  request.pending(0);
+  request.app(0, false);
+  request.app(30, true);
+  EXPECT_EQ(follow({"ID", true}).end, Follower::End::noApp);
+  EXPECT_EQ(record.lines.size(), 4U);
+  EXPECT_EQ(record.lines.back(), "34 not picked up");
 }
 
 // Fails when the time without an app that was over counts for the next one.

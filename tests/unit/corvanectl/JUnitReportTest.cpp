@@ -19,7 +19,7 @@ std::string part(const std::string& xml, std::string_view begin, std::string_vie
 
 TEST(JUnitReport, HasACaseForEachTest) {
   EXPECT_EQ(junitReport(failedRun(), {}), R"(<?xml version="1.0" encoding="UTF-8"?>
-<testsuites name="Corvane" tests="2" failures="1" errors="0" skipped="0" time="15.340">
+<testsuites name="Corvane" tests="2" failures="1" errors="0" time="15.340">
   <testsuite name="Shop" tests="2" failures="1" errors="0" skipped="0" time="15.340" timestamp="2026-01-31T12:00:00">
     <properties>
       <property name="Request" value="r1" />
@@ -65,7 +65,8 @@ shots/after.jpg
 /// The numbers and the cases of a report without anything that is the same in all.
 std::string casesOf(std::string_view status, const std::string& members) {
   const std::string xml = junitReport(reportOf(status, members), {});
-  return part(xml, " tests=", " time") + "\n" + part(xml, "<testcase", "</testsuite>");
+  return part(xml.substr(xml.find("<testsuite ")), " tests=", " time") + "\n" +
+         part(xml, "<testcase", "</testsuite>");
 }
 
 // Fails when a build server shows all well although the request did not go well.

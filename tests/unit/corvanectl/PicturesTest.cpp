@@ -239,8 +239,9 @@ TEST_F(ShownPicturesTest, AreNotBesideJson) {
   const FakeServerScript script(greeted(
       {"expect tools/call", "result {\"content\":[" + known + "]}", "expect tools/call",
        "result {\"content\":[" + known + "," + std::string(picture) + R"(,{"type":"end"}]})"}));
-  const int program = terminal.start(
-      {"--server", FakeServerScript::program(), "follow", "ID", "--json", "--pictures", shots()});
+  const int program =
+      terminal.start({"--server", FakeServerScript::program(), "follow",
+                      "0a1b2c3d-0000-4000-8000-00000000abcd", "--json", "--pictures", shots()});
   EXPECT_EQ(terminal.readUntil(lastLine),
             "{}\r\n" + (shots() / "get_result-1.jpg").string() + "\r\n[end]\r\n");
   EXPECT_EQ(waitForStatus(program), 0);
@@ -259,7 +260,8 @@ TEST_F(ShownPicturesTest, AreOfWhatAFailedStepHasLeft) {
          "result {\"content\":[" + block(status) + "," + std::string(picture) +
              R"(,{"type":"image","data":"YmFy","mimeType":"image/jpeg"}]})"}));
     Pseudoterminal screen(80);
-    const int program = screen.start({"--server", FakeServerScript::program(), "follow", "ID"});
+    const int program = screen.start({"--server", FakeServerScript::program(), "follow",
+                                      "0a1b2c3d-0000-4000-8000-00000000abcd"});
     const std::string shown = screen.readAll();
     EXPECT_EQ(waitForStatus(program), status == "failed" ? 1 : 0);
     EXPECT_TRUE(shown.ends_with(

@@ -130,9 +130,11 @@ TEST(Program, CallsTheShortForms) {
   const FakeServerScript script(greeted({"expect tools/call", textResult("ok")}));
   EXPECT_EQ(runWithFakeServer({"health"}).output, "ok");
   EXPECT_EQ(lastParams(script), readJson(R"({"name":"health","arguments":{}})"));
-  EXPECT_EQ(runWithFakeServer({"cancel", "ID"}).output, "ok\n");
-  EXPECT_EQ(lastParams(script),
-            readJson(R"({"name":"cancel_run","arguments":{"requestId":"ID"}})"));
+  EXPECT_EQ(runWithFakeServer({"cancel", "0a1b2c3d-0000-4000-8000-00000000abcd"}).output, "ok\n");
+  EXPECT_EQ(
+      lastParams(script),
+      readJson(
+          R"({"name":"cancel_run","arguments":{"requestId":"0a1b2c3d-0000-4000-8000-00000000abcd"}})"));
 }
 
 TEST(Program, DispatchesARun) {

@@ -56,8 +56,9 @@ TEST_F(ReportCommandTest, WritesEveryReport) {
   const Umask usual(022);
   const FakeServerScript script(
       joined({finishedResult("failed", captured), withPictures(0), withPictures(1)}));
-  const auto run = runWithFakeServer({"report", "ID", "--junit", file("new/a.xml"), "--html",
-                                      file("b.html"), "--markdown", file("c.md")});
+  const auto run =
+      runWithFakeServer({"report", "0a1b2c3d-0000-4000-8000-00000000abcd", "--junit",
+                         file("new/a.xml"), "--html", file("b.html"), "--markdown", file("c.md")});
   EXPECT_EQ(run.status, 1);
   EXPECT_EQ(run.output, "");
   EXPECT_EQ(run.errors, "");
@@ -76,7 +77,10 @@ TEST_F(ReportCommandTest, WritesEveryReport) {
 TEST_F(ReportCommandTest, AsksForThePicturesOfEachStep) {
   const FakeServerScript script(
       joined({finishedResult("failed", captured), withPictures(0), withPictures(1)}));
-  ASSERT_EQ(runWithFakeServer({"report", "ID", "--html", file("b.html")}).status, 1);
+  ASSERT_EQ(runWithFakeServer(
+                {"report", "0a1b2c3d-0000-4000-8000-00000000abcd", "--html", file("b.html")})
+                .status,
+            1);
   std::vector<std::string> asked;
   for (const auto& line : script.received()) {
     const AnyCodable message = readJson(line);
@@ -84,9 +88,11 @@ TEST_F(ReportCommandTest, AsksForThePicturesOfEachStep) {
     asked.push_back(line.substr(line.find("\"arguments\"")));
   }
   ASSERT_EQ(asked.size(), 3U);
-  EXPECT_TRUE(asked[0].starts_with(R"("arguments":{"requestId":"ID"})")) << asked[0];
+  EXPECT_TRUE(
+      asked[0].starts_with(R"("arguments":{"requestId":"0a1b2c3d-0000-4000-8000-00000000abcd"})"))
+      << asked[0];
   EXPECT_TRUE(asked[2].starts_with(
-      R"("arguments":{"includeStepTrace":true,"requestId":"ID","traceStepIndex":1,"traceTestIndex":0})"))
+      R"("arguments":{"includeStepTrace":true,"requestId":"0a1b2c3d-0000-4000-8000-00000000abcd","traceStepIndex":1,"traceTestIndex":0})"))
       << asked[2];
 }
 
@@ -97,7 +103,10 @@ TEST_F(ReportCommandTest, AsksForThePicturesOfTheOnlyTest) {
                  R"("testName":"Pay","status":"passed","durationSeconds":3,"steps":[)"
                  R"({"index":0,"title":"TAP","description":"Tap Cart","status":"passed"}]}])");
   const FakeServerScript script(joined({finishedResult("passed", result), withPictures(0)}));
-  ASSERT_EQ(runWithFakeServer({"report", "ID", "--html", file("b.html")}).status, 0);
+  ASSERT_EQ(runWithFakeServer(
+                {"report", "0a1b2c3d-0000-4000-8000-00000000abcd", "--html", file("b.html")})
+                .status,
+            0);
   const std::string asked = script.received().back();
   EXPECT_NE(asked.find("\"traceStepIndex\":0"), std::string::npos) << asked;
   EXPECT_EQ(asked.find("traceTestIndex"), std::string::npos) << asked;
@@ -105,14 +114,20 @@ TEST_F(ReportCommandTest, AsksForThePicturesOfTheOnlyTest) {
 
 TEST_F(ReportCommandTest, AsksForNoPicturesUnlessThereIsAPage) {
   const FakeServerScript script(joined({finishedResult("passed", captured)}));
-  EXPECT_EQ(runWithFakeServer({"report", "ID", "--junit", file("a.xml")}).status, 0);
+  EXPECT_EQ(runWithFakeServer(
+                {"report", "0a1b2c3d-0000-4000-8000-00000000abcd", "--junit", file("a.xml")})
+                .status,
+            0);
 }
 
 TEST_F(ReportCommandTest, EndsAsTheRequestDid) {
   for (const auto& [status, expected] :
        {std::pair("passed", 0), std::pair("failed", 1), std::pair("blocked", 3)}) {
     const FakeServerScript script(joined({finishedResult(status, "{}")}));
-    EXPECT_EQ(runWithFakeServer({"report", "ID", "--markdown", file("c.md")}).status, expected);
+    EXPECT_EQ(runWithFakeServer(
+                  {"report", "0a1b2c3d-0000-4000-8000-00000000abcd", "--markdown", file("c.md")})
+                  .status,
+              expected);
   }
 }
 
@@ -121,30 +136,34 @@ TEST_F(ReportCommandTest, WaitsForNothing) {
       joined({{"expect tools/call",
                textResult("status: running (NOT terminal — run still in progress, call get_result "
                           "again)\nappRunning: true\n\n{}")}}));
-  const auto run = runWithFakeServer({"report", "ID", "--junit", file("a.xml")});
+  const auto run = runWithFakeServer(
+      {"report", "0a1b2c3d-0000-4000-8000-00000000abcd", "--junit", file("a.xml")});
   EXPECT_EQ(run.status, 4);
   EXPECT_EQ(run.errors,
             "corvanectl: the request has not finished, its status is running; 'corvanectl follow "
-            "ID' waits for it\n");
+            "0a1b2c3d-0000-4000-8000-00000000abcd' waits for it\n");
   EXPECT_FALSE(fileExists(file("a.xml")));
 }
 
 TEST_F(ReportCommandTest, TellsAPersonOfARequestThatNobodyKnows) {
   const FakeServerScript script(
-      joined({{"expect tools/call",
-               textResult("error:unknown_request_id\n\nNo result for requestId ID.", true)}}));
-  const auto run = runWithFakeServer({"report", "ID", "--junit", file("a.xml")});
+      joined({{"expect tools/call", textResult("error:unknown_request_id\n\nNo result for "
+                                               "requestId 0a1b2c3d-0000-4000-8000-00000000abcd.",
+                                               true)}}));
+  const auto run = runWithFakeServer(
+      {"report", "0a1b2c3d-0000-4000-8000-00000000abcd", "--junit", file("a.xml")});
   EXPECT_EQ(run.status, 1);
   EXPECT_EQ(run.errors,
-            "corvanectl: nobody knows the request ID: the id is wrong, or its result has been "
+            "corvanectl: nobody knows the request 0a1b2c3d-0000-4000-8000-00000000abcd: the id is "
+            "wrong, or its result has been "
             "removed (results are kept for about 7 days)\n");
 }
 
 // Fails when the pictures of steps that passed are saved, or a report does not name those saved.
 TEST_F(ReportCommandTest, SavesThePicturesThatItNames) {
   const FakeServerScript script(joined({finishedResult("failed", captured), withPictures(1)}));
-  const auto run =
-      runWithFakeServer({"report", "ID", "--junit", file("a.xml"), "--pictures", file("shots")});
+  const auto run = runWithFakeServer({"report", "0a1b2c3d-0000-4000-8000-00000000abcd", "--junit",
+                                      file("a.xml"), "--pictures", file("shots")});
   EXPECT_EQ(run.status, 1);
   EXPECT_EQ(run.output, "");
   const std::string before = file("shots/Pay-step-1-before.jpg");
@@ -156,18 +175,21 @@ TEST_F(ReportCommandTest, SavesThePicturesThatItNames) {
 }
 
 TEST_F(ReportCommandTest, NeedsAFileToWrite) {
-  const auto run = runWithFakeServer({"report", "ID"});
+  const auto run = runWithFakeServer({"report", "0a1b2c3d-0000-4000-8000-00000000abcd"});
   EXPECT_EQ(run.status, 64);
   EXPECT_TRUE(run.errors.starts_with(
-      "corvanectl: At least one of --junit, --html and --markdown is required\n"))
+      "corvanectl: At least one of --junit, --html, --markdown and --events is required\n"))
       << run.errors;
 }
 
 // Fails when the request is looked at before it is known that there is a place for the reports.
 TEST_F(ReportCommandTest, ChecksTheFilesFirst) {
-  const auto run = runCorvanectl({"--server", "/nowhere", "report", "ID", "--html", "/dev/null"});
-  EXPECT_EQ(run.status, 74);
-  EXPECT_EQ(run.errors, "corvanectl: could not write /dev/null: Invalid argument\n");
+  const auto run = runCorvanectl({"--server", "/nowhere", "report",
+                                  "0a1b2c3d-0000-4000-8000-00000000abcd", "--html", "/dev/null"});
+  EXPECT_EQ(run.status, 64);
+  EXPECT_EQ(run.errors,
+            "corvanectl: --html: expected the name of a file of its own, not '/dev/null', which is "
+            "a device or a pipe\n");
 }
 
 // Fails when a page that is not whole is put in the place of an older one, or left beside it.
@@ -175,7 +197,10 @@ TEST_F(ReportCommandTest, LeavesNoHalfPage) {
   writeFileWhole(file("b.html"), "older");
   const FakeServerScript script(
       joined({finishedResult("failed", captured), withPictures(0), {"exit 3"}}));
-  EXPECT_EQ(runWithFakeServer({"report", "ID", "--html", file("b.html")}).status, 2);
+  EXPECT_EQ(runWithFakeServer(
+                {"report", "0a1b2c3d-0000-4000-8000-00000000abcd", "--html", file("b.html")})
+                .status,
+            2);
   EXPECT_EQ(readFile(file("b.html")), "older");
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(directory.path()), {}), 1);
 }
@@ -184,8 +209,9 @@ TEST_F(ReportCommandTest, ShowsAtATerminalHowFarThePageIs) {
   const FakeServerScript script(
       joined({finishedResult("failed", captured), withPictures(0), {"expect tools/call", "hang"}}));
   Pseudoterminal terminal(200);
-  const int program = terminal.start(
-      {"--server", FakeServerScript::program(), "report", "ID", "--html", file("b.html")});
+  const int program =
+      terminal.start({"--server", FakeServerScript::program(), "report",
+                      "0a1b2c3d-0000-4000-8000-00000000abcd", "--html", file("b.html")});
   const std::string shown = terminal.readUntil("b.html: 1 of 3 steps");
   EXPECT_NE(shown.find("b.html: 0 of 3 steps"), std::string::npos) << shown;
   terminal.type("\x03");
@@ -218,8 +244,8 @@ TEST_F(ReportCommandTest, FollowingChecksTheFilesBeforeItDispatches) {
   const auto run = runCorvanectl(
       {"--server", "/nowhere", "run", "Shop", "--all", "--follow", "--html", directory.path()});
   EXPECT_EQ(run.status, 74);
-  EXPECT_EQ(run.errors,
-            "corvanectl: could not write " + directory.path().string() + ": Is a directory\n");
+  EXPECT_EQ(run.errors, "corvanectl: could not write --html " + directory.path().string() +
+                            ": Is a directory\n");
 }
 
 // Fails when a report that could not be written hides how the run went, or goes unnoticed.
@@ -240,7 +266,71 @@ TEST_F(ReportCommandTest, HowTheRunWentIsWorthMoreThanAReport) {
   }
 }
 
+// Fails when somebody could take the report of an earlier run for this one's.
+TEST_F(ReportCommandTest, FollowingLeavesNoOlderReport) {
+  writeFileWhole(file("a.xml"), "older");
+  const FakeServerScript script(
+      joined({{"expect tools/call",
+               textResult("status: running (NOT terminal — run still in progress, "
+                          "call get_result again)\nappRunning: true\n\n{}"),
+               "exit 3"}}));
+  EXPECT_EQ(runWithFakeServer(
+                {"follow", "0a1b2c3d-0000-4000-8000-00000000abcd", "--junit", file("a.xml")})
+                .status,
+            2);
+  EXPECT_FALSE(fileExists(file("a.xml")));
+}
+
+TEST_F(ReportCommandTest, PrintsEvents) {
+  const FakeServerScript script(joined({finishedResult(
+      "failed",
+      R"({"schemaVersion":3,"requestId":"r","source":"run_test","status":"failed","terminal":true,)"
+      R"("updatedAt":"2026-01-31T12:00:00Z","tests":[{"testId":"1","testName":"Pay",)"
+      R"("status":"failed","durationSeconds":3,"steps":[]}]})")}));
+  const auto run =
+      runWithFakeServer({"report", "0a1b2c3d-0000-4000-8000-00000000abcd", "--events"});
+  EXPECT_EQ(run.status, 1) << run.errors;
+  EXPECT_EQ(
+      run.output,
+      R"({"event":"following","requestId":"0a1b2c3d-0000-4000-8000-00000000abcd","seconds":0})"
+      "\n"
+      R"({"event":"testFinished","seconds":0,"test":{"durationSeconds":3,"status":"failed",)"
+      R"("steps":[],"testId":"1","testName":"Pay"},"testIndex":0,"testName":"Pay"})"
+      "\n"
+      R"({"event":"finished","exitStatus":1,"result":{"requestId":"r","schemaVersion":3,)"
+      R"("source":"run_test","status":"failed","terminal":true,"tests":[{"durationSeconds":3,)"
+      R"("status":"failed","steps":[],"testId":"1","testName":"Pay"}],)"
+      R"("updatedAt":"2026-01-31T12:00:00Z"},"seconds":0,"status":"failed"})"
+      "\n");
+}
+
 class ReportFilesTest : public ReportCommandTest {};
+
+// Fails when a link is replaced by the report, or a pipe.
+TEST_F(ReportFilesTest, LeaveLinksAsTheyAre) {
+  writeFileWhole(file("real.md"), "older");
+  std::filesystem::create_symlink("real.md", file("link.md"));
+  const FakeServerScript script(joined({finishedResult("passed", "{}")}));
+  EXPECT_EQ(runWithFakeServer(
+                {"report", "0a1b2c3d-0000-4000-8000-00000000abcd", "--markdown", file("link.md")})
+                .status,
+            0);
+  EXPECT_TRUE(std::filesystem::is_symlink(file("link.md")));
+  EXPECT_TRUE(readFile(file("real.md")).starts_with("## "));
+  ASSERT_EQ(::mkfifo(file("pipe").c_str(), 0600), 0);
+  const ReportOptions pipe{.junit = file("pipe"), .html = {}, .markdown = {}};
+  EXPECT_THROW(checkReports(pipe), UsageError);
+}
+
+// Fails when a report would replace the file that the program's own output goes into.
+TEST_F(ReportFilesTest, RefuseTheFileThatTakesTheOutput) {
+  const ReportOptions output{.junit = "/dev/stderr", .html = {}, .markdown = {}};
+  const FileDescriptor kept(::dup(STDERR_FILENO));
+  const FileDescriptor taking(::open(file("log").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+  ::dup2(taking.get(), STDERR_FILENO);
+  EXPECT_THROW(checkReports(output), UsageError);
+  ::dup2(kept.get(), STDERR_FILENO);
+}
 
 TEST_F(ReportFilesTest, MakesTheFoldersThatTheyLack) {
   checkReports({.junit = file("new/a.xml"), .html = {}, .markdown = {}});

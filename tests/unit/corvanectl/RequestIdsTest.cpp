@@ -87,7 +87,15 @@ TEST_F(RequestIdsTest, ABeginningStandsForTheOneThatHasIt) {
 // Fails when an id of which the server does not tell is refused here.
 TEST_F(RequestIdsTest, OtherIdsStayAsTheyAre) {
   EXPECT_EQ(whole("11111111-2222-4333-8444-555555555555"), "11111111-2222-4333-8444-555555555555");
-  EXPECT_EQ(whole("REQUEST"), "REQUEST");
+}
+
+TEST_F(RequestIdsTest, WhatCanBeNoIdIsRefused) {
+  for (const char* name : {"", "REQUEST", "3f2a "}) {
+    EXPECT_EQ(errorText<UsageError>([&] { (void)whole(name); }),
+              "'" + std::string(name) +
+                  "' is neither the id of a request nor the beginning of one nor 'last' "
+                  "('corvanectl list' shows requests)");
+  }
 }
 
 TEST_F(RequestIdsTest, LastOfNoneIsAnError) {

@@ -79,7 +79,8 @@ TEST_F(ConsoleTest, WritingReportsAReaderThatHasGone) {
 }
 
 std::vector<std::string> followArguments() {
-  return {"--server", FakeServerScript::program(), "follow", "ID"};
+  return {"--server", FakeServerScript::program(), "follow",
+          "0a1b2c3d-0000-4000-8000-00000000abcd"};
 }
 
 /// A running request at the first of three steps.
@@ -129,8 +130,8 @@ TEST(Terminal, CtrlCEndsTheServerFreesTheLineAndTellsHowToGoOn) {
   const std::string& shown = terminal.readAll();
   EXPECT_TRUE(
       shown.ends_with("\r\033[Kcorvanectl: the request goes on; follow it with "
-                      "'corvanectl follow ID' or cancel it with 'corvanectl cancel "
-                      "ID'\r\n"))
+                      "'corvanectl follow 0a1b2c3d-0000-4000-8000-00000000abcd' or cancel it with "
+                      "'corvanectl cancel 0a1b2c3d-0000-4000-8000-00000000abcd'\r\n"))
       << shown;
   EXPECT_EQ(waitForStatus(program), 128 + SIGINT);
   EXPECT_TRUE(script.serverIsGone());
