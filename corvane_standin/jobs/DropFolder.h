@@ -59,7 +59,7 @@ class DropFolder {
  private:
   enum class Removal { removed, wasGone, impossible };
 
-  /// Waits for the delay of a request that was seen for the first time with the file.
+  /// A request that is left where it is: since when, and for how long.
   struct Delayed {
     Stopwatch seen;
     double seconds;

@@ -57,6 +57,7 @@ class Job {
   [[nodiscard]] virtual bool heartbeats() const { return true; }
   /// Whether and how the final result is torn.
   [[nodiscard]] const std::optional<TornResult>& tornResult() const { return torn; }
+  /// Has the final result torn, unless `how` is nothing.
   void tearResult(std::optional<TornResult> how) { torn = std::move(how); }
   /// Whether tests are being authored on the device just now.
   [[nodiscard]] virtual bool isAuthoring() const { return false; }

@@ -1,5 +1,6 @@
 #include "corvane_standin/jobs/ScriptedJob.h"
 
+#include <stdexcept>
 #include <utility>
 
 namespace corvane::standin {
@@ -52,12 +53,13 @@ Job::Advance ScriptedJob::turnOut() {
     case Kind::blocked:
       endBlocked(outcome);
       return Advance::changed;
-    case Kind::fulfilled:
     case Kind::failed:
       fail();
       return Advance::changed;
+    case Kind::fulfilled:
+      break;
   }
-  return Advance::waited;
+  throw std::logic_error("a request that is to be fulfilled is none of a script's");
 }
 
 void ScriptedJob::fail() {
