@@ -136,6 +136,16 @@ class Bench:
             assert time.monotonic() < end, "waited in vain"
             time.sleep(0.01)
 
+    @staticmethod
+    def holds(condition, seconds):
+        """Whether a condition goes on to hold for so long."""
+        end = time.monotonic() + seconds
+        while time.monotonic() < end:
+            if not condition():
+                return False
+            time.sleep(0.01)
+        return True
+
     def close(self):
         self.server.stdin.close()
         self.server.wait()
