@@ -58,7 +58,7 @@ class Job {
   /// Whether and how the final result is torn.
   [[nodiscard]] const std::optional<TornResult>& tornResult() const { return torn; }
   /// Has the final result torn, unless `how` is nothing.
-  void tearResult(std::optional<TornResult> how) { torn = std::move(how); }
+  void tearResult(const std::optional<TornResult>& how) { torn = how; }
   /// Whether tests are being authored on the device just now.
   [[nodiscard]] virtual bool isAuthoring() const { return false; }
 

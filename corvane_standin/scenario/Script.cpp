@@ -1,6 +1,7 @@
 #include "corvane_standin/scenario/Script.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "corvane_standin/runs/TestRun.h"
 #include "corvane_standin/workspace/Workspace.h"
@@ -43,7 +44,7 @@ const RequestOutcome* find(const LibraryOutcomes& outcomes, AgentLibraryRequest:
 
 }  // namespace
 
-Script::Script(const StandInSettings& given) : settings(given) {
+Script::Script(StandInSettings given) : settings(std::move(given)) {
   // What is said of all tests is said of these as well, and another workspace has others.
   if (!settings.workspace && !settings.outcomes.contains(allOthers)) {
     settings.outcomes.merge(firstOutcomes());

@@ -17,7 +17,7 @@ namespace corvane::standin {
 /// of the first workspace that the settings say nothing of have outcomes of their own.
 class Script {
  public:
-  explicit Script(const StandInSettings& settings);
+  explicit Script(StandInSettings given);
 
   /// How the test turns out in the run that is planned now, which counts for `times`.
   [[nodiscard]] TestOutcome outcomeOf(const std::string& test);
