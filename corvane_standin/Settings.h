@@ -1,106 +1,87 @@
 #pragma once
 
 #include <array>
-#include <cstdint>
-#include <filesystem>
-#include <map>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "CorvaneCore/json/Record.h"
+#include "corvane_standin/scenario/Outcomes.h"
 
 namespace corvane::standin {
 
-/// How a test is to turn out when it is run.
-struct TestOutcome {
-  enum class Kind {
-    passed,
-    failed,
-    /// One step passes only after adapting to an unexpected screen; the test passes.
-    healed,
-    /// The run ends as blocked when it reaches the test.
-    blocked,
-    warning,
-    /// The build before the run fails; without a build the test passes.
-    buildFailed,
-    /// The run stops advancing and is no longer refreshed, though the program lives on.
-    wedged,
-    /// The run stays at the test's first step, refreshed, until it is cancelled.
-    hold,
-    /// The program ends on the spot and leaves the run unfinished.
-    crash,
-  };
-
-  Kind kind = Kind::passed;
-  /// The 0-based step at which the outcome shows; the middle one when absent.
-  std::optional<std::int64_t> failedStep;
-  /// Told with a failed, warning or healed step, or with a failed build.
-  std::optional<std::string> failureReason;
-  std::optional<std::string> blockedCode;
-  std::optional<std::string> blockedMessage;
-
-  static constexpr auto fields() {
-    using R = TestOutcome;
-    return FieldList(field("outcome", &R::kind), field("failedStep", &R::failedStep),
-                     field("failureReason", &R::failureReason),
-                     field("blockedCode", &R::blockedCode),
-                     field("blockedMessage", &R::blockedMessage));
-  }
+/// Where the ids of what the stand-in brings into being come from.
+enum class IdSource {
+  random,
+  /// From the name of the thing, the same each time.
+  byName,
 };
 
 }  // namespace corvane::standin
 
 template <>
-struct corvane::Vocabulary<corvane::standin::TestOutcome::Kind> {
-  using Kind = standin::TestOutcome::Kind;
-  using Row = VocabularyRow<Kind>;
+struct corvane::Vocabulary<corvane::standin::IdSource> {
+  using Source = standin::IdSource;
   static constexpr std::array rows{
-      Row{Kind::passed, "passed"},   Row{Kind::failed, "failed"},
-      Row{Kind::healed, "healed"},   Row{Kind::blocked, "blocked"},
-      Row{Kind::warning, "warning"}, Row{Kind::buildFailed, "buildFailed"},
-      Row{Kind::wedged, "wedged"},   Row{Kind::hold, "hold"},
-      Row{Kind::crash, "crash"},
+      VocabularyRow<Source>{Source::random, "random"},
+      VocabularyRow<Source>{Source::byName, "byName"},
   };
 };
+template <>
+struct corvane::Codec<corvane::standin::IdSource> : standin::SuggestedWord<standin::IdSource> {};
 
 namespace corvane::standin {
 
-/// How fast the stand-in works and how tests turn out. Every value may be left out of the file.
+/// How fast the stand-in works, what it begins with and how requests turn out: what settings.json
+/// and every other scenario file holds. Every value may be left out of the file.
 struct StandInSettings {
-  double stepSeconds = 0.4;
-  double buildSeconds = 1.5;
+  /// Where editors find the JSON Schema of the file.
+  std::optional<std::string> schema;
+  Seconds stepSeconds = 0.4;
+  Seconds buildSeconds = 1.5;
   /// The longest a waiting or running request goes without its result file being refreshed.
-  double heartbeatSeconds = 15;
+  Seconds heartbeatSeconds = 15;
   /// From the start of the program to the moment it takes up requests.
-  double coldStartSeconds = 0.5;
+  Seconds coldStartSeconds = 0.5;
+  /// How long a request stays in its drop folder before it is picked up.
+  Seconds pickUpSeconds = 0;
   double creditsPerExploredStep = 15;
   /// The credits there are at the start.
   double creditBalance = 500;
   /// Whether runs leave capture sessions.
   bool captures = true;
+  /// The date that everything is dated with, when time is to stand still.
+  std::optional<Date> clock;
+  IdSource ids = IdSource::random;
+  /// A file like context.json with the workspace that a home without one begins with; beside the
+  /// file that names it, unless its path is absolute.
+  std::optional<std::string> workspace;
   /// By test name.
-  std::map<std::string, TestOutcome> outcomes;
+  Outcomes<TestOutcome> outcomes;
+  /// By the name of a test in the payload.
+  Outcomes<RequestOutcome> imports;
+  /// By project name.
+  Outcomes<RequestOutcome> explorations;
+  LibraryOutcomes libraryRequests;
 
   static constexpr auto fields() {
     using R = StandInSettings;
-    return FieldList(field("stepSeconds", &R::stepSeconds).withDefault(),
-                     field("buildSeconds", &R::buildSeconds).withDefault(),
-                     field("heartbeatSeconds", &R::heartbeatSeconds).withDefault(),
-                     field("coldStartSeconds", &R::coldStartSeconds).withDefault(),
-                     field("creditsPerExploredStep", &R::creditsPerExploredStep).withDefault(),
-                     field("creditBalance", &R::creditBalance).withDefault(),
-                     field("captures", &R::captures).withDefault(),
-                     field("outcomes", &R::outcomes).withDefault());
+    return FieldList(
+        field("$schema", &R::schema), field("stepSeconds", &R::stepSeconds).withDefault(),
+        field("buildSeconds", &R::buildSeconds).withDefault(),
+        field("heartbeatSeconds", &R::heartbeatSeconds).withDefault(),
+        field("coldStartSeconds", &R::coldStartSeconds).withDefault(),
+        field("pickUpSeconds", &R::pickUpSeconds).withDefault(),
+        field("creditsPerExploredStep", &R::creditsPerExploredStep).withDefault(),
+        field("creditBalance", &R::creditBalance).withDefault(),
+        field("captures", &R::captures).withDefault(), field("clock", &R::clock),
+        field("ids", &R::ids).withDefault(), field("workspace", &R::workspace),
+        field("outcomes", &R::outcomes).withDefault(), field("imports", &R::imports).withDefault(),
+        field("explorations", &R::explorations).withDefault(),
+        field("libraryRequests", &R::libraryRequests).withDefault());
   }
 
-  /// The first value that cannot be worked with, as text for people.
+  /// The first time that cannot be worked with, as text for people: the command line can set some.
   [[nodiscard]] std::optional<std::string> problem() const;
-
-  /// The settings in `file`; the defaults when there is none. What cannot be used is told, with its
-  /// place, in `problems`; a setting or the outcome of a test then keeps its default.
-  [[nodiscard]] static StandInSettings load(const std::filesystem::path& file,
-                                            std::vector<std::string>& problems);
 };
 
 }  // namespace corvane::standin

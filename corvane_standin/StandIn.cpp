@@ -18,36 +18,61 @@ Clock::Duration inSeconds(double seconds) {
   return std::chrono::duration_cast<Clock::Duration>(std::chrono::duration<double>(seconds));
 }
 
+/// How long a request stays in its drop folder.
+struct PickUpSeconds {
+  const Script& script;
+  const AgentContext& workspace;
+
+  double operator()(const AgentRunRequest& request) const {
+    return script.pickUpSeconds(request, workspace);
+  }
+  double operator()(const UnusableRequest&) const { return 0; }
+  double operator()(const auto& request) const { return script.pickUpSeconds(request); }
+};
+
 }  // namespace
 
 StandIn::StandIn(AgentPaths sharedPaths, StandInSettings givenSettings, const Clock& clock,
-                 const StandInLog& log)
+                 const StandInLog& log, AgentContext firstWorkspace)
     : paths(std::move(sharedPaths)),
       settings(std::move(givenSettings)),
       clock(clock),
       log(log),
+      first(std::move(firstWorkspace)),
+      script(settings),
+      ids(settings.ids),
       opensAt(clock.now() + inSeconds(settings.coldStartSeconds)),
       creditBalance(settings.creditBalance),
       captures(StandInPaths(paths).capturesDirectory(), settings.captures, clock, log),
       results(paths, clock, log),
-      dropFolder(paths, log),
+      dropFolder(paths, clock, log, ids,
+                 [this](const DroppedRequest& dropped) {
+                   return std::visit(PickUpSeconds{script, workspace->workspace()},
+                                     dropped.request);
+                 }),
       queue(results, clock, log, inSeconds(settings.heartbeatSeconds)),
-      activity(paths, clock, log, inSeconds(settings.heartbeatSeconds)) {
-  settings.outcomes.merge(firstOutcomes());
-}
+      activity(paths, clock, log, inSeconds(settings.heartbeatSeconds)) {}
 
 bool StandIn::tick() {
+  if (hangs) return true;
   if (!workspace) {
     if (clock.now() < opensAt) return true;
     open();
   }
-  if (!queue.advance()) return false;
+  const auto advance = queue.advance();
+  if (advance == Job::Advance::crashed) return false;
+  if (advance == Job::Advance::hung) {
+    log.warn("doing nothing any more, as an outcome asks for");
+    hangs = true;
+    return true;
+  }
   takeIn();
   publishActivity();
   return true;
 }
 
 void StandIn::quit() {
+  if (hangs) return;
   queue.quit();
   if (workspace) publishActivity();
 }
@@ -58,7 +83,7 @@ void StandIn::open() {
   paths.ensureAgentResultsDirectoryExists();
   paths.ensureAgentMCPDirectoryExists();
   results.settleOrphans();
-  workspace.emplace(paths, clock, log).publish();
+  workspace.emplace(paths, clock, log, std::move(first)).publish();
 }
 
 void StandIn::takeIn() {
@@ -77,7 +102,7 @@ void StandIn::takeIn() {
 }
 
 Services StandIn::services() {
-  return {clock, settings, *workspace, creditBalance, captures};
+  return {clock, settings, *workspace, script, ids, creditBalance, captures};
 }
 
 void StandIn::publishActivity() {
@@ -99,18 +124,46 @@ void StandIn::takeUp(const std::string& id, AgentRunRequest request) {
 void StandIn::takeUp(const std::string& id, AgentExploreRequest request) {
   log.info(id + ": explore request for '" + request.projectName + "'");
   request.requestId = id;
-  queue.add(std::make_unique<ExploreJob>(std::move(request), services()));
+  constexpr ScriptedJob::Sort sort{.source = "explore_flow",
+                                   .kind = "exploration",
+                                   .inHand = RunStatus::authoring,
+                                   .failure = RunStatus::error};
+  add(script.outcomeOf(request), {id, request.projectName, sort},
+      [&] { return std::make_unique<ExploreJob>(std::move(request), services()); });
 }
 
 void StandIn::takeUp(const std::string& id, AgentLibraryRequest request) {
   log.info(id + ": library request, " + std::string(rawValue(request.action)));
   request.requestId = id;
-  queue.add(std::make_unique<LibraryJob>(std::move(request), services()));
+  const ScriptedJob::Sort sort{.source = toolOf(request.action),
+                               .kind = "library",
+                               .inHand = RunStatus::received,
+                               .failure = RunStatus::error};
+  add(script.outcomeOf(request), {id, request.projectName, sort},
+      [&] { return std::make_unique<LibraryJob>(std::move(request), services()); });
 }
 
 void StandIn::takeUp(const std::string& id, AgentTestSchema payload) {
   log.info(id + ": test payload for '" + payload.projectName + "'");
-  queue.add(std::make_unique<ImportJob>(id, std::move(payload), services()));
+  constexpr ScriptedJob::Sort sort{.source = "create_test",
+                                   .kind = "import",
+                                   .inHand = RunStatus::validating,
+                                   .failure = RunStatus::importFailed};
+  add(script.outcomeOf(payload), {id, payload.projectName, sort},
+      [&] { return std::make_unique<ImportJob>(id, std::move(payload), services()); });
+}
+
+template <class MakeJob>
+void StandIn::add(const RequestOutcome& outcome, const ScriptedJob::Request& request,
+                  MakeJob makeJob) {
+  std::unique_ptr<Job> job;
+  if (outcome.kind == RequestOutcome::Kind::fulfilled) {
+    job = makeJob();
+  } else {
+    job = std::make_unique<ScriptedJob>(request, outcome, services());
+  }
+  job->tearResult(outcome.tornResult);
+  queue.add(std::move(job));
 }
 
 void StandIn::takeUp(const std::string& id, const UnusableRequest& request) {

@@ -7,8 +7,11 @@
 #include "corvane_standin/Settings.h"
 #include "corvane_standin/jobs/DropFolder.h"
 #include "corvane_standin/jobs/Job.h"
+#include "corvane_standin/jobs/ScriptedJob.h"
 #include "corvane_standin/program/Environment.h"
+#include "corvane_standin/program/Ids.h"
 #include "corvane_standin/runs/TestCapture.h"
+#include "corvane_standin/scenario/Script.h"
 #include "corvane_standin/workspace/Workspace.h"
 
 namespace corvane::standin {
@@ -17,8 +20,10 @@ namespace corvane::standin {
 /// tick() again and again, and each call does what is due by then.
 class StandIn {
  public:
-  /// `clock` and `log` outlive the stand-in.
-  StandIn(AgentPaths paths, StandInSettings settings, const Clock& clock, const StandInLog& log);
+  /// A home without a workspace begins with `firstWorkspace`. `clock` and `log` outlive the
+  /// stand-in.
+  StandIn(AgentPaths paths, StandInSettings settings, const Clock& clock, const StandInLog& log,
+          AgentContext firstWorkspace = standin::firstWorkspace());
   StandIn(const StandIn&) = delete;
   StandIn& operator=(const StandIn&) = delete;
 
@@ -26,7 +31,7 @@ class StandIn {
   /// is to end on the spot, as one that crashes.
   [[nodiscard]] bool tick();
 
-  /// Ends what is in hand; no tick follows.
+  /// Ends what is in hand, unless the program hangs; no tick follows.
   void quit();
 
  private:
@@ -38,6 +43,9 @@ class StandIn {
   void takeUp(const std::string& id, AgentLibraryRequest request);
   void takeUp(const std::string& id, AgentTestSchema payload);
   void takeUp(const std::string& id, const UnusableRequest& request);
+  /// Queues the job that `makeJob` makes, unless the request is to turn out otherwise.
+  template <class MakeJob>
+  void add(const RequestOutcome& outcome, const ScriptedJob::Request& request, MakeJob makeJob);
   [[nodiscard]] Services services();
   void publishActivity();
 
@@ -45,6 +53,9 @@ class StandIn {
   StandInSettings settings;
   const Clock& clock;
   const StandInLog& log;
+  AgentContext first;
+  Script script;
+  Ids ids;
   Clock::Time opensAt;
   double creditBalance;
   Captures captures;
@@ -52,6 +63,8 @@ class StandIn {
   DropFolder dropFolder;
   JobQueue queue;
   ActivityPublisher activity;
+  /// Whether the program has stopped doing anything.
+  bool hangs = false;
   /// Present once the cold start is over.
   std::optional<WorkspaceStore> workspace;
 };

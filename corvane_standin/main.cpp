@@ -1,14 +1,16 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <stdlib.h>
+
 #include <CLI/CLI.hpp>
 #include <chrono>
 #include <exception>
+#include <filesystem>
 #include <iostream>
-#include <optional>
+#include <memory>
 #include <string>
-#include <thread>
-#include <vector>
+#include <utility>
 
 #include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/paths/AgentPaths.h"
@@ -17,6 +19,9 @@
 #include "corvane_standin/program/Environment.h"
 #include "corvane_standin/program/Instance.h"
 #include "corvane_standin/program/Options.h"
+#include "corvane_standin/scenario/ScenarioFile.h"
+#include "corvane_standin/scenario/ScenarioSchema.h"
+#include "corvane_standin/workspace/Workspace.h"
 
 namespace {
 
@@ -39,7 +44,29 @@ int quitRunningInstance(const StandInPaths& files) {
   return 1;
 }
 
-int loop(StandIn& standIn, const InstanceLock& lock, const StopSignals& stop,
+/// Makes `folder` the home of this process, whatever its environment says. Pictures are drawn with
+/// libraries that keep things in a home too.
+void moveInto(const std::string& folder) {
+  const std::string home = std::filesystem::absolute(folder).lexically_normal();
+  for (const char* variable : {"HOME", "CFFIXED_USER_HOME"}) ::setenv(variable, home.c_str(), 1);
+  for (const char* variable : {"XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_CONFIG_HOME"}) {
+    ::unsetenv(variable);
+  }
+}
+
+/// The scenario that was asked for, else the home's settings, if there are any.
+Scenario readScenario(const Options& options, const StandInPaths& files) {
+  if (options.scenario) return Scenario::read(*options.scenario, *options.scenario);
+  if (!fileExists(files.settingsFile())) return {};
+  return Scenario::read(files.settingsFile(), "settings.json");
+}
+
+std::unique_ptr<Clock> clockFor(const StandInSettings& settings) {
+  if (settings.clock) return std::make_unique<FixedClock>(*settings.clock);
+  return std::make_unique<SystemClock>();
+}
+
+int loop(StandIn& standIn, Clock& clock, const InstanceLock& lock, const StopSignals& stop,
          const StandInLog& log) {
   constexpr auto pause = 15ms;
   while (lock.inPlace()) {
@@ -49,17 +76,22 @@ int loop(StandIn& standIn, const InstanceLock& lock, const StopSignals& stop,
       return 0;
     }
     if (!standIn.tick()) {
-      log.warn("crashing, as the outcome of a test asks for");
+      log.warn("crashing, as an outcome asks for");
       constexpr int softwareFault = 70;
       ::_exit(softwareFault);
     }
-    std::this_thread::sleep_for(pause);
+    clock.sleep(pause);
   }
   log.info("quit because the home is gone");
   return 0;
 }
 
 int run(const Options& options) {
+  if (options.printSchema) {
+    std::cout << scenarioSchema();
+    return 0;
+  }
+  if (options.home) moveInto(*options.home);
   const auto paths = AgentPaths::current();
   const StandInPaths files(paths);
   if (options.quit) return quitRunningInstance(files);
@@ -69,21 +101,24 @@ int run(const Options& options) {
     std::cerr << "Corvane: " << *asked << "\n";
     return 2;
   }
+  // Not even what a run captures is for others.
+  ::umask(S_IRWXG | S_IRWXO);
+  auto scenario = readScenario(options, files);
+  // Somebody who starts it by hand sees at once what is wrong; a server's start goes on regardless.
+  const bool isByHand = options.scenario || ::isatty(STDERR_FILENO) == 1;
+  if (!scenario.problems.empty() && isByHand) {
+    for (const auto& problem : scenario.problems) std::cerr << "Corvane: " << problem << "\n";
+    return 2;
+  }
   if (!fileExists(paths.home())) {
     std::cerr << "Corvane: there is no home folder " << displayPath(paths.home()) << "\n";
     return 1;
   }
-  // Not even what a run captures is for others.
-  ::umask(S_IRWXG | S_IRWXO);
-  std::vector<std::string> problems;
-  const auto settings =
-      overriddenBy(options, StandInSettings::load(files.settingsFile(), problems));
-  for (auto& problem : problems) problem.insert(0, "settings.json: ");
-  // Somebody who starts it by hand sees at once what is wrong; a server's start goes on regardless.
-  if (!problems.empty() && ::isatty(STDERR_FILENO) == 1) {
-    for (const auto& problem : problems) std::cerr << "Corvane: " << problem << "\n";
-    return 2;
+  // What an earlier life left in the home may have names that nobody can foretell.
+  if (options.scenario && !fileExists(paths.agentContextFile())) {
+    for (const auto& hint : scenario.hints) std::cerr << "Corvane: " << hint << "\n";
   }
+  const auto settings = overriddenBy(options, std::move(scenario.settings));
   ensureDirectoryExists(files.directory());
   // Before the lock is taken: from then on other processes may ask this one to stop.
   const StopSignals stop;
@@ -92,12 +127,13 @@ int run(const Options& options) {
     std::cerr << "Corvane is already running for this home.\n";
     return 0;
   }
-  const SystemClock clock;
-  const StandInLog log(files.logFile(), clock);
+  const auto clock = clockFor(settings);
+  const StandInLog log(files.logFile(), *clock);
   log.info("started as process " + std::to_string(::getpid()));
-  for (const auto& problem : problems) log.warn(problem);
-  StandIn standIn(paths, settings, clock, log);
-  return loop(standIn, *lock, stop, log);
+  for (const auto& problem : scenario.problems) log.warn(problem);
+  StandIn standIn(paths, settings, *clock, log,
+                  scenario.workspace ? std::move(*scenario.workspace) : firstWorkspace());
+  return loop(standIn, *clock, *lock, stop, log);
 }
 
 }  // namespace

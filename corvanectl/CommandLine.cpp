@@ -4,9 +4,9 @@
 #include <sstream>
 #include <vector>
 
+#include "CorvaneCore/text/NearestName.h"
 #include "corvanectl/CommandLineDefinition.h"
 #include "corvanectl/commands/Options.h"
-#include "corvanectl/names/NearestName.h"
 #include "corvanectl/terminal/DisplayText.h"
 
 namespace corvane::ctl {

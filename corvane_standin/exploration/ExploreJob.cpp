@@ -119,7 +119,7 @@ void ExploreJob::file(AgentContext::TestContext test, std::optional<double> comp
   test.parameterNames = parametersOf(test.steps);
   services.workspace.update([&](AgentContext& workspace) {
     auto& project = requireProject(workspace, request.projectName);
-    const auto& filed = fileTest(project, std::move(test), std::nullopt);
+    const auto& filed = fileTest(project, std::move(test), std::nullopt, services.ids);
     chartPath(project.worldMap, filed.name, filed.steps);
     authored.push_back(authoredTest(filed));
   });

@@ -175,7 +175,8 @@ Issues brokenReferences(const AgentTestSchema& payload, const AgentContext& work
 /// Files the tests of a payload that has passed every check: into their project, which is created
 /// if it does not exist, and their suite. A test whose name the project has already is updated in
 /// place. Returns the names of the tests in payload order.
-std::vector<std::string> importTests(const AgentTestSchema& payload, AgentContext& workspace) {
+std::vector<std::string> importTests(const AgentTestSchema& payload, AgentContext& workspace,
+                                     const Ids& ids) {
   auto* project = findByName(workspace.projects, payload.projectName);
   if (!project) project = &addProject(workspace, ProjectIdentity::of(payload));
   std::vector<std::string> names;
@@ -186,7 +187,7 @@ std::vector<std::string> importTests(const AgentTestSchema& payload, AgentContex
     test.steps = functionalSteps(imported, *project);
     test.parameterNames = parametersOf(test.steps);
     test.autoScaffold = true;
-    names.push_back(fileTest(*project, std::move(test), payload.suiteName).name);
+    names.push_back(fileTest(*project, std::move(test), payload.suiteName, ids).name);
   }
   return names;
 }
@@ -240,7 +241,7 @@ void ImportJob::fileOrReject() {
   }
   std::vector<std::string> names;
   services.workspace.update(
-      [&](AgentContext& workspace) { names = importTests(payload, workspace); });
+      [&](AgentContext& workspace) { names = importTests(payload, workspace, services.ids); });
   const auto& project = requireProject(services.workspace.workspace(), payload.projectName);
   if (names.size() == 1) state.authoredTest = authoredTest(requireTest(project, names.front()));
   if (payload.autoRun.value_or(true)) return startRun(std::move(names));
@@ -283,6 +284,7 @@ void ImportJob::takeOverRunState() {
   state = run->result();
   state.validationIssues = std::move(issues);
   state.authoredTest = std::move(authored);
+  if (!tornResult()) tearResult(run->tornResult());
 }
 
 }  // namespace corvane::standin

@@ -45,11 +45,13 @@ std::optional<std::string> idInName(const fs::path& file) {
 }
 
 /// The id that the request is answered under: the one it holds. Only a payload may hold none.
-std::optional<std::string> idIn(const AgentTestSchema& payload) {
-  return payload.requestId ? parseRequestId(*payload.requestId) : makeRequestId();
+std::optional<std::string> idIn(const AgentTestSchema& payload, const fs::path& file,
+                                const Ids& ids) {
+  return payload.requestId ? parseRequestId(*payload.requestId)
+                           : ids.make("payload", "", file.filename().native());
 }
 template <class Request>
-std::optional<std::string> idIn(const Request& request) {
+std::optional<std::string> idIn(const Request& request, const fs::path&, const Ids&) {
   return parseRequestId(request.requestId);
 }
 
@@ -63,7 +65,7 @@ bool fits(const std::optional<std::string>& idInName, const std::optional<std::s
 /// The request in `file`; nothing when its sender has withdrawn it or there is no id to answer it
 /// under.
 template <class Request>
-std::optional<DroppedRequest> readRequest(const fs::path& file) {
+std::optional<DroppedRequest> readRequest(const fs::path& file, const Ids& ids) {
   const auto named = idInName<Request>(file);
   const auto unusable = [&named](std::string reason) -> std::optional<DroppedRequest> {
     if (!named) return std::nullopt;
@@ -71,7 +73,7 @@ std::optional<DroppedRequest> readRequest(const fs::path& file) {
   };
   try {
     auto request = Request::read(file);
-    const auto id = idIn(request);
+    const auto id = idIn(request, file, ids);
     if (fits<Request>(named, id)) return DroppedRequest{*id, std::move(request)};
     return unusable("the file is named after another request id than it holds");
   } catch (const FileError& error) {
@@ -96,6 +98,7 @@ std::pair<Date, std::string_view> arrivalOf(const DroppedRequest& dropped) {
 }  // namespace
 
 DropFolder::Arrivals DropFolder::take() {
+  std::erase_if(delayed, [](const auto& each) { return !fileExists(each.first); });
   Arrivals arrivals;
   for (const auto& file : listVisible(paths.agentImportsDirectory())) {
     if (isFileOf<AgentTestSchema>(file)) takeRequest<AgentTestSchema>(file, arrivals);
@@ -119,6 +122,19 @@ bool DropFolder::isPassedOver(const fs::path& file) {
   return false;
 }
 
+bool DropFolder::isDelayed(const fs::path& file) const {
+  const auto found = delayed.find(file);
+  return found != delayed.end() && !found->second.seen.hasReached(found->second.seconds);
+}
+
+bool DropFolder::isDelayed(const fs::path& file, const DroppedRequest& dropped) {
+  if (!delayed.contains(file)) {
+    const double seconds = delay(dropped);
+    if (seconds > 0) delayed.insert_or_assign(file, Delayed{Stopwatch(clock), seconds});
+  }
+  return isDelayed(file);
+}
+
 DropFolder::Removal DropFolder::remove(const fs::path& file) {
   std::error_code error;
   if (fs::remove(file, error)) return Removal::removed;
@@ -130,8 +146,9 @@ DropFolder::Removal DropFolder::remove(const fs::path& file) {
 
 template <class Request>
 void DropFolder::takeRequest(const fs::path& file, Arrivals& arrivals) {
-  if (isPassedOver(file)) return;
-  auto dropped = readRequest<Request>(file);
+  if (isPassedOver(file) || isDelayed(file)) return;
+  auto dropped = readRequest<Request>(file, ids);
+  if (dropped && isDelayed(file, *dropped)) return;
   const auto removal = remove(file);
   if (removal == Removal::wasGone) return;
   if (!dropped) {

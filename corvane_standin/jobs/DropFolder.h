@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -12,6 +13,7 @@
 #include "CorvaneCore/paths/AgentPaths.h"
 #include "CorvaneCore/requests/Requests.h"
 #include "corvane_standin/program/Environment.h"
+#include "corvane_standin/program/Ids.h"
 
 namespace corvane::standin {
 
@@ -43,23 +45,41 @@ class DropFolder {
     std::vector<std::string> cancelled;
   };
 
-  DropFolder(const AgentPaths& paths, const StandInLog& log) : paths(paths), log(log) {}
+  /// For how many seconds a request is left where it is.
+  using Delay = std::function<double(const DroppedRequest&)>;
 
-  /// Takes out what lies in the folders now. A file that cannot be removed is handed out once and
-  /// then passed over until it changes.
+  DropFolder(const AgentPaths& paths, const Clock& clock, const StandInLog& log, const Ids& ids,
+             Delay delay)
+      : paths(paths), clock(clock), log(log), ids(ids), delay(std::move(delay)) {}
+
+  /// Takes out what lies in the folders now, but for requests whose delay is not over. A file that
+  /// cannot be removed is handed out once and then passed over until it changes.
   [[nodiscard]] Arrivals take();
 
  private:
   enum class Removal { removed, wasGone, impossible };
 
+  /// A request that is left where it is: since when, and for how long.
+  struct Delayed {
+    Stopwatch seen;
+    double seconds;
+  };
+
   [[nodiscard]] bool isPassedOver(const std::filesystem::path& file);
+  /// Whether the request in `file` has yet to wait.
+  [[nodiscard]] bool isDelayed(const std::filesystem::path& file) const;
+  [[nodiscard]] bool isDelayed(const std::filesystem::path& file, const DroppedRequest& dropped);
   [[nodiscard]] Removal remove(const std::filesystem::path& file);
   template <class Request>
   void takeRequest(const std::filesystem::path& file, Arrivals& arrivals);
   void takeMarker(const std::filesystem::path& file, Arrivals& arrivals);
 
   const AgentPaths& paths;
+  const Clock& clock;
   const StandInLog& log;
+  const Ids& ids;
+  Delay delay;
+  std::map<std::filesystem::path, Delayed> delayed;
   /// Files that could not be removed, with the stamp they had.
   std::map<std::filesystem::path, std::optional<FileStamp>> passedOver;
 };

@@ -62,6 +62,18 @@ void ResultPublisher::publishAgain(AgentRunResult result) const {
   if (fileExists(AgentRunResult::fileURL(result.requestId, paths))) publish(std::move(result));
 }
 
+void ResultPublisher::publishTorn(AgentRunResult result) const {
+  const auto file = AgentRunResult::fileURL(result.requestId, paths);
+  if (!fileExists(file)) return;
+  result.updatedAt = clock.date();
+  try {
+    const std::string whole = AgentWire::encode(result);
+    writeFileWhole(file, std::string_view(whole).substr(0, whole.size() / 2));
+  } catch (const std::runtime_error& error) {
+    log.warn(std::string("a torn result was not published: ") + error.what());
+  }
+}
+
 void ResultPublisher::settleOrphans() const {
   for (const auto& file : listVisible(paths.agentResultsDirectory())) {
     if (file.extension() != ".json") continue;
@@ -133,15 +145,17 @@ AgentActivity JobQueue::activity() const {
   return activity;
 }
 
-bool JobQueue::advance() {
+Job::Advance JobQueue::advance() {
+  mendTornResults();
+  auto advance = Job::Advance::waited;
   if (!active && !waiting.empty()) {
     active = std::move(waiting.front());
     waiting.pop_front();
     active->startedAt = clock.date();
   }
   if (active) {
-    const auto advance = active->job->advance();
-    if (advance == Job::Advance::crashed) return false;
+    advance = active->job->advance();
+    if (advance == Job::Advance::crashed || advance == Job::Advance::hung) return advance;
     advance == Job::Advance::changed ? publishAgain(*active) : refresh(*active);
     if (active->job->result().terminal) active.reset();
   }
@@ -149,7 +163,7 @@ bool JobQueue::advance() {
   for (auto& entry : waiting) {
     entry.job->queueAt(++position) ? publishAgain(entry) : refresh(entry);
   }
-  return true;
+  return advance;
 }
 
 void JobQueue::quit() {
@@ -167,11 +181,28 @@ void JobQueue::quit() {
 
 void JobQueue::publishAgain(Entry& entry) {
   const auto& result = entry.job->result();
-  results.publishAgain(result);
+  const bool isTorn = result.terminal && entry.job->tornResult();
+  isTorn ? publishTorn(entry) : results.publishAgain(result);
   entry.published = clock.now();
   if (result.terminal) {
     log.info(result.requestId + ": " + result.status + ". " + result.message.value_or(""));
   }
+}
+
+void JobQueue::publishTorn(const Entry& entry) {
+  const auto& result = entry.job->result();
+  results.publishTorn(result);
+  if (const auto seconds = entry.job->tornResult()->wholeAfterSeconds) {
+    torn.push_back({result, Stopwatch(clock), *seconds});
+  }
+}
+
+void JobQueue::mendTornResults() {
+  std::erase_if(torn, [this](const TornEntry& entry) {
+    if (!entry.age.hasReached(entry.wholeAfterSeconds)) return false;
+    results.publishAgain(entry.result);
+    return true;
+  });
 }
 
 void JobQueue::refresh(Entry& entry) {

@@ -6,13 +6,17 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "CorvaneCore/paths/AgentPaths.h"
 #include "CorvaneCore/results/AgentRunResult.h"
 #include "CorvaneCore/workspace/AgentActivity.h"
 #include "corvane_standin/Settings.h"
 #include "corvane_standin/program/Environment.h"
+#include "corvane_standin/program/Ids.h"
 #include "corvane_standin/runs/TestCapture.h"
+#include "corvane_standin/scenario/Script.h"
 #include "corvane_standin/workspace/Workspace.h"
 
 namespace corvane::standin {
@@ -22,6 +26,8 @@ struct Services {
   const Clock& clock;
   const StandInSettings& settings;
   WorkspaceStore& workspace;
+  Script& script;
+  const Ids& ids;
   /// The credits left, which jobs draw on.
   double& creditBalance;
   Captures& captures;
@@ -34,6 +40,8 @@ class Job {
   enum class Advance {
     waited,
     changed,
+    /// The program is to do nothing any more, though it lives on.
+    hung,
     /// The program is to end on the spot, with nothing more written.
     crashed,
   };
@@ -47,6 +55,10 @@ class Job {
   [[nodiscard]] const AgentRunResult& result() const { return state; }
   /// Whether the result is kept fresh while nothing else changes it.
   [[nodiscard]] virtual bool heartbeats() const { return true; }
+  /// Whether and how the final result is torn.
+  [[nodiscard]] const std::optional<TornResult>& tornResult() const { return torn; }
+  /// Has the final result torn, unless `how` is nothing.
+  void tearResult(const std::optional<TornResult>& how) { torn = how; }
   /// Whether tests are being authored on the device just now.
   [[nodiscard]] virtual bool isAuthoring() const { return false; }
 
@@ -66,6 +78,13 @@ class Job {
   /// Takes on a status, leaving behind what belonged to the last one.
   void enter(RunStatus status);
   void endBlocked(std::string code, std::string message);
+  /// Ends as blocked by what the outcome of a test or a request names.
+  template <class Outcome>
+  void endBlocked(const Outcome& outcome) {
+    endBlocked(
+        outcome.blockedCode.value_or("appNotInstalled"),
+        outcome.blockedMessage.value_or("The app under test is not installed on the device."));
+  }
   /// Ends as blocked or as an error, whichever the refusal is.
   void endRefused(const RequestRefused& refused);
 
@@ -74,6 +93,7 @@ class Job {
 
  private:
   std::string_view name;
+  std::optional<TornResult> torn;
 };
 
 /// The only writer of result files.
@@ -87,6 +107,8 @@ class ResultPublisher {
   /// Publishes a later version of `result`, unless its file was taken away: that happens when a
   /// home is being deleted, and a file written then would be in the way.
   void publishAgain(AgentRunResult result) const;
+  /// Does the same, but for the second half of the file.
+  void publishTorn(AgentRunResult result) const;
 
   /// Ends, as an error, every request that an earlier life of the app left unfinished.
   void settleOrphans() const;
@@ -139,9 +161,8 @@ class JobQueue {
   [[nodiscard]] AgentActivity activity() const;
   /// Whether the active job is kept fresh; true when there is none.
   [[nodiscard]] bool heartbeats() const { return !active || active->job->heartbeats(); }
-  /// Lets the active job move on, or the next one begin. False when the program is to end on the
-  /// spot.
-  [[nodiscard]] bool advance();
+  /// Lets the active job move on, or the next one begin. Tells what became of it.
+  [[nodiscard]] Job::Advance advance();
   /// Ends every job because the app quits.
   void quit();
 
@@ -153,7 +174,16 @@ class JobQueue {
     Date startedAt{};
   };
 
+  /// A final result that is going to be whole.
+  struct TornEntry {
+    AgentRunResult result;
+    Stopwatch age;
+    double wholeAfterSeconds;
+  };
+
   void publishAgain(Entry& entry);
+  void publishTorn(const Entry& entry);
+  void mendTornResults();
   void refresh(Entry& entry);
 
   const ResultPublisher& results;
@@ -162,6 +192,7 @@ class JobQueue {
   Clock::Duration heartbeat;
   std::optional<Entry> active;
   std::deque<Entry> waiting;
+  std::vector<TornEntry> torn;
 };
 
 }  // namespace corvane::standin

@@ -5,7 +5,6 @@
 #include <utility>
 #include <vector>
 
-#include "CorvaneCore/text/Uuid.h"
 #include "corvane_standin/workspace/Workspace.h"
 
 namespace corvane::standin {
@@ -26,21 +25,10 @@ std::vector<AgentContext::StepSummary> stepRange(const AgentContext::TestContext
   return {test.steps.begin() + fromStep, test.steps.begin() + toStep + 1};
 }
 
-std::string_view toolOf(Action action) {
-  switch (action) {
-    case Action::extractUdi:
-      return "extract_udi";
-    case Action::deleteUdi:
-      return "delete_udi";
-    case Action::resetWorldMap:
-      return "reset_world_map";
-  }
-  return {};
-}
-
 /// Makes a building block of a range of steps, or replaces the steps of the one of that name, whose
 /// id then stays. Throws RequestRefused.
-AgentRunResult::UdiInfo extractUdi(const AgentLibraryRequest& request, AgentContext& workspace) {
+AgentRunResult::UdiInfo extractUdi(const AgentLibraryRequest& request, AgentContext& workspace,
+                                   const Ids& ids) {
   const auto& project = requireProject(workspace, request.projectName);
   const auto* byId = request.testId ? findById(project.tests, *request.testId) : nullptr;
   const auto& test = byId ? *byId : requireTest(project, request.testName.value_or(""));
@@ -57,7 +45,7 @@ AgentRunResult::UdiInfo extractUdi(const AgentLibraryRequest& request, AgentCont
   }
   if (!udi) {
     udi = &library.emplace_back();
-    udi->id = makeRequestId();
+    udi->id = ids.make("building block", "", request.udiName);
     udi->name = request.udiName;
   }
   udi->steps = std::move(steps);
@@ -84,6 +72,18 @@ void resetWorldMap(const std::string& projectName, AgentContext& workspace) {
 
 }  // namespace
 
+std::string_view toolOf(Action action) {
+  switch (action) {
+    case Action::extractUdi:
+      return "extract_udi";
+    case Action::deleteUdi:
+      return "delete_udi";
+    case Action::resetWorldMap:
+      return "reset_world_map";
+  }
+  return {};
+}
+
 LibraryJob::LibraryJob(AgentLibraryRequest request, const Services& services)
     : Job(request.requestId, toolOf(request.action), "library"),
       request(std::move(request)),
@@ -103,7 +103,7 @@ Job::Advance LibraryJob::advance() {
 void LibraryJob::fulfil(AgentContext& workspace) {
   switch (request.action) {
     case Action::extractUdi: {
-      state.udi = extractUdi(request, workspace);
+      state.udi = extractUdi(request, workspace, services.ids);
       const auto count = std::to_string(state.udi->stepCount);
       return end(RunStatus::extracted, "Extracted " + inQuotes(request.udiName) + ": " + count +
                                            (count == "1" ? " step." : " steps."));

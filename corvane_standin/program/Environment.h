@@ -3,6 +3,7 @@
 #include <chrono>
 #include <filesystem>
 #include <string_view>
+#include <thread>
 
 #include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/json/Date.h"
@@ -18,6 +19,9 @@ class Clock {
 
   virtual ~Clock() = default;
 
+  /// Returns when that much time has passed.
+  virtual void sleep(Duration time) { std::this_thread::sleep_for(time); }
+
   /// For measuring how long something takes; never goes back.
   [[nodiscard]] virtual Time now() const = 0;
   /// What files and log lines are dated with.
@@ -28,6 +32,24 @@ class SystemClock final : public Clock {
  public:
   [[nodiscard]] Time now() const override { return std::chrono::steady_clock::now(); }
   [[nodiscard]] Date date() const override { return currentDate(); }
+};
+
+/// Stands still at one date. What is measured is the time slept, so that it is the same however
+/// busy the machine is.
+class FixedClock final : public Clock {
+ public:
+  explicit FixedClock(Date date) : fixed(date) {}
+
+  void sleep(Duration time) override {
+    Clock::sleep(time);
+    slept += time;
+  }
+  [[nodiscard]] Time now() const override { return Time(slept); }
+  [[nodiscard]] Date date() const override { return fixed; }
+
+ private:
+  Date fixed;
+  Duration slept{};
 };
 
 /// Measures how long the work in hand has lasted.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 
 namespace CLI {
 class App;
@@ -15,6 +16,9 @@ inline constexpr const char* programDescription =
 /// What the command line of the stand-in says.
 struct Options {
   bool quit = false;
+  bool printSchema = false;
+  std::optional<std::string> home;
+  std::optional<std::string> scenario;
   std::optional<double> stepSeconds;
   std::optional<double> buildSeconds;
   std::optional<double> heartbeatSeconds;

@@ -46,10 +46,13 @@ Job::Advance RunJob::advance() {
 
 Job::Advance RunJob::begin() {
   try {
-    plan = planRun(request, services.workspace.workspace(), services.settings.outcomes);
+    plan = planRun(request, services.workspace.workspace(), services.script);
   } catch (const RequestRefused& refused) {
     endRefused(refused);
     return Advance::changed;
+  }
+  for (const auto& test : plan->tests) {
+    if (test.outcome.tornResult) tearResult(test.outcome.tornResult);
   }
   state.platform = plan->platform;
   stopwatch.restart();
@@ -82,8 +85,12 @@ Job::Advance RunJob::play() {
     endCancelled();
     return Advance::changed;
   }
-  if (!stopwatch.hasReached(services.settings.stepSeconds)) return Advance::waited;
+  const auto& test = current->planned();
+  if (!stopwatch.hasReached(test.outcome.stepSeconds.value_or(services.settings.stepSeconds))) {
+    return Advance::waited;
+  }
   if (isTurning(Kind::crash)) return Advance::crashed;
+  if (isTurning(Kind::hang)) return Advance::hung;
   finishStep();
   cancelRequested ? endCancelled() : toNextStep();
   return Advance::changed;
@@ -118,9 +125,7 @@ void RunJob::toNextStep() {
     if (closed.size() == plan->tests.size()) return finish();
     const auto& next = plan->tests[closed.size()];
     if (next.outcome.kind == Kind::blocked) {
-      return endBlocked(next.outcome.blockedCode.value_or("appNotInstalled"),
-                        next.outcome.blockedMessage.value_or(
-                            "The app under test is not installed on the device."));
+      return endBlocked(next.outcome);
     }
     current.emplace(next);
     capture = services.captures.begin(id(), next, request.projectName, plan->platform);

@@ -66,8 +66,7 @@ std::size_t turningStepOf(const TestOutcome& outcome, std::size_t stepCount) {
 }
 
 PlannedTest planTest(const Test& test, const std::map<std::string, std::string>& values,
-                     const std::map<std::string, TestOutcome>& outcomes) {
-  requireParameters(test, values);
+                     Script& script) {
   PlannedTest planned;
   planned.id = test.id;
   planned.name = test.name;
@@ -75,9 +74,7 @@ PlannedTest planTest(const Test& test, const std::map<std::string, std::string>&
     planned.steps.push_back(
         {stepTitle(step.type), substituteParameters(step.description, values), step.type});
   }
-  if (const auto named = outcomes.find(test.name); named != outcomes.end()) {
-    planned.outcome = named->second;
-  }
+  planned.outcome = script.outcomeOf(test.name);
   planned.turningStep = turningStepOf(planned.outcome, planned.steps.size());
   return planned;
 }
@@ -127,17 +124,23 @@ std::optional<std::string> RunPlan::buildFailure() const {
   return std::nullopt;
 }
 
-RunPlan planRun(const AgentRunRequest& request, const AgentContext& workspace,
-                const std::map<std::string, TestOutcome>& outcomes) {
+Tests testsOf(const AgentRunRequest& request, const AgentContext& workspace) {
   const Project& project = requireProject(workspace, request.projectName);
-  const Tests tests = std::visit(TestPicker{project}, request.target.choice);
+  return std::visit(TestPicker{project}, request.target.choice);
+}
+
+RunPlan planRun(const AgentRunRequest& request, const AgentContext& workspace, Script& script) {
+  const Tests tests = testsOf(request, workspace);
+  const Project& project = requireProject(workspace, request.projectName);
   if (tests.empty()) throw RequestRefused("There are no tests to run.");
   RunPlan plan;
   plan.platform = platformFor(request.targetPlatform, project);
   plan.app = appFor(plan.platform, project);
   plan.builds = request.buildFirst.value_or(project.buildBeforeScheduledRuns.value_or(false));
   const auto values = request.params.value_or(std::map<std::string, std::string>());
-  for (const auto* test : tests) plan.tests.push_back(planTest(*test, values, outcomes));
+  // Only a run that begins counts for what its tests turn out to be.
+  for (const auto* test : tests) requireParameters(*test, values);
+  for (const auto* test : tests) plan.tests.push_back(planTest(*test, values, script));
   return plan;
 }
 

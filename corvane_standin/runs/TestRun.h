@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,6 +11,7 @@
 #include "CorvaneCore/workspace/AgentContext.h"
 #include "corvane_standin/Settings.h"
 #include "corvane_standin/program/Environment.h"
+#include "corvane_standin/scenario/Script.h"
 
 namespace corvane::standin {
 
@@ -43,10 +43,14 @@ struct RunPlan {
   [[nodiscard]] std::optional<std::string> buildFailure() const;
 };
 
-/// What `request` runs in `workspace`, by test name turning out as `outcomes` say. Throws
+/// The tests that `request` names in `workspace`, in their order. Throws RequestRefused.
+[[nodiscard]] std::vector<const AgentContext::TestContext*> testsOf(const AgentRunRequest& request,
+                                                                    const AgentContext& workspace);
+
+/// What `request` runs in `workspace`, each test turning out as `script` has it. Throws
 /// RequestRefused.
 [[nodiscard]] RunPlan planRun(const AgentRunRequest& request, const AgentContext& workspace,
-                              const std::map<std::string, TestOutcome>& outcomes);
+                              Script& script);
 
 /// One test as far as it has run.
 class TestRun {

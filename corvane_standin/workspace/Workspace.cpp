@@ -7,7 +7,6 @@
 
 #include "CorvaneCore/authoring/Vocabularies.h"
 #include "CorvaneCore/text/Unicode.h"
-#include "CorvaneCore/text/Uuid.h"
 #include "corvane_standin/program/Environment.h"
 #include "corvane_standin/steps/Steps.h"
 
@@ -87,7 +86,8 @@ Project& addProject(AgentContext& workspace, const ProjectIdentity& identity) {
   return workspace.projects.emplace_back(std::move(project));
 }
 
-Test& fileTest(Project& project, Test test, const std::optional<std::string>& suite) {
+Test& fileTest(Project& project, Test test, const std::optional<std::string>& suite,
+               const Ids& ids) {
   test.verified = false;
   auto* filed = findByName(project.tests, test.name);
   if (filed) {
@@ -97,7 +97,7 @@ Test& fileTest(Project& project, Test test, const std::optional<std::string>& su
     test.lastFailure = filed->lastFailure;
     *filed = std::move(test);
   } else {
-    test.id = makeRequestId();
+    test.id = ids.make("test", project.name, test.name);
     filed = &project.tests.emplace_back(std::move(test));
   }
   const bool isInSuite =
@@ -138,22 +138,23 @@ void chartPath(std::optional<std::string>& worldMap, const std::string& name,
   worldMap = std::move(map);
 }
 
-WorkspaceStore::WorkspaceStore(const AgentPaths& paths, const Clock& clock, const StandInLog& log)
+WorkspaceStore::WorkspaceStore(const AgentPaths& paths, const Clock& clock, const StandInLog& log,
+                               AgentContext first)
     : paths(paths), clock(clock), log(log) {
-  load();
+  load(std::move(first));
 }
 
-void WorkspaceStore::load() {
+void WorkspaceStore::load(AgentContext first) {
   const auto file = paths.agentContextFile();
   try {
-    context = fileExists(file) ? AgentContext::read(file) : firstWorkspace();
+    context = fileExists(file) ? AgentContext::read(file) : first;
   } catch (const std::runtime_error& error) {
     const auto aside = StandInPaths(paths).unreadableContextFile();
     log.warn("the workspace in context.json is set aside as " + displayPath(aside) + ": " +
              error.what());
     std::error_code ignored;
     std::filesystem::rename(file, aside, ignored);
-    context = firstWorkspace();
+    context = std::move(first);
   }
 }
 

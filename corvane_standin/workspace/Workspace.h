@@ -13,6 +13,7 @@
 #include "CorvaneCore/workspace/AgentContext.h"
 #include "corvane_standin/Settings.h"
 #include "corvane_standin/program/Environment.h"
+#include "corvane_standin/program/Ids.h"
 
 namespace corvane::standin {
 
@@ -116,7 +117,7 @@ AgentContext::ProjectContext& addProject(AgentContext& workspace, const ProjectI
 /// is named, goes into that one, "Agent" unless named.
 AgentContext::TestContext& fileTest(AgentContext::ProjectContext& project,
                                     AgentContext::TestContext test,
-                                    const std::optional<std::string>& suite);
+                                    const std::optional<std::string>& suite, const Ids& ids);
 
 /// What a result says about a test that a request brought in.
 [[nodiscard]] AgentRunResult::AuthoredTestInfo authoredTest(const AgentContext::TestContext& test);
@@ -133,8 +134,9 @@ void chartPath(std::optional<std::string>& worldMap, const std::string& name,
 /// The workspace, which lives in the published context file from one start to the next.
 class WorkspaceStore {
  public:
-  /// Takes up the workspace in the context file, or the first one when there is no usable file.
-  WorkspaceStore(const AgentPaths& paths, const Clock& clock, const StandInLog& log);
+  /// Takes up the workspace in the context file, or `first` when there is no usable file.
+  WorkspaceStore(const AgentPaths& paths, const Clock& clock, const StandInLog& log,
+                 AgentContext first);
 
   [[nodiscard]] const AgentContext& workspace() const { return context; }
 
@@ -148,7 +150,7 @@ class WorkspaceStore {
   void publish();
 
  private:
-  void load();
+  void load(AgentContext first);
   void publishAgain();
 
   const AgentPaths& paths;

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "CorvaneCore/json/LenientReading.h"
+#include "CorvaneCore/text/NearestName.h"
 #include "corvanectl/answers/ToolRefusal.h"
-#include "corvanectl/names/NearestName.h"
 #include "corvanectl/terminal/DisplayText.h"
 
 namespace corvane::ctl {

@@ -11,12 +11,12 @@
 
 #include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/json/AnyCodable.h"
+#include "CorvaneCore/json/JsonFault.h"
 #include "CorvaneCore/json/JsonReader.h"
 #include "CorvaneCore/json/JsonWriter.h"
 #include "CorvaneCore/results/AnswerTexts.h"
 #include "corvanectl/commands/Options.h"
 #include "corvanectl/commands/ResultOutput.h"
-#include "corvanectl/json/JsonFault.h"
 
 namespace corvane::ctl {
 

@@ -1,10 +1,10 @@
 #include "corvanectl/commands/WorkspaceCommands.h"
 
 #include "CorvaneCore/json/JsonWriter.h"
+#include "CorvaneCore/text/NearestName.h"
 #include "corvanectl/answers/ProjectAnswer.h"
 #include "corvanectl/answers/ToolRefusal.h"
 #include "corvanectl/commands/Options.h"
-#include "corvanectl/names/NearestName.h"
 #include "corvanectl/terminal/DisplayText.h"
 #include "corvanectl/terminal/Table.h"
 

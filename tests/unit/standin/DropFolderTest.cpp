@@ -34,7 +34,8 @@ class DropFolderTest : public StandInFixture {
 
   const std::string id = makeRequestId();
   StandInLog quiet{StandInPaths(paths).logFile(), clock};
-  DropFolder folder{paths, quiet};
+  const Ids ids{IdSource::random};
+  DropFolder folder{paths, clock, quiet, ids, [](const DroppedRequest&) { return 0; }};
 };
 
 TEST_F(DropFolderTest, TakesARequestOut) {

@@ -1,9 +1,7 @@
 #include <gmock/gmock.h>
 
-#include <cmath>
 #include <fstream>
 
-#include "corvane_standin/Settings.h"
 #include "tests/unit/standin/StandInFixture.h"
 
 namespace corvane::testing {
@@ -12,9 +10,7 @@ using namespace standin;
 
 namespace {
 
-using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
 using ::testing::IsSupersetOf;
 using namespace std::chrono_literals;
 
@@ -129,104 +125,6 @@ TEST_F(LifeTest, NothingItDoesLeavesItsFolder) {
                 entry.starts_with(".local/share/Corvane"))
         << entry;
   }
-}
-
-class StandInSettingsTest : public StandInFixture {
- protected:
-  StandInSettings load(const std::string& contents) {
-    std::ofstream(file) << contents;
-    problems.clear();
-    return StandInSettings::load(file, problems);
-  }
-
-  const std::filesystem::path file = StandInPaths(paths).settingsFile();
-  std::vector<std::string> problems;
-};
-
-TEST_F(StandInSettingsTest, WithoutAFileTheDefaultsHold) {
-  EXPECT_EQ(StandInSettings::load(file, problems).stepSeconds, 0.4);
-  EXPECT_THAT(problems, IsEmpty());
-}
-
-TEST_F(StandInSettingsTest, WhatIsNotNamedKeepsItsDefault) {
-  const auto loaded = load(R"({"stepSeconds":2,"outcomes":{
-      "Sign in":{"outcome":"failed","failedStep":1,"failureReason":"No."},
-      "Check out":{"outcome":"buildFailed"}}})");
-  EXPECT_EQ(loaded.stepSeconds, 2);
-  EXPECT_EQ(loaded.buildSeconds, 1.5);
-  EXPECT_EQ(loaded.outcomes.at("Sign in").kind, TestOutcome::Kind::failed);
-  EXPECT_EQ(loaded.outcomes.at("Sign in").failedStep, 1);
-  EXPECT_EQ(loaded.outcomes.at("Check out").kind, TestOutcome::Kind::buildFailed);
-  EXPECT_THAT(problems, IsEmpty());
-}
-
-TEST_F(StandInSettingsTest, TimesReachFromNothingToDays) {
-  const auto loaded = load(R"({"stepSeconds":0,"buildSeconds":1000000})");
-  EXPECT_EQ(loaded.stepSeconds, 0);
-  EXPECT_EQ(loaded.buildSeconds, 1'000'000);
-  EXPECT_THAT(problems, IsEmpty());
-}
-
-// Fails when one bad value takes the rest of the file with it, or is passed over in silence.
-TEST_F(StandInSettingsTest, ABadValueIsToldAndTheRestCounts) {
-  for (const auto& [bad, complaint] : {
-           std::pair(R"("buildSeconds":-1)", "buildSeconds: expected seconds from 0 to 1000000"),
-           std::pair(R"("buildSeconds":2000000)",
-                     "buildSeconds: expected seconds from 0 to 1000000"),
-           std::pair(R"("buildSeconds":"fast")", "buildSeconds: expected a number"),
-           std::pair(R"("buildSecond":9)", "buildSecond: there is no such setting"),
-           std::pair(R"("outcomes":[])", "outcomes: expected an object"),
-       }) {
-    const auto loaded = load(std::string(R"({"stepSeconds":2,)") + bad + R"(,"captures":false})");
-    EXPECT_THAT(problems, ElementsAre(complaint));
-    EXPECT_EQ(loaded.stepSeconds, 2) << bad;
-    EXPECT_EQ(loaded.buildSeconds, 1.5) << bad;
-    EXPECT_FALSE(loaded.captures) << bad;
-  }
-}
-
-// Fails when a bad outcome takes those of other tests with it.
-TEST_F(StandInSettingsTest, ABadOutcomeIsToldAndTheOthersCount) {
-  for (const auto& [bad, complaint] : {
-           std::pair(
-               R"({"outcome":"fine"})",
-               "outcomes.B.outcome: expected one of passed, failed, healed, blocked, warning, "
-               "buildFailed, wedged, hold, crash"),
-           std::pair(R"({"failedStep":1})", "outcomes.B.outcome: required"),
-           std::pair(R"({"outcome":"failed","failedStep":-1})",
-                     "outcomes.B.failedStep: expected a step number from 0"),
-           std::pair(R"("failed")", "outcomes.B: expected an object"),
-       }) {
-    const auto loaded =
-        load(std::string(R"({"stepSeconds":2,"outcomes":{"A":{"outcome":"hold"},"B":)") + bad +
-             R"(,"C":{"outcome":"crash"}}})");
-    EXPECT_THAT(problems, ElementsAre(complaint));
-    EXPECT_EQ(loaded.stepSeconds, 2) << bad;
-    EXPECT_EQ(loaded.outcomes.at("A").kind, TestOutcome::Kind::hold) << bad;
-    EXPECT_FALSE(loaded.outcomes.contains("B")) << bad;
-    EXPECT_EQ(loaded.outcomes.at("C").kind, TestOutcome::Kind::crash) << bad;
-  }
-}
-
-// Fails when a misspelt member of an outcome is passed over.
-TEST_F(StandInSettingsTest, AnUnknownKeyOfAnOutcomeIsToldAndTheRestOfItCounts) {
-  const auto loaded =
-      load(R"({"outcomes":{"A":{"outcome":"failed","failStep":3,"failureReason":"No."}}})");
-  EXPECT_THAT(problems, ElementsAre("outcomes.A.failStep: there is no such setting"));
-  EXPECT_EQ(loaded.outcomes.at("A").failureReason, "No.");
-}
-
-TEST_F(StandInSettingsTest, AFileThatIsNoObjectIsToldOnce) {
-  for (const char* contents : {R"({"stepSeconds":2)", "[]", ""}) {
-    EXPECT_EQ(load(contents).stepSeconds, 0.4) << contents;
-    EXPECT_EQ(problems.size(), 1U) << contents;
-  }
-}
-
-TEST_F(StandInSettingsTest, NoNumberIsNoTime) {
-  StandInSettings asked;
-  asked.heartbeatSeconds = std::nan("");
-  EXPECT_TRUE(asked.problem());
 }
 
 }  // namespace

@@ -27,7 +27,7 @@ class WorkspaceStoreTest : public StandInFixture {
   }
 
   StandInLog quiet{StandInPaths(paths).logFile(), clock};
-  WorkspaceStore store{paths, clock, quiet};
+  WorkspaceStore store{paths, clock, quiet, firstWorkspace()};
 };
 
 TEST_F(WorkspaceStoreTest, ATestThatPassedIsVerifiedForGood) {

@@ -1,4 +1,4 @@
-#include "corvanectl/json/JsonFault.h"
+#include "CorvaneCore/json/JsonFault.h"
 
 #include <algorithm>
 
@@ -6,7 +6,7 @@
 #include "CorvaneCore/json/JsonSyntaxError.h"
 #include "CorvaneCore/text/Unicode.h"
 
-namespace corvane::ctl {
+namespace corvane {
 
 namespace {
 
@@ -59,4 +59,4 @@ std::string describePlace(std::string_view text, std::size_t offset) {
          std::to_string(countCharacters(before.substr(lineBegin)) + 1);
 }
 
-}  // namespace corvane::ctl
+}  // namespace corvane

@@ -1,12 +1,11 @@
-#include "corvanectl/names/NearestName.h"
+#include "CorvaneCore/text/NearestName.h"
 
 #include <algorithm>
 #include <array>
 
 #include "CorvaneCore/text/Unicode.h"
-#include "corvanectl/terminal/DisplayText.h"
 
-namespace corvane::ctl {
+namespace corvane {
 
 namespace {
 
@@ -75,7 +74,7 @@ std::optional<std::string> nearestName(std::string_view given,
 
 std::string didYouMean(std::string_view given, const std::vector<std::string>& known) {
   const auto nearest = nearestName(given, known);
-  return nearest ? " Did you mean '" + oneLine(*nearest) + "'?" : std::string();
+  return nearest ? " Did you mean '" + escapeControls(toValidUtf8(*nearest)) + "'?" : std::string();
 }
 
-}  // namespace corvane::ctl
+}  // namespace corvane

@@ -1,11 +1,9 @@
-#include "corvanectl/names/NearestName.h"
+#include "CorvaneCore/text/NearestName.h"
 
 #include <gtest/gtest.h>
 
 namespace corvane::testing {
 namespace {
-
-using namespace ctl;
 
 const std::vector<std::string> tests{"Sign in", "Sign out", "Search and filter", "Übersicht"};
 
@@ -36,7 +34,7 @@ TEST(NearestName, FindsNothingElsewhere) {
 }
 
 TEST(NearestName, IsSuggestedOnOneLine) {
-  EXPECT_EQ(didYouMean("ab", {"a\nb"}), " Did you mean 'a b'?");
+  EXPECT_EQ(didYouMean("ab", {"a\nb"}), " Did you mean 'a\\nb'?");
   EXPECT_EQ(didYouMean("Checkout", tests), "");
 }
 

@@ -1,4 +1,4 @@
-#include "corvanectl/json/JsonFault.h"
+#include "CorvaneCore/json/JsonFault.h"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +6,6 @@
 
 namespace corvane::testing {
 namespace {
-
-using namespace ctl;
 
 /// Where reading `text` fails.
 std::string placeIn(std::string_view text) {
