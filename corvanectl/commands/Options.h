@@ -32,6 +32,8 @@ void takeMany(CLI::Option* option, const std::string& name);
 [[nodiscard]] CLI::Validator secondsAbove0();
 [[nodiscard]] CLI::Validator numberFrom0();
 [[nodiscard]] CLI::Validator keyAndValue();
+/// Letters, digits, "-" and "_".
+[[nodiscard]] CLI::Validator plainName();
 
 // CLI11 takes values in brackets and braces for lists. A guard in front of such a value keeps it
 // from that, and every option takes the guard away.
