@@ -13,6 +13,7 @@
 #include "corvanectl/commands/ShowCommand.h"
 #include "corvanectl/commands/StatusCommands.h"
 #include "corvanectl/commands/ToolsCommand.h"
+#include "corvanectl/commands/TryCommand.h"
 #include "corvanectl/commands/WorkspaceCommands.h"
 
 namespace corvane::ctl {
@@ -29,6 +30,7 @@ std::vector<std::unique_ptr<Command>> allCommands() {
   commands.push_back(std::make_unique<ReportCommand>());
   commands.push_back(std::make_unique<RetryCommand>());
   commands.push_back(std::make_unique<CancelCommand>());
+  commands.push_back(std::make_unique<TryCommand>());
   commands.push_back(std::make_unique<SetupCommand>());
   commands.push_back(std::make_unique<DoctorCommand>());
   commands.push_back(std::make_unique<HealthCommand>());

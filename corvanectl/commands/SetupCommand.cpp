@@ -39,14 +39,11 @@ std::vector<const Client*> chosenClients(const std::vector<std::string>& names,
 }
 
 /// The program that clients are to start, as a whole path: an application with a window knows no
-/// PATH of a shell. A name on the PATH that leads to the program outlasts its next version.
+/// PATH of a shell.
 fs::path serverCommand(const std::optional<fs::path>& given) {
   const fs::path server = locateServer(given, executablePath(), searchPath());
-  if (given && !isProgram(*given)) throw UsageError(displayPath(*given) + " is no program");
-  std::error_code unknown;
-  const auto onPath = given ? std::nullopt : findProgram("corvane-mcp", searchPath());
-  const bool isSame = onPath && fs::equivalent(*onPath, server, unknown);
-  return fs::absolute(isSame ? *onPath : server).lexically_normal();
+  if (!isProgram(server)) throw UsageError(displayPath(server) + " is no program");
+  return lastingPath(server, searchPath());
 }
 
 }  // namespace
