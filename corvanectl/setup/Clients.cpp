@@ -74,6 +74,7 @@ std::span<const Client> allClients() {
 
 std::vector<std::string> clientNames() {
   std::vector<std::string> names;
+  names.reserve(clients.size());
   for (const Client& client : clients) names.emplace_back(client.name);
   return names;
 }

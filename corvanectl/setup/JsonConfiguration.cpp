@@ -194,14 +194,15 @@ std::string JsonConfiguration::withMember(const Object& object, const std::strin
 
 std::string JsonConfiguration::withFirstMember(const Object& object, const std::string& member,
                                                const Layout& layout) const {
+  std::string changed = text;
+  if (layout.onOneLine) return changed.insert(object.begin + 1, member);
   // Behind what is noted in the object.
   const std::size_t at = text.find_last_not_of(blanks, object.close - 1) + 1;
   const std::string rest = text.substr(at, object.close - at);
-  std::string changed = text.substr(0, at);
-  if (layout.onOneLine) return changed + member + rest + text.substr(object.close);
-  changed += lineEnd + layout.indent + member;
-  changed += rest.find('\n') == std::string::npos ? lineEnd + layout.outerIndent : rest;
-  return changed + text.substr(object.close);
+  const bool closesOnItsOwnLine = rest.find('\n') != std::string::npos;
+  return changed.replace(at, rest.size(),
+                         lineEnd + layout.indent + member +
+                             (closesOnItsOwnLine ? rest : lineEnd + layout.outerIndent));
 }
 
 std::string JsonConfiguration::withoutMember(const Object& object, const Member& member) const {
@@ -220,8 +221,7 @@ std::string JsonConfiguration::withoutMember(const Object& object, const Member&
 }
 
 std::string JsonConfiguration::indentAt(std::size_t offset) const {
-  std::size_t lineBegin = offset == 0 ? 0 : text.rfind('\n', offset - 1) + 1;
-  if (lineBegin == 0 && text.starts_with(byteOrderMark)) lineBegin = byteOrderMark.size();
+  const std::size_t lineBegin = offset == 0 ? 0 : text.rfind('\n', offset - 1) + 1;
   const std::size_t end = std::min(text.find_first_not_of(" \t", lineBegin), offset);
   return text.substr(lineBegin, end - lineBegin);
 }

@@ -111,6 +111,13 @@ TEST(JsonConfiguration, CommentsAndLastCommasStay) {
             "      \"command\": \"/bin/corvane-mcp\"\n    }\n  }\n}");
 }
 
+// Fails when an entry on one line comes behind a comment that ends with the line.
+TEST(JsonConfiguration, NothingIsPutIntoAComment) {
+  EXPECT_EQ(commented("{\"a\":1,\"mcpServers\":{// none\n}}"),
+            "{\"a\":1,\"mcpServers\":{\"corvane\":{\"command\":\"/bin/corvane-mcp\"}// "
+            "none\n}}");
+}
+
 TEST(JsonConfiguration, AnEntryIsReplaced) {
   EXPECT_EQ(with("{\n  \"mcpServers\": {\n    \"corvane\": {\"command\": \"npx\"}, \"b\": {}\n"
                  "  }\n}"),
@@ -123,6 +130,8 @@ TEST(JsonConfiguration, OfEqualKeysTheLastCounts) {
   EXPECT_EQ(with(R"({"mcpServers":{"a":{}},"mcpServers":{"b":{}}})"),
             R"({"mcpServers":{"a":{}},"mcpServers":{"b":{},)"
             R"("corvane":{"command":"/bin/corvane-mcp"}}})");
+  EXPECT_EQ(with(R"({"mcpServers":{"corvane":{"a":1},"corvane":{"b":2}}})"),
+            R"({"mcpServers":{"corvane":{"a":1},"corvane":{"command":"/bin/corvane-mcp"}}})");
 }
 
 TEST(JsonConfiguration, EntriesAreTakenOut) {

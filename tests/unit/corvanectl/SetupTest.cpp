@@ -13,6 +13,13 @@ namespace {
 namespace fs = std::filesystem;
 using namespace ctl;
 
+/// Where applications with windows keep their configurations.
+#ifdef __APPLE__
+const std::string applications = "Library/Application Support/";
+#else
+const std::string applications = ".config/";
+#endif
+
 /// corvanectl in a home with clients in it. The server is a program called SERVER there.
 class SetupTest : public ::testing::Test {
  protected:
@@ -75,7 +82,7 @@ TEST_F(SetupTest, ClaudeCode) {
 
 TEST_F(SetupTest, ClaudeDesktop) {
   expectChange(
-      "claude-desktop", ".config/Claude/claude_desktop_config.json",
+      "claude-desktop", applications + "Claude/claude_desktop_config.json",
       "{\n  \"mcpServers\": {\n    \"files\": {\n      \"command\": \"npx\"\n    }\n  }\n}",
       "{\n  \"mcpServers\": {\n    \"files\": {\n      \"command\": \"npx\"\n    },\n"
       "    \"corvane\": {\n      \"command\": \"SERVER\"\n    }\n  }\n}");
@@ -88,7 +95,7 @@ TEST_F(SetupTest, Cursor) {
 }
 
 TEST_F(SetupTest, VisualStudioCode) {
-  expectChange("vscode", ".config/Code/User/mcp.json",
+  expectChange("vscode", applications + "Code/User/mcp.json",
                "{\n\t// mine\n\t\"servers\": {\n\t\t\"a\": {}, // a\n\t},\n\t\"inputs\": []\n}\n",
                "{\n\t// mine\n\t\"servers\": {\n\t\t\"a\": {}, // a\n\t\t\"corvane\": {\n"
                "\t\t\t\"type\": \"stdio\",\n\t\t\t\"command\": \"SERVER\"\n\t\t},\n\t},\n"

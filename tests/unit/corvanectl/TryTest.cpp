@@ -93,6 +93,15 @@ TEST_F(TryTest, LeavesTheUsersFoldersAlone) {
   resetWorldMap(trial());
   EXPECT_EQ(home.run({"try", "--stop", "--reset"}).status, 0);
   EXPECT_EQ(home.home().entries(), before);
+
+  const fs::path data = home.home().path() / "data";
+  fs::create_directories(data);
+  auto environment = home.environment();
+  environment.push_back("XDG_DATA_HOME=" + data.string());
+  EXPECT_EQ(runCorvanectl({"try"}, {}, environment).status, 0);
+  EXPECT_EQ(listVisible(data), std::vector{data / "CorvaneTrial"});
+  EXPECT_EQ(runCorvanectl({"try", "--stop", "--reset"}, {}, environment).status, 0);
+  EXPECT_TRUE(listVisible(data).empty());
 }
 
 TEST_F(TryTest, StoppingLeavesNothingRunningAndKeepsTheWorkspace) {
