@@ -27,6 +27,10 @@ add_library(corvane_pugixml INTERFACE)
 target_include_directories(corvane_pugixml SYSTEM INTERFACE ${PUGIXML_INCLUDE_DIR})
 target_link_libraries(corvane_pugixml INTERFACE ${PUGIXML_LIBRARY})
 
+find_path(TOMLPLUSPLUS_INCLUDE_DIR toml++/toml.h REQUIRED)
+add_library(corvane_tomlplusplus INTERFACE)
+target_include_directories(corvane_tomlplusplus SYSTEM INTERFACE ${TOMLPLUSPLUS_INCLUDE_DIR})
+
 # Linked statically where the system offers it: a shared library costs time at every start.
 find_path(UTF8PROC_INCLUDE_DIR utf8proc.h REQUIRED)
 find_library(UTF8PROC_LIBRARY NAMES libutf8proc.a utf8proc REQUIRED)

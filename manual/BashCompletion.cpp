@@ -52,7 +52,7 @@ std::string bashCompletion(const ProgramManual& program) {
   text += "  COMPREPLY=()\n  if [[ $cur == -* ]]; then\n    kind=OPTION\n  fi\n  case $kind in\n";
   text += "    OPTION) COMPREPLY=($(compgen -W \"$options\" -- \"$cur\")) ;;\n";
   text += "    COMMAND) COMPREPLY=($(compgen -W '" + commandNames(program) + "' -- \"$cur\")) ;;\n";
-  for (const char* kind : {"PROJECT", "TEST", "SUITE", "REQUEST_ID", "TOOL"}) {
+  for (const char* kind : {"PROJECT", "TEST", "SUITE", "REQUEST_ID", "TOOL", "CLIENT"}) {
     text += "    " + std::string(kind) + ") " + function + "_offer \"$cur\" < <(" + name + " " +
             listingOf(kind) + " 2>/dev/null) ;;\n";
   }

@@ -61,6 +61,7 @@ std::string listingOf(std::string_view kind) {
   if (kind == "SUITE") return "names suites \"$project\"";
   if (kind == "REQUEST_ID") return "names requests";
   if (kind == "TOOL") return "names tools";
+  if (kind == "CLIENT") return "names clients";
   return {};
 }
 

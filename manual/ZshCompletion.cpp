@@ -44,7 +44,7 @@ std::string zshCompletion(const ProgramManual& program) {
     text += " " + described(command.name, command.description);
   }
   text += ")\n      _describe command candidates\n      ;;\n";
-  for (const char* kind : {"PROJECT", "TEST", "SUITE", "REQUEST_ID", "TOOL"}) {
+  for (const char* kind : {"PROJECT", "TEST", "SUITE", "REQUEST_ID", "TOOL", "CLIENT"}) {
     text += "    " + std::string(kind) + ") candidates=(\"${(@f)$(" + name + " " + listingOf(kind) +
             " 2>/dev/null)}\") && compadd -a candidates ;;\n";
   }

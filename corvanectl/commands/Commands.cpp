@@ -9,9 +9,11 @@
 #include "corvanectl/commands/ReportCommand.h"
 #include "corvanectl/commands/RetryCommand.h"
 #include "corvanectl/commands/RunCommand.h"
+#include "corvanectl/commands/SetupCommand.h"
 #include "corvanectl/commands/ShowCommand.h"
 #include "corvanectl/commands/StatusCommands.h"
 #include "corvanectl/commands/ToolsCommand.h"
+#include "corvanectl/commands/TryCommand.h"
 #include "corvanectl/commands/WorkspaceCommands.h"
 
 namespace corvane::ctl {
@@ -28,6 +30,8 @@ std::vector<std::unique_ptr<Command>> allCommands() {
   commands.push_back(std::make_unique<ReportCommand>());
   commands.push_back(std::make_unique<RetryCommand>());
   commands.push_back(std::make_unique<CancelCommand>());
+  commands.push_back(std::make_unique<TryCommand>());
+  commands.push_back(std::make_unique<SetupCommand>());
   commands.push_back(std::make_unique<DoctorCommand>());
   commands.push_back(std::make_unique<HealthCommand>());
   commands.push_back(std::make_unique<ToolsCommand>());

@@ -4,6 +4,7 @@
 #include "corvanectl/answers/RequestIds.h"
 #include "corvanectl/answers/StatusAnswer.h"
 #include "corvanectl/commands/Options.h"
+#include "corvanectl/setup/Clients.h"
 
 namespace corvane::ctl {
 
@@ -45,28 +46,28 @@ Command::About NamesCommand::about() const {
 }
 
 void NamesCommand::addOptions(CLI::App& app) {
-  app.add_option("KIND", kind, "projects, tests, suites, requests or tools")
+  app.add_option("KIND", kind, "projects, tests, suites, requests, tools or clients")
       ->required()
-      ->check(CLI::IsMember({"projects", "tests", "suites", "requests", "tools"}).description(""));
+      ->check(CLI::IsMember({"projects", "tests", "suites", "requests", "tools", "clients"})
+                  .description(""));
   app.add_option("PROJECT", project, "Whose tests or suites (default: the open project's)");
 }
 
-ExitStatus NamesCommand::execute(CommandContext& context) const {
+Names NamesCommand::list(CommandContext& context) const {
+  if (kind == "clients") return clientNames();
   Session session(context);
-  Names names;
-  if (kind == "requests") {
-    names = requestIds(session);
-  } else if (kind == "tools") {
-    names = toolNames(session);
-  } else {
-    const bool named = project && !project->empty();
-    const ProjectAnswer answer = askProject(session, named ? project : std::nullopt);
-    if (kind == "projects") names = answer.projectNames();
-    if (kind == "tests" && answer.project) names = namesOf(answer.project->tests);
-    if (kind == "suites" && answer.project) names = namesOf(answer.project->suites);
-  }
+  if (kind == "requests") return requestIds(session);
+  if (kind == "tools") return toolNames(session);
+  const bool named = project && !project->empty();
+  const ProjectAnswer answer = askProject(session, named ? project : std::nullopt);
+  if (kind == "projects") return answer.projectNames();
+  if (!answer.project) return {};
+  return kind == "tests" ? namesOf(answer.project->tests) : namesOf(answer.project->suites);
+}
+
+ExitStatus NamesCommand::execute(CommandContext& context) const {
   std::string text;
-  for (const auto& name : names) {
+  for (const auto& name : list(context)) {
     // What does not fit on a line cannot be completed.
     if (name.find('\n') == std::string::npos) text += name + "\n";
   }

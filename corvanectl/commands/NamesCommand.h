@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "corvanectl/commands/Command.h"
 
@@ -17,6 +18,9 @@ class NamesCommand final : public Command {
   std::string kind;
   /// Nothing or an empty name for the open one.
   std::optional<std::string> project;
+
+ private:
+  [[nodiscard]] std::vector<std::string> list(CommandContext& context) const;
 };
 
 }  // namespace corvane::ctl

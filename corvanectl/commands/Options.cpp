@@ -129,6 +129,14 @@ CLI::Validator keyAndValue() {
   });
 }
 
+CLI::Validator plainName() {
+  return expecting("letters, digits, - and _", [](const std::string& value) {
+    constexpr std::string_view allowed =
+        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-_";
+    return !value.empty() && value.find_first_not_of(allowed) == std::string::npos;
+  });
+}
+
 std::string withGuard(std::string word) {
   const std::size_t equals = word.starts_with("--") ? word.find('=') : std::string::npos;
   const std::size_t begin = equals == std::string::npos ? 0 : equals + 1;

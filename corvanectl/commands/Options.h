@@ -38,6 +38,8 @@ void takeMany(CLI::Option* option, const std::string& name);
 [[nodiscard]] CLI::Validator named(std::string what);
 /// One of these, in any case; the option takes it as it stands here.
 [[nodiscard]] CLI::Validator oneOf(std::vector<std::string> words);
+/// Letters, digits, "-" and "_".
+[[nodiscard]] CLI::Validator plainName();
 
 // CLI11 takes values in brackets and braces for lists. A guard in front of such a value keeps it
 // from that, and every option takes the guard away.

@@ -4,10 +4,10 @@
 
 #include "CorvaneCore/json/JsonWriter.h"
 #include "CorvaneCore/json/LenientReading.h"
+#include "CorvaneCore/text/NearestName.h"
 #include "corvane_mcp/protocol/McpRecords.h"
 #include "corvanectl/commands/Options.h"
 #include "corvanectl/commands/Session.h"
-#include "corvanectl/names/NearestName.h"
 #include "corvanectl/terminal/DisplayText.h"
 
 namespace corvane::ctl {

@@ -26,7 +26,7 @@ Finding checkApp(const HealthAnswer& places) {
   constexpr auto check = "app";
   if (places.app) return well(check, "Corvane.app is " + displayPath(*places.app));
   return wrong(check, "Corvane.app is in none of the places where the server looks",
-               commandToStart(places));
+               commandToStart(places) + "   or, to try it without: corvanectl try");
 }
 
 Finding checkRunningApp(Session& session, const HealthAnswer& places) {

@@ -33,8 +33,10 @@ class Streams {
   ~Streams() { ::posix_spawn_file_actions_destroy(&actions); }
 
   void use(int file, int as) { ::posix_spawn_file_actions_adddup2(&actions, file, as); }
-  void silence(int stream, int mode) {
-    ::posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", mode, 0);
+  void silence(int stream, int mode) { open(stream, "/dev/null", mode); }
+  void open(int stream, const fs::path& file, int mode) {
+    ::posix_spawn_file_actions_addopen(&actions, stream, file.c_str(), mode,
+                                       fileMode(Access::userOnly));
   }
   [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &actions; }
 
@@ -42,7 +44,7 @@ class Streams {
   posix_spawn_file_actions_t actions{};
 };
 
-enum class ProcessGroup { shared, own };
+enum class ProcessGroup { shared, own, ownSession };
 
 class Attributes {
  public:
@@ -54,6 +56,7 @@ class Attributes {
     ::posix_spawnattr_setsigdefault(&attributes, &defaults);
     int flags = POSIX_SPAWN_SETSIGDEF;
     if (group == ProcessGroup::own) flags |= POSIX_SPAWN_SETPGROUP;
+    if (group == ProcessGroup::ownSession) flags |= POSIX_SPAWN_SETSID;
     ::posix_spawnattr_setflags(&attributes, static_cast<short>(flags));
   }
   Attributes(const Attributes&) = delete;
@@ -116,6 +119,13 @@ std::optional<fs::path> findProgram(std::string_view name, std::string_view sear
   return std::nullopt;
 }
 
+fs::path lastingPath(const fs::path& program, std::string_view searchPath) {
+  std::error_code unseen;
+  const auto named = findProgram(program.filename().native(), searchPath);
+  const bool isSame = named && named->is_absolute() && fs::equivalent(*named, program, unseen);
+  return isSame ? *named : fs::absolute(program).lexically_normal();
+}
+
 ChildProcess ChildProcess::startPiped(const fs::path& program) {
   Pipe input = makePipe();
   Pipe output = makePipe();
@@ -139,6 +149,15 @@ ChildProcess ChildProcess::startShowing(const fs::path& program, std::vector<std
   streams.silence(STDIN_FILENO, O_RDONLY);
   streams.silence(STDERR_FILENO, O_WRONLY);
   return ChildProcess(spawn(program, std::move(arguments), streams, ProcessGroup::shared));
+}
+
+ChildProcess ChildProcess::startAlone(const fs::path& program, std::vector<std::string> arguments,
+                                      const std::optional<fs::path>& errors) {
+  Streams streams;
+  streams.silence(STDIN_FILENO, O_RDONLY);
+  streams.silence(STDOUT_FILENO, O_WRONLY);
+  if (errors) streams.open(STDERR_FILENO, *errors, O_WRONLY | O_CREAT | O_TRUNC);
+  return ChildProcess(spawn(program, std::move(arguments), streams, ProcessGroup::ownSession));
 }
 
 ChildProcess::ChildProcess(ChildProcess&& other) noexcept

@@ -39,6 +39,11 @@ void setNonBlocking(const FileDescriptor& file);
 [[nodiscard]] std::optional<std::filesystem::path> findProgram(std::string_view name,
                                                                std::string_view searchPath);
 
+/// A path to `program` that outlasts its next version: the name on `searchPath` that leads to it,
+/// else the path itself.
+[[nodiscard]] std::filesystem::path lastingPath(const std::filesystem::path& program,
+                                                std::string_view searchPath);
+
 /// A program that was started. One that still runs at the end of the object's life is killed; no
 /// zombie is left.
 class ChildProcess {
@@ -54,12 +59,23 @@ class ChildProcess {
   [[nodiscard]] static ChildProcess startShowing(const std::filesystem::path& program,
                                                  std::vector<std::string> arguments, int output);
 
+  /// Starts a program in a session of its own, fit to go on when this one has ended. It has neither
+  /// input nor output; its errors go where this program's do or, where a file is given, replace
+  /// what is in there. Throws std::system_error when it cannot be started.
+  [[nodiscard]] static ChildProcess startAlone(
+      const std::filesystem::path& program, std::vector<std::string> arguments,
+      const std::optional<std::filesystem::path>& errors = std::nullopt);
+
   ChildProcess(ChildProcess&& other) noexcept;
   ChildProcess& operator=(ChildProcess&&) = delete;
   ~ChildProcess();
 
   /// Whether the program has ended, without waiting for it.
   [[nodiscard]] bool hasEnded();
+  /// Whether it ended by itself with status 0; only for one that has ended.
+  [[nodiscard]] bool endedWell() const { return endStatus == 0; }
+  /// Lets the program go on by itself.
+  void letGo() { id = 0; }
   /// Sends a signal, to the program itself and not to what it may have started.
   void signal(int number) const;
   /// Whether a signal ended it; only for one that has ended.

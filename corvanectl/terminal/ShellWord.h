@@ -12,4 +12,13 @@ namespace corvane::ctl {
   return word + "'";
 }
 
+/// The same for people to read: without quotes where none are needed.
+[[nodiscard]] inline std::string typedWord(std::string_view text) {
+  constexpr std::string_view harmless =
+      "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789/._-+:@";
+  const bool isHarmless =
+      !text.empty() && text.find_first_not_of(harmless) == std::string_view::npos;
+  return isHarmless ? std::string(text) : shellWord(text);
+}
+
 }  // namespace corvane::ctl

@@ -63,6 +63,7 @@ TEST_F(CompletionTest, BashCompletesCommandsAndOptions) {
   EXPECT_EQ(inBash({"--log", "--timeout", "3", "doc"}), "doctor\n");
   EXPECT_EQ(inBash({"help", "ret"}), "retry\n");
   EXPECT_EQ(inBash({"call", "desc"}), "describe_project\n");
+  EXPECT_EQ(inBash({"setup", "cu"}), "cursor\n");
 }
 
 // Fails when names are not fit to stand on the line, or another project's are offered.

@@ -29,7 +29,7 @@ void redirect(int stream, const std::filesystem::path& file, int flags) {
 }  // namespace
 
 ProgramRun runCorvanectl(const std::vector<std::string>& arguments, std::string_view input,
-                         std::vector<std::string> environment) {
+                         std::vector<std::string> environment, const std::string& program) {
   const TemporaryDirectory directory;
   const auto inputFile = directory.path() / "input";
   const auto outputFile = directory.path() / "output";
@@ -40,7 +40,7 @@ ProgramRun runCorvanectl(const std::vector<std::string>& arguments, std::string_
     redirect(STDIN_FILENO, inputFile, O_RDONLY);
     redirect(STDOUT_FILENO, outputFile, O_WRONLY | O_CREAT);
     redirect(STDERR_FILENO, errorsFile, O_WRONLY | O_CREAT);
-    becomeCorvanectl(arguments, std::move(environment));
+    becomeCorvanectl(arguments, std::move(environment), program);
   }
   const int status = waitForStatus(child);
   constexpr std::size_t largestOutput = std::size_t{1} << 30;
@@ -61,8 +61,8 @@ int waitForStatus(int processId) {
 }
 
 void becomeCorvanectl(const std::vector<std::string>& arguments,
-                      std::vector<std::string> environment) {
-  std::vector<std::string> words{CORVANECTL_PROGRAM};
+                      std::vector<std::string> environment, const std::string& program) {
+  std::vector<std::string> words{program};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> pointers;
   pointers.reserve(words.size() + 1);

@@ -17,10 +17,11 @@ struct ProgramRun {
 };
 
 /// Runs the program to its end, with `input` as its standard input. `environment` holds NAME=value;
-/// without any the program gets this one's.
+/// without any the program gets this one's. `program` is the built one, or a copy of it.
 [[nodiscard]] ProgramRun runCorvanectl(const std::vector<std::string>& arguments,
                                        std::string_view input = {},
-                                       std::vector<std::string> environment = {});
+                                       std::vector<std::string> environment = {},
+                                       const std::string& program = CORVANECTL_PROGRAM);
 
 /// The same with the fake server as its server.
 [[nodiscard]] ProgramRun runWithFakeServer(std::vector<std::string> arguments,
@@ -31,7 +32,8 @@ struct ProgramRun {
 
 /// Replaces the calling process, a freshly forked one, by the program.
 [[noreturn]] void becomeCorvanectl(const std::vector<std::string>& arguments,
-                                   std::vector<std::string> environment = {});
+                                   std::vector<std::string> environment = {},
+                                   const std::string& program = CORVANECTL_PROGRAM);
 
 /// A terminal whose keyboard and screen are in the test's hands.
 class Pseudoterminal {

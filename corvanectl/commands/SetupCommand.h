@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "corvanectl/commands/Command.h"
+
+namespace corvane::ctl {
+
+/// Tells the MCP clients of this user of the server, in their configuration files.
+class SetupCommand final : public Command {
+ public:
+  [[nodiscard]] About about() const override;
+  void addOptions(CLI::App& app) override;
+  [[nodiscard]] ExitStatus execute(CommandContext& context) const override;
+
+  /// Without any all that are found.
+  std::vector<std::string> clients;
+  /// What the clients are to call the server.
+  std::string name = "corvane";
+  bool remove = false;
+  bool printOnly = false;
+};
+
+}  // namespace corvane::ctl
