@@ -8,7 +8,7 @@ install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL
 foreach(folder corvane_standin tests/sessions)
   install(FILES ${folder}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/${folder})
 endforeach()
-install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} OPTIONAL
+install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR}
   PATTERN node_modules EXCLUDE
   PATTERN __pycache__ EXCLUDE)
 
