@@ -17,6 +17,8 @@ test('the packages install beside nothing but what they name, work, and leave no
   const before = new Set(root.list());
   root.dpkg('--install', server, standIn);
   use(root, '/usr/bin/corvane-mcp', '/usr/bin/corvanectl');
+  const trial = root.run('/usr/bin/corvanectl', 'try');
+  assert.equal(trial.status, 0, trial.stdout + trial.stderr);
   root.dpkg('--remove', 'corvane-mcp', 'corvane-mcp-standin');
   // What the programs have written is the user's, and fontconfig notes the fonts.
   const notOurs = /^\.\/(home|tmp|var\/cache\/fontconfig)/;
