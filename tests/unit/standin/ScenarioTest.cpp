@@ -147,6 +147,11 @@ TEST_F(ScenarioTest, AProgramThatHangsDoesNothingAnyMore) {
   EXPECT_EQ(readStamp(resultFile(waiting)), waitingStamp);
   EXPECT_EQ(readStamp(paths.agentActivityFile()), activityStamp);
   EXPECT_TRUE(lies(late));
+  // It does not even look at what it was doing, which it would tell again.
+  const auto lines = TestFiles::read(StandInPaths(paths).logFile());
+  const std::string told = "doing nothing any more, as an outcome asks for";
+  EXPECT_EQ(lines.find(told), lines.rfind(told));
+  EXPECT_NE(lines.find(told), std::string::npos);
   // The next life settles what this one left behind.
   start();
   EXPECT_EQ(status(hung), "error");
