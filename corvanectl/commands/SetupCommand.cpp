@@ -67,6 +67,11 @@ void SetupCommand::addOptions(CLI::App& app) {
   app.add_flag("--print", printOnly, "Show what would be changed, and change nothing");
 }
 
+std::string SetupCommand::told(const ConfigurationChange& change) const {
+  if (!change.isNone()) return "\n" + changedLines(change);
+  return remove ? " does not name '" + name + "'\n" : " names '" + name + "' already\n";
+}
+
 ExitStatus SetupCommand::execute(CommandContext& context) const {
   const ClientFolders folders = ClientFolders::current();
   const auto chosen = chosenClients(clients, folders);
@@ -88,15 +93,8 @@ ExitStatus SetupCommand::execute(CommandContext& context) const {
     try {
       const ConfigurationFile file(*client, path, name);
       const ConfigurationChange change = remove ? file.removal() : file.addition(command);
-      if (change.isNone()) {
-        context.console.print(std::string(client->title) + ": " + shown +
-                              (remove ? " does not name '" : " names '") + name +
-                              (remove ? "'\n" : "' already\n"));
-        continue;
-      }
-      context.console.print(std::string(client->title) + ": " + shown + "\n" +
-                            changedLines(change));
-      if (printOnly) continue;
+      context.console.print(std::string(client->title) + ": " + shown + told(change));
+      if (printOnly || change.isNone()) continue;
       carryOut(change);
       hasChanged = true;
       if (change.backup) {

@@ -7,6 +7,8 @@
 
 namespace corvane::ctl {
 
+struct ConfigurationChange;
+
 /// Tells the MCP clients of this user of the server, in their configuration files.
 class SetupCommand final : public Command {
  public:
@@ -20,6 +22,10 @@ class SetupCommand final : public Command {
   std::string name = "corvane";
   bool remove = false;
   bool printOnly = false;
+
+ private:
+  /// What becomes of a file, behind its name.
+  [[nodiscard]] std::string told(const ConfigurationChange& change) const;
 };
 
 }  // namespace corvane::ctl

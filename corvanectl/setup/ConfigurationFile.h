@@ -36,7 +36,7 @@ class ConfigurationFile {
   [[nodiscard]] ConfigurationChange removal() const;
 
  private:
-  [[nodiscard]] std::unique_ptr<Configuration> read(std::string text) const;
+  [[nodiscard]] std::unique_ptr<Configuration> read(std::string content) const;
   /// Whether the backup is the file as it was before the entry that is in it was put in.
   [[nodiscard]] bool backupIsWithoutEntry() const;
 

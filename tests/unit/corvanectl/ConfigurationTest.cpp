@@ -201,6 +201,13 @@ TEST(TomlConfiguration, TheTableComesLast) {
             "tool_timeout_sec = 300\r\n");
 }
 
+TEST(TomlConfiguration, StringsAndCommentsHoldWhatTheyLike) {
+  const std::string text =
+      "a = \"\u00e9\\\"\u00e9\" # \u00e9\nb = '\u00e9\\'\nc = \"\"\"\n\u00e9\"\"\"\"\"\n"
+      "'\u00e9' = '''\u00e9'\n\u00e9'''\n";
+  EXPECT_EQ(withToml(text), text + "\n" + block);
+}
+
 TEST(TomlConfiguration, ATableIsReplacedWithTheTablesInIt) {
   EXPECT_EQ(
       withToml("a = 1\n[mcp_servers.corvane]\ncommand = 'npx'\nargs = [\n  'corvane-mcp',\n]\n"
@@ -228,6 +235,8 @@ TEST(TomlConfiguration, TellsWhatItSays) {
 // Fails when a table that stands elsewhere goes with the entry.
 TEST(TomlConfiguration, WhatCannotBeChangedIsRefusedWithItsPlace) {
   EXPECT_EQ(fault("a = 1\nb = \n", Format::toml).substr(0, 32), "line 2, column 5: not valid TOML");
+  EXPECT_EQ(fault("a = 1\n\u00e9 = 1\n", Format::toml).substr(0, 17), "line 2, column 1:");
+  EXPECT_EQ(fault("a = 1\n\n[=]\nb = 2\n", Format::toml), "line 3, column 1: not valid TOML");
   EXPECT_EQ(fault("mcp_servers = {b = {command = 'x'}}", Format::toml),
             "line 1, column 15: 'mcp_servers' is no table of tables");
   EXPECT_EQ(fault("[mcp_servers]\ncorvane = {command = 'x'}", Format::toml),
