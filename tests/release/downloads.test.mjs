@@ -37,13 +37,14 @@ function release(folder, environment) {
   return new Promise((resolve) => child.on('close', (status) => resolve({ status, said })));
 }
 
-// Would pass a broken build off as somebody else's trouble, or the other way round: any other status.
+// Fails when the status is that of a broken build.
 test('a registry of npm that cannot be reached', async (t) => {
   const { status, said } = await release(tree(t), { npm_config_registry: nobody });
   assert.match(said, /^release: the compiler cannot be fetched now, as its registry cannot be reached$/m);
   assert.equal(status, 69);
 });
 
+// Fails when everything that npm says against a download passes for a registry out of reach.
 test('a registry of npm that lacks the compiler', async (t) => {
   const server = createServer((_, response) => response.writeHead(404).end('{}')).listen(0, '127.0.0.1');
   t.after(() => server.close());
@@ -53,6 +54,7 @@ test('a registry of npm that lacks the compiler', async (t) => {
   assert.equal(status, 1);
 });
 
+// Fails when the hash is not looked at.
 test('a download that is not the one that is listed', async (t) => {
   const folder = tree(t);
   const download = join(folder, 'cache/downloads', `${package_.split('/').at(-1)}-${version}`);
