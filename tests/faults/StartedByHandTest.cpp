@@ -15,9 +15,10 @@ class StartedByHandTest : public FaultTest {
  protected:
   /// What the program prints with this argument, and then how it ended.
   [[nodiscard]] std::string answerTo(const std::string& argument) const {
-    const std::string line = "HOME='" + home.path().string() + "' '" + program().string() + "' " +
-                             argument + " </dev/null 2>&1; echo \"status $?\"";
-    return shellOutput(line);
+    std::string line = "env";
+    for (const auto& variable : homeVariables(home.path())) line += " '" + variable + "'";
+    return shellOutput(line + " '" + program().string() + "' " + argument +
+                       " </dev/null 2>&1; echo \"status $?\"");
   }
 };
 

@@ -1,9 +1,12 @@
 // Finished requests in a private home, and the reports that the built program writes on them.
-import { execFile } from 'node:child_process';
+import { execFile, execFileSync } from 'node:child_process';
 import { mkdirSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join, resolve } from 'node:path';
+import { platform } from 'node:process';
 import { deflateSync } from 'node:zlib';
+
+import { environmentOf, supportIn } from '../support/home.mjs';
 
 const server = join(resolve(process.env.CORVANE_BIN ?? 'build/release/bin'), 'corvane-mcp');
 const program = join(resolve(process.env.CORVANE_CTL_BIN ?? 'build/release/bin'), 'corvanectl');
@@ -98,6 +101,15 @@ function screen(seed) {
   ]);
 }
 
+/** The most memory that a process has held so far, in bytes; on macOS what it holds now. */
+function memoryOf(process) {
+  const kilobytes =
+    platform === 'darwin'
+      ? execFileSync('ps', ['-o', 'rss=', '-p', `${process}`], { encoding: 'utf8' })
+      : /VmHWM:\s+(\d+)/.exec(readFileSync(`/proc/${process}/status`, 'utf8'))?.[1];
+  return Number(kilobytes ?? 0) * 1024;
+}
+
 export class Home {
   /** A home that is gone after test `t`. */
   constructor(t) {
@@ -126,7 +138,7 @@ export class Home {
 
   /** Puts a result where the server finds it. */
   finish(result) {
-    const results = join(this.folder, '.local', 'share', 'Corvane', 'AgentResults');
+    const results = join(supportIn(this.folder), 'AgentResults');
     mkdirSync(results, { recursive: true });
     writeFileSync(join(results, `${requestId}.json`), JSON.stringify(result));
   }
@@ -139,15 +151,14 @@ export class Home {
     this.finish(result);
     const file = join(this.folder, `report.${form}`);
     const child = execFile(program, ['--server', server, 'report', requestId, `--${form}`, file], {
-      env: { PATH: process.env.PATH, HOME: this.folder, ASAN_OPTIONS: 'quarantine_size_mb=1' },
+      env: { ...environmentOf(this.folder), ASAN_OPTIONS: 'quarantine_size_mb=1' },
     });
     let peak = 0;
     const watch = setInterval(() => {
       try {
-        const status = readFileSync(`/proc/${child.pid}/status`, 'utf8');
-        peak = Math.max(peak, Number(/VmHWM:\s+(\d+)/.exec(status)?.[1] ?? 0) * 1024);
+        peak = Math.max(peak, memoryOf(child.pid));
       } catch {
-        // It has ended, or the system does not tell.
+        // It has ended.
       }
     }, 50);
     let errors = '';

@@ -16,6 +16,7 @@
 #include <system_error>
 
 #include "tests/support/Pipe.h"
+#include "tests/support/Preload.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/Timeout.h"
 
@@ -24,13 +25,6 @@ extern char** environ;
 namespace corvane::testing {
 
 namespace {
-
-/// What names libraries that a program is to load before its own.
-#ifdef __APPLE__
-constexpr const char* preloadVariable = "DYLD_INSERT_LIBRARIES";
-#else
-constexpr const char* preloadVariable = "LD_PRELOAD";
-#endif
 
 /// The environment of this process with a home of the test's own, and without a look at other
 /// homes' processes.

@@ -16,6 +16,7 @@
 #include "CorvaneCore/results/AgentRunResult.h"
 #include "CorvaneCore/results/AnswerTexts.h"
 #include "ProgramRun.h"
+#include "tests/support/Preload.h"
 #include "tests/support/TemporaryHome.h"
 #include "tests/support/TestFiles.h"
 #include "tests/support/Timeout.h"
@@ -30,20 +31,21 @@ class AppRunsTest : public ::testing::Test {
  protected:
   AppRunsTest() {
     ::setenv("HOME", home.path().c_str(), 1);
+    ::setenv("CFFIXED_USER_HOME", home.path().c_str(), 1);
     ::unsetenv("XDG_DATA_HOME");
-    ::setenv("LD_PRELOAD", CORVANE_OWN_PROCESSES, 1);
+    ::setenv(preloadVariable, CORVANE_OWN_PROCESSES, 1);
     // The sanitizer wants to be loaded first, but does not need to be.
     ::setenv("ASAN_OPTIONS", "verify_asan_link_order=0:detect_leaks=0", 1);
     ::setenv("PATH", "/usr/bin:/bin", 1);
   }
   ~AppRunsTest() override {
     if (fileExists(program())) control("--quit");
-    ::unsetenv("LD_PRELOAD");
+    ::unsetenv(preloadVariable);
   }
 
   /// Installs an app whose tests turn out as `outcomes`, members of a JSON object, say.
   void install(const std::string& outcomes = {}) {
-    TestFiles::write(home.paths().applicationSupport() / "StandIn" / "settings.json",
+    TestFiles::write(home.programPaths().applicationSupport() / "StandIn" / "settings.json",
                      R"({"stepSeconds":0.05,"buildSeconds":0.05,"coldStartSeconds":0,)"
                      R"("captures":false,"outcomes":{)" +
                          outcomes + "}}");
@@ -104,7 +106,7 @@ class AppRunsTest : public ::testing::Test {
   [[nodiscard]] fs::path resultOnce(const std::string& status) const {
     fs::path file;
     waitUntil("the request is " + status, [&] {
-      const auto files = listVisible(home.paths().agentResultsDirectory());
+      const auto files = listVisible(home.programPaths().agentResultsDirectory());
       if (files.size() != 1) return false;
       file = files.front();
       try {

@@ -15,6 +15,8 @@
 #include "CorvaneCore/files/Files.h"
 #include "FakeServerScript.h"
 
+extern char** environ;
+
 namespace corvane::testing {
 
 namespace {
@@ -24,6 +26,14 @@ void redirect(int stream, const std::filesystem::path& file, int flags) {
   if (descriptor < 0) ::_exit(127);
   ::dup2(descriptor, stream);
   ::close(descriptor);
+}
+
+std::vector<char*> pointersTo(std::vector<std::string>& texts) {
+  std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
+  for (auto& text : texts) pointers.push_back(text.data());
+  pointers.push_back(nullptr);
+  return pointers;
 }
 
 }  // namespace
@@ -64,15 +74,9 @@ void becomeCorvanectl(const std::vector<std::string>& arguments,
                       std::vector<std::string> environment, const std::string& program) {
   std::vector<std::string> words{program};
   words.insert(words.end(), arguments.begin(), arguments.end());
-  std::vector<char*> pointers;
-  pointers.reserve(words.size() + 1);
-  for (auto& word : words) pointers.push_back(word.data());
-  pointers.push_back(nullptr);
-  if (!environment.empty()) {
-    ::clearenv();
-    for (auto& variable : environment) ::putenv(variable.data());
-  }
-  ::execv(pointers.front(), pointers.data());
+  const auto pointers = pointersTo(words);
+  const auto variables = pointersTo(environment);
+  ::execve(CORVANECTL_PROGRAM, pointers.data(), environment.empty() ? environ : variables.data());
   ::_exit(127);
 }
 

@@ -11,6 +11,7 @@
 
 #include "CorvaneCore/files/Files.h"
 #include "CorvaneCore/results/AnswerTexts.h"
+#include "tests/support/Preload.h"
 
 namespace corvane::testing {
 
@@ -42,7 +43,7 @@ pid_t start(std::vector<std::string> words, std::vector<std::string> environment
 }  // namespace
 
 StandInHome::StandInHome(const std::string& outcomes) {
-  const fs::path support = folder.paths().applicationSupport();
+  const fs::path support = paths().applicationSupport();
   writeFileWhole(support / "StandIn" / "settings.json",
                  R"({"stepSeconds":0.01,"buildSeconds":0.01,"coldStartSeconds":0,)"
                  R"("heartbeatSeconds":1,"captures":false,"outcomes":)" +
@@ -56,11 +57,9 @@ StandInHome::~StandInHome() {
 }
 
 std::vector<std::string> StandInHome::environment() const {
-  std::vector<std::string> variables{"HOME=" + folder.path().string(), "PATH=/usr/bin:/bin",
-                                     "LANG=C.UTF-8"};
-  if (*OWN_PROCESSES_LIBRARY != '\0') {
-    variables.emplace_back("LD_PRELOAD=" OWN_PROCESSES_LIBRARY);
-  }
+  auto variables = homeVariables(folder.path());
+  variables.insert(variables.end(), {"PATH=/usr/bin:/bin", "LANG=C.UTF-8",
+                                     std::string(preloadVariable) + "=" OWN_PROCESSES_LIBRARY});
   return variables;
 }
 

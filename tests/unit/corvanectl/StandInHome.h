@@ -20,7 +20,7 @@ class StandInHome {
   ~StandInHome();
 
   [[nodiscard]] const TemporaryHome& home() const { return folder; }
-  [[nodiscard]] AgentPaths paths() const { return folder.paths(); }
+  [[nodiscard]] AgentPaths paths() const { return folder.programPaths(); }
 
   /// Runs corvanectl in this home.
   [[nodiscard]] ProgramRun run(const std::vector<std::string>& arguments) const;
