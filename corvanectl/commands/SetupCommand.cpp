@@ -30,6 +30,7 @@ const Client& clientNamed(const std::string& name) {
 std::vector<const Client*> chosenClients(const std::vector<std::string>& names,
                                          const ClientFolders& folders) {
   std::vector<const Client*> chosen;
+  chosen.reserve(names.size());
   for (const auto& name : names) chosen.push_back(&clientNamed(name));
   if (!names.empty()) return chosen;
   for (const Client& client : allClients()) {

@@ -41,7 +41,7 @@ class Configuration {
 
   /// The entry as it is written; nothing when there is none.
   [[nodiscard]] virtual std::optional<std::string> entry() const = 0;
-  /// The entry's value; nothing when there is none.
+  /// The entry's value, as far as `says` asks for it; nothing when there is none.
   [[nodiscard]] virtual std::optional<AnyCodable> value() const = 0;
   /// How `entry` would be written here.
   [[nodiscard]] virtual std::string written(const ServerEntry& entry) const = 0;
