@@ -76,7 +76,7 @@ void becomeCorvanectl(const std::vector<std::string>& arguments,
   words.insert(words.end(), arguments.begin(), arguments.end());
   const auto pointers = pointersTo(words);
   const auto variables = pointersTo(environment);
-  ::execve(CORVANECTL_PROGRAM, pointers.data(), environment.empty() ? environ : variables.data());
+  ::execve(program.c_str(), pointers.data(), environment.empty() ? environ : variables.data());
   ::_exit(127);
 }
 
