@@ -284,7 +284,9 @@ TEST_F(AppRunsTest, EventsAreLinesOfJsonThatBeginWithTheId) {
   std::istringstream lines(run.output);
   for (std::string line; std::getline(lines, line);) {
     const AnyCodable event = readJson(line);
-    if (names.empty()) EXPECT_TRUE(event.findAs<std::string>("requestId")) << line;
+    if (names.empty()) {
+      EXPECT_TRUE(event.findAs<std::string>("requestId")) << line;
+    }
     const std::string& name = *event.findAs<std::string>("event");
     if (names.empty() || names.back() != name) names.push_back(name);
     if (name == "finished") {
