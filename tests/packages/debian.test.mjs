@@ -12,7 +12,7 @@ const standIn = file(`corvane-mcp-standin_${version}_${debianName}.deb`);
 
 // Fails when dpkg-shlibdeps is not asked what the stand-in needs, or a file is not in a package's list.
 test('the packages install beside nothing but what they name, work, and leave nothing', (t) => {
-  const root = rootWithStandIn(t, ...dependenciesOf(server));
+  const root = rootWithStandIn(t, 'dash', ...dependenciesOf(server));
   root.dpkg('--remove', 'corvane-mcp-standin');
   const before = new Set(root.list());
   root.dpkg('--install', server, standIn);
