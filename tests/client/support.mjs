@@ -1,14 +1,13 @@
 // A private home with the built server and the stand-in for Corvane.app, and a client joined to it.
 import { execFileSync } from 'node:child_process';
-import { existsSync, mkdirSync, mkdtempSync, readFileSync, rmSync, symlinkSync, writeFileSync } from 'node:fs';
+import { mkdirSync, mkdtempSync, readFileSync, symlinkSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join, resolve } from 'node:path';
-import { setTimeout } from 'node:timers/promises';
 
 import { Client } from '@modelcontextprotocol/sdk/client/index.js';
 import { StdioClientTransport } from '@modelcontextprotocol/sdk/client/stdio.js';
 
-import { environmentOf, supportIn } from '../support/home.mjs';
+import { environmentOf, remove, supportIn } from '../support/home.mjs';
 
 const bin = resolve(process.env.CORVANE_BIN ?? 'build/release/bin');
 const appBundle = join(resolve(process.env.CORVANE_APP_BIN ?? bin), 'Corvane.app');
@@ -49,15 +48,7 @@ export async function connect(
     await client.close();
     // Two calls at once may have launched the app twice, and on a busy machine the second one may
     // come up only after the first one has gone.
-    for (let tries = 1; existsSync(home); tries += 1) {
-      if (app) execFileSync(standIn, ['--quit'], { env: environment });
-      try {
-        rmSync(home, { recursive: true, force: true });
-      } catch (error) {
-        if (tries === 100) throw error;
-        await setTimeout(20);
-      }
-    }
+    await remove(home, () => app && execFileSync(standIn, ['--quit'], { env: environment }));
   });
   const log = () => readFileSync(join(home, 'Library', 'Logs', 'Corvane', 'mcp.log'), 'utf8');
   return { client, environment, home, support, log };

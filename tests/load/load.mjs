@@ -2,11 +2,11 @@
 // be answered once, every dispatched request has to end, and nothing may grow.
 //   node load.mjs SECONDS [CONVERSATIONS]       programs: $CORVANE_BIN
 import { execFileSync } from 'node:child_process';
-import { mkdirSync, mkdtempSync, readFileSync, rmSync, symlinkSync, writeFileSync } from 'node:fs';
+import { mkdirSync, mkdtempSync, readFileSync, symlinkSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join, resolve } from 'node:path';
 
-import { environmentOf, supportIn } from '../support/home.mjs';
+import { environmentOf, remove, supportIn } from '../support/home.mjs';
 import { Conversation } from './Conversation.mjs';
 
 /** Three that read and answer, four of the pool, and that of the log. */
@@ -207,10 +207,8 @@ try {
   const log = readFileSync(join(home, 'Library', 'Logs', 'Corvane', 'mcp.log'), 'utf8');
   faults.push(`${error.stack}\n${log.split('\n').slice(-20).join('\n')}`);
 } finally {
-  execFileSync(join(appBundle, 'Contents', 'MacOS', 'Corvane'), ['--quit'], {
-    env: environment,
-  });
-  rmSync(home, { recursive: true, force: true });
+  const standIn = join(appBundle, 'Contents', 'MacOS', 'Corvane');
+  await remove(home, () => execFileSync(standIn, ['--quit'], { env: environment }));
 }
 for (const fault of faults.slice(0, 20)) console.error(`load: ${fault}`);
 process.exit(faults.length === 0 ? 0 : 1);

@@ -1,9 +1,12 @@
 // A real Chromium without a window, spoken to through its pipe in the DevTools protocol.
 import { spawn } from 'node:child_process';
-import { existsSync, mkdtempSync, rmSync } from 'node:fs';
+import { existsSync, mkdtempSync } from 'node:fs';
 import { delimiter, join } from 'node:path';
 import { tmpdir } from 'node:os';
+import { setTimeout as delay } from 'node:timers/promises';
 import { pathToFileURL } from 'node:url';
+
+import { remove } from '../support/home.mjs';
 
 const names = ['chromium', 'chromium-browser', 'google-chrome'];
 const program = [
@@ -14,6 +17,15 @@ const program = [
 
 /** How long anything may take, in milliseconds. */
 const patience = 120_000;
+
+/** Ends a browser with its helpers, which would go on writing to the profile after it. */
+function killGroup(leader) {
+  try {
+    process.kill(-leader, 'SIGKILL');
+  } catch (error) {
+    if (error.code !== 'ESRCH') throw error;
+  }
+}
 
 export class Browser {
   #nextId = 1;
@@ -31,7 +43,8 @@ export class Browser {
     // Chromium has no sandbox for the superuser.
     if (process.getuid() === 0) flags.push('--no-sandbox');
     browser.child = spawn(program, flags, {
-      env: { PATH: process.env.PATH, HOME: profile },
+      detached: true,
+      env: { PATH: process.env.PATH, HOME: profile, TMPDIR: profile },
       stdio: ['ignore', 'ignore', 'ignore', 'pipe', 'pipe'],
     });
     const ended = new Promise((resolve) => browser.child.on('exit', resolve));
@@ -40,9 +53,9 @@ export class Browser {
       for (const { reject } of browser.#waiting.values()) reject(new Error('the browser has ended'));
     });
     t.after(async () => {
-      browser.child.kill();
+      killGroup(browser.child.pid);
       await ended;
-      rmSync(profile, { recursive: true, force: true, maxRetries: 20 });
+      await remove(profile);
     });
     return browser;
   }
@@ -105,7 +118,7 @@ class Page {
     const end = Date.now() + patience;
     while (this.events(method).length === 0) {
       if (Date.now() > end) throw new Error(`${method} does not happen`);
-      await new Promise((resolve) => setTimeout(resolve, 10));
+      await delay(10);
     }
   }
 
