@@ -84,7 +84,8 @@ Command::About TryCommand::about() const {
 
 void TryCommand::addOptions(CLI::App& app) {
   app.add_option("--home", home, "The trial's own folder (default: one that is kept for it)")
-      ->type_name("DIR");
+      ->type_name("DIR")
+      ->check(named("a folder"));
   app.add_flag("--stop", stop, "End the trial; its workspace stays for the next time");
   app.add_flag("--reset", reset,
                "Forget all that was done in it; with --stop leave nothing behind");

@@ -26,14 +26,17 @@ std::optional<std::string> readIfThere(const fs::path& file) {
   return readFile(file);
 }
 
-/// The file that a link leads to in the end, which need not be there.
-fs::path behindLinks(fs::path file) {
+/// The file that a link leads to in the end, which need not be there. Throws FileError when links
+/// lead in a circle.
+fs::path behindLinks(const fs::path& link) {
   constexpr int mostLinks = 40;
   std::error_code unseen;
-  for (int i = 0; i < mostLinks && fs::is_symlink(file, unseen); ++i) {
+  fs::path file = link;
+  for (int i = 0; i < mostLinks; ++i) {
+    if (!fs::is_symlink(file, unseen)) return file;
     file = file.parent_path() / fs::read_symlink(file, unseen);
   }
-  return file;
+  throw FileError("write", link, std::make_error_code(std::errc::too_many_symbolic_link_levels));
 }
 
 void write(const fs::path& file, const std::optional<std::string>& text) {

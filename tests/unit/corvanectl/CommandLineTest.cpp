@@ -221,6 +221,8 @@ TEST(CommandLine, SaysWhatIsWrong) {
             "corvanectl: --color: expected auto, always or never, not '1'");
   EXPECT_EQ(complaint({"run", "Shop", "--all", "--follow", "--junit", ""}),
             "corvanectl: --junit: expected the name of a file, not ''");
+  EXPECT_EQ(complaint({"try", "--home", ""}),
+            "corvanectl: --home: expected the name of a folder, not ''");
   EXPECT_EQ(complaint({"show", "--pictures", ""}),
             "corvanectl: --pictures: expected the name of a folder, not ''");
   EXPECT_EQ(complaint({"run", "Shop", "--all", "--follow", "--app-timeout", "abc"}),

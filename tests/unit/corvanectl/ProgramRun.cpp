@@ -28,6 +28,8 @@ void redirect(int stream, const std::filesystem::path& file, int flags) {
   ::close(descriptor);
 }
 
+}  // namespace
+
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
   pointers.reserve(texts.size() + 1);
@@ -35,8 +37,6 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   pointers.push_back(nullptr);
   return pointers;
 }
-
-}  // namespace
 
 ProgramRun runCorvanectl(const std::vector<std::string>& arguments, std::string_view input,
                          std::vector<std::string> environment, const std::string& program) {

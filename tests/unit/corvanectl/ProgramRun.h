@@ -16,6 +16,9 @@ struct ProgramRun {
   std::string errors;
 };
 
+/// The texts as an argument vector or an environment for a new process; points into `texts`.
+[[nodiscard]] std::vector<char*> pointersTo(std::vector<std::string>& texts);
+
 /// Runs the program to its end, with `input` as its standard input. `environment` holds NAME=value;
 /// without any the program gets this one's. `program` is the built one, or a copy of it.
 [[nodiscard]] ProgramRun runCorvanectl(const std::vector<std::string>& arguments,

@@ -227,6 +227,18 @@ TEST_F(SetupTest, LinksAndPermissionsStay) {
   EXPECT_EQ(TestFiles::mode(at("dotfiles/cursor.json")), 0664U);
 }
 
+// Fails when a link that leads in a circle gives way to a file.
+TEST_F(SetupTest, LinksInACircleStay) {
+  fs::create_directories(at(".cursor"));
+  fs::create_symlink("circle", at(".cursor/circle"));
+  fs::create_symlink("circle", at(".cursor/mcp.json"));
+  const auto run = setup({"cursor"});
+  EXPECT_EQ(run.status, 74);
+  EXPECT_EQ(run.errors, "corvanectl: could not write " + at(".cursor/mcp.json").string() +
+                            ": Too many levels of symbolic links\n");
+  EXPECT_TRUE(fs::is_symlink(at(".cursor/circle")));
+}
+
 TEST_F(SetupTest, TellsOfAFileThatCannotBeRead) {
   fs::create_directories(at(".cursor/mcp.json"));
   const auto run = setup({"cursor"});

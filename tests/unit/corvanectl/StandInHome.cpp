@@ -19,14 +19,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::vector<char*> pointersTo(std::vector<std::string>& texts) {
-  std::vector<char*> pointers;
-  pointers.reserve(texts.size() + 1);
-  for (auto& text : texts) pointers.push_back(text.data());
-  pointers.push_back(nullptr);
-  return pointers;
-}
-
 pid_t start(std::vector<std::string> words, std::vector<std::string> environment) {
   posix_spawn_file_actions_t quiet;
   ::posix_spawn_file_actions_init(&quiet);
