@@ -18,17 +18,19 @@ macro(corvane_directory_without_ubsan)
   add_compile_options(-fno-sanitize=undefined)
 endmacro()
 
-# Reads the headers that nearly every source includes, and those given, once for a whole target.
+# Reads the headers that nearly every source includes, and those given, once for a whole target. They are
+# named in angle brackets, without the folder of the checkout, so that the compiler cache serves all of them.
 function(corvane_precompile target)
   set(headers
     <filesystem> <functional> <map> <optional> <string> <tuple> <variant> <vector>
-    ${CMAKE_SOURCE_DIR}/CorvaneCore/json/AgentWire.h
-    ${CMAKE_SOURCE_DIR}/CorvaneCore/json/Record.h
+    <CorvaneCore/json/AgentWire.h> <CorvaneCore/json/Record.h>
     ${ARGN})
   target_precompile_headers(${target} PRIVATE ${headers})
+  # Nor do the times of a checkout's files matter.
+  target_compile_options(${target} PRIVATE
+    "$<$<CXX_COMPILER_ID:Clang,AppleClang>:SHELL:-Xclang -fno-pch-timestamp>")
   # ccache does not notice that the list has changed unless the command line does.
   list(JOIN headers "" fingerprint)
-  string(REPLACE ${CMAKE_SOURCE_DIR} "" fingerprint "${fingerprint}")
   string(MD5 fingerprint "${fingerprint}")
   target_compile_definitions(${target} PRIVATE CORVANE_PRECOMPILED_${fingerprint})
 endfunction()
