@@ -183,8 +183,14 @@ Scenario Scenario::read(const fs::path& file, const std::string& name) {
     HandWrittenFile written(file, name);
     UnknownKeys<StandInSettings>::note(written.contents(), DecodePath(), written);
     scenario.settings = usableSettings(written);
+    auto& named = scenario.settings.workspace;
+    if (named == "") {
+      const std::string key(keyOf<&StandInSettings::workspace>());
+      written.note(DecodeError(key + ": expected the name of a file"));
+      named.reset();
+    }
     scenario.problems = written.takeNotes();
-    if (const auto& named = scenario.settings.workspace) {
+    if (named) {
       HandWrittenFile workspace(file.parent_path() / *named, *named);
       try {
         scenario.workspace = decodeValue<AgentContext>(workspace.contents());

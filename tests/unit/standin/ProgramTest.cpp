@@ -132,6 +132,17 @@ TEST_F(StandInProgramTest, AScenarioThatIsNotThereEndsIt) {
             "Corvane: could not read " + scenario + ": No such file or directory\n");
 }
 
+// Fails when the folder that the program was started in becomes the home.
+TEST_F(StandInProgramTest, AnEmptyNameEndsIt) {
+  constexpr int refusedOption = 105;
+  EXPECT_EQ(complaintsOf({"--home", ""}, refusedOption),
+            "--home: expected the name of a folder, not ''\n"
+            "Run with --help for more information.\n");
+  EXPECT_EQ(complaintsOf({"--scenario", ""}, refusedOption),
+            "--scenario: expected the name of a file, not ''\n"
+            "Run with --help for more information.\n");
+}
+
 TEST_F(StandInProgramTest, ANameThatIsNearlyRightIsOnlyHintedAt) {
   const auto scenario = (home.path() / "bench.json").string();
   TestFiles::write(scenario, R"({"outcomes":{"Sing in":{"outcome":"failed"}}})");

@@ -67,6 +67,8 @@ TEST_F(ScenarioFileTest, ABadSettingIsToldAndTheRestCounts) {
                      "$schema, stepSeconds, buildSeconds, heartbeatSeconds, coldStartSeconds, "
                      "pickUpSeconds, creditsPerExploredStep, creditBalance, captures, clock, ids, "
                      "workspace, outcomes, imports, explorations, libraryRequests"),
+           std::pair(R"("workspace": "")",
+                     "bench.json: line 2, column 14: workspace: expected the name of a file"),
            std::pair(R"("outcomes": [])",
                      "bench.json: line 2, column 13: outcomes: expected an object"),
            std::pair(R"("ids": "byname")",
