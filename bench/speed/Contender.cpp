@@ -14,6 +14,7 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "bench/speed/Cores.h"
 #include "tests/support/Pipe.h"
 #include "tests/support/ProcessFacts.h"
 
@@ -43,6 +44,8 @@ Contender::Contender(Command command) : name(command.arguments.front()), buffer(
   posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
   const auto arguments = pointersTo(command.arguments);
   const auto environment = pointersTo(command.environment);
+  std::optional<OneCore> inherited;
+  if (command.core) inherited.emplace(*command.core);
   started = std::chrono::steady_clock::now();
   const int error = ::posix_spawn(&process, name.c_str(), &actions, nullptr, arguments.data(),
                                   environment.data());

@@ -3,6 +3,7 @@
 #include <sys/types.h>
 
 #include <chrono>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,6 +21,8 @@ class Contender {
   struct Command {
     std::vector<std::string> arguments;
     std::vector<std::string> environment;
+    /// The only core that it may use, if it is not the scheduler's choice.
+    std::optional<int> core = std::nullopt;
   };
 
   explicit Contender(Command command);

@@ -1,5 +1,5 @@
+#include "bench/speed/Cores.h"
 #include "bench/speed/Messages.h"
-#include "bench/speed/OneCore.h"
 #include "bench/speed/RoundTrips.h"
 #include "bench/speed/rows/Rows.h"
 #include "tests/support/TemporaryHome.h"
