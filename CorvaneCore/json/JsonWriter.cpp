@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -77,6 +78,27 @@ bool isPlain(Word word, SlashStyle slashes) {
   return found == 0;
 }
 
+/// The `size` bytes at `bytes`, fewer than a word and at least one, and blanks behind them, which
+/// stand for themselves. A copy of any size to memory and a load from there would take longer than
+/// all the rest.
+Word partOfWord(const char* bytes, std::size_t size) {
+  static_assert(std::endian::native == std::endian::little);
+  const auto at = [](std::size_t position) { return position * 8; };
+  Word part = everyByte(' ') << at(size);
+  if (size >= sizeof(std::uint32_t)) {
+    const std::size_t last = size - sizeof(std::uint32_t);
+    std::uint32_t half = 0;
+    std::memcpy(&half, bytes, sizeof half);
+    part |= half;
+    std::memcpy(&half, bytes + last, sizeof half);
+    return part | Word{half} << at(last);
+  }
+  for (const std::size_t position : {std::size_t{0}, size / 2, size - 1}) {
+    part |= Word{static_cast<unsigned char>(bytes[position])} << at(position);
+  }
+  return part;
+}
+
 /// Writes the bytes of a string, escaped where they must be, and bytes behind them that do not
 /// count: at most as many as an Escape has. Returns where the next goes.
 char* putEscaped(std::string_view bytes, SlashStyle slashes, char* out) {
@@ -97,9 +119,7 @@ char* putEscaped(std::string_view bytes, SlashStyle slashes, char* out) {
   }
   const auto rest = static_cast<std::size_t>(end - in);
   if (rest == 0) return out;
-  // Blanks fill up the last word, as they stand for themselves.
-  Word word = everyByte(' ');
-  std::memcpy(&word, in, rest);
+  const Word word = partOfWord(in, rest);
   if (isPlain(word, slashes)) {
     std::memcpy(out, &word, sizeof word);
     return out + rest;

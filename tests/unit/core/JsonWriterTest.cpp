@@ -65,6 +65,21 @@ TEST(JsonWriterTest, EscapesWhereverItStandsInALongText) {
   }
 }
 
+// Fails when a text that is shorter than a word loses or changes a byte at any place.
+TEST(JsonWriterTest, WritesShortTextsOfEveryLength) {
+  constexpr std::string_view letters = "abcdefgh";
+  for (std::size_t size = 1; size <= letters.size(); ++size) {
+    const std::string text(letters.substr(0, size));
+    EXPECT_EQ(toJson(AnyCodable(text)), '"' + text + '"');
+    for (std::size_t place = 0; place < size; ++place) {
+      const std::string before = text.substr(0, place);
+      const std::string after = text.substr(place + 1);
+      EXPECT_EQ(toJson(AnyCodable(before + '\n' + after)), '"' + before + "\\n" + after + '"');
+      EXPECT_EQ(toJson(AnyCodable(before + ' ' + after)), '"' + before + ' ' + after + '"');
+    }
+  }
+}
+
 TEST(JsonWriterTest, MakesRoomForTextsThatGrowManyTimes) {
   for (const std::size_t length : {1U, 7U, 8U, 9U, 63U, 64U, 65U, 1000U}) {
     std::string expected;
