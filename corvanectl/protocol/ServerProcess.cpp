@@ -128,9 +128,10 @@ std::optional<std::string> ServerProcess::readLine(Deadline deadline) {
     if (incoming.size() > longestLine) throw ProtocolError("the server sent a line without end");
     if (hasPassed(deadline)) return std::nullopt;
     // A program that the server started may hold its pipes open, so that they do not show its end.
-    // The last look is for what the server may have said just before it ended.
+    // That is asked before they are looked into: then they hold all that the server has said.
+    const bool hasEnded = child.hasEnded();
     const bool idle = !exchange(std::min(deadline, after(endCheckInterval)));
-    if (idle && child.hasEnded() && !exchange(after(Seconds(0)))) reportEnd();
+    if (idle && hasEnded) reportEnd();
   }
 }
 

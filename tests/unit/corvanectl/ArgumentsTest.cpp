@@ -6,6 +6,7 @@
 #include "corvanectl/commands/CallCommand.h"
 #include "corvanectl/commands/RunCommand.h"
 #include "corvanectl/system/ChildProcess.h"
+#include "tests/support/DefaultInterrupt.h"
 
 namespace corvane::testing {
 namespace {
@@ -52,6 +53,7 @@ class ToolArgumentsTest : public ::testing::Test {
               static_cast<ssize_t>(text.size()));
   }
 
+  DefaultInterrupt interrupt;
   Interruption interruption;
   FileDescriptor formerInput{::dup(STDIN_FILENO)};
   Pipe pipe = makePipe();

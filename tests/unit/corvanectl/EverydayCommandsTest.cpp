@@ -238,7 +238,11 @@ TEST_F(RetryTest, DispatchesNothingThatIsNotKnown) {
                                 " names no tests that ran, so what to run again is not known; "
                                 "'corvanectl run' takes the names\n");
   leaveResult(newId, R"("status":"running","terminal":false,"projectName":"Shop")");
-  EXPECT_EQ(home.run({"retry"}).status, 64);
+  const auto unfinished = home.run({"retry"});
+  EXPECT_EQ(unfinished.status, 64);
+  EXPECT_EQ(unfinished.errors,
+            "corvanectl: the request " + std::string(newId) + " has not ended ('corvanectl show " +
+                newId + "' tells how it stands); only what has ended can be run again\n");
   leaveResult(newId,
               R"("status":"passed","terminal":true,"projectName":"Shop","tests":[{"testId":"1",)"
               R"("testName":"Sign in","status":"passed","durationSeconds":2,"steps":[]}])");

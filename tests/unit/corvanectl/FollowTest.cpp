@@ -191,6 +191,14 @@ TEST(Follow, GivesUpOnAServerThatDoesNotAnswerInTime) {
   EXPECT_TRUE(script.serverIsGone());
 }
 
+// Fails when names in the server's answer reach the terminal as they are.
+TEST(Run, ShowsTheAnswerWithoutControls) {
+  const FakeServerScript script(
+      greeted({"expect tools/call", textResult("Dispatched Sh\x1B[31mop\nto the app.", true)}));
+  EXPECT_EQ(runWithFakeServer({"run", "Shop", "--all", "--unchecked"}).output,
+            "Dispatched Sh\\u001b[31mop\nto the app.\n");
+}
+
 TEST(Follow, CountsAServerThatDiesAsProtocolTrouble) {
   const FakeServerScript script(greeted({"expect tools/call", "crash"}));
   EXPECT_EQ(runWithFakeServer({"follow", "0a1b2c3d-0000-4000-8000-00000000abcd"}).status, 2);

@@ -130,6 +130,7 @@ TEST(HtmlReport, LeavesOutWhatIsNoBase64) {
     return StepPictures{{{"before", "image/jpeg", "no base64!"}}, ""};
   });
   EXPECT_EQ(count(page, "<img"), 0U);
+  EXPECT_EQ(count(page, "no base64!"), 0U);
 }
 
 // Fails when pictures pile up in memory before they are handed on.

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "CorvaneCore/files/Files.h"
+#include "tests/support/DefaultInterrupt.h"
 
 namespace corvane::testing {
 
@@ -69,6 +70,7 @@ class Pseudoterminal {
  private:
   bool readMore();
 
+  DefaultInterrupt interrupt;
   FileDescriptor keyboard;
   FileDescriptor terminal;
   std::string kind = "xterm";

@@ -31,11 +31,12 @@ void Screen::write(std::string_view bytes) {
       control(std::string_view(text).substr(i + 2, end - i - 2), text[end]);
       i = end + 1;
     } else if (byte == '\r') {
-      cell = firstCellOfRow();
+      returnToRowStart();
       ++i;
     } else if (byte == '\n') {
       if (++line == lines.size()) lines.emplace_back();
       cell = 0;
+      isAtRowStart = true;
       ++i;
     } else {
       const std::size_t size = characterSize(byte);
@@ -51,6 +52,7 @@ void Screen::write(std::string_view bytes) {
 
 void Screen::resize(std::size_t newColumns) {
   columns = newColumns;
+  isAtRowStart = false;
 }
 
 std::vector<std::string> Screen::rows() const {
@@ -81,6 +83,7 @@ void Screen::put(std::string_view character) {
     if (cell > 0) current[cell - 1].text += character;
     return;
   }
+  isAtRowStart = false;
   if (cell == current.size()) current.emplace_back();
   current[cell++] = {std::string(character), width};
 }
@@ -97,15 +100,16 @@ void Screen::moveUp(std::size_t count) {
   for (; count > 0; --count) {
     const std::size_t first = firstCellOfRow();
     // Into the row above, which is a part of the same line or the last row of the one before.
-    if (first == 0) {
-      if (line == 0) return;
-      cell = lines[--line].size();
-      cell = firstCellOfRow();
-    } else {
-      cell = first - 1;
-      cell = firstCellOfRow();
-    }
+    if (first == 0 && line == 0) return;
+    cell = first == 0 ? lines[--line].size() : first - 1;
+    isAtRowStart = false;
+    returnToRowStart();
   }
+}
+
+void Screen::returnToRowStart() {
+  cell = firstCellOfRow();
+  isAtRowStart = true;
 }
 
 void Screen::clearToEndOfRow() {
@@ -120,6 +124,7 @@ void Screen::clearToEndOfScreen() {
 
 /// The first cell of the row in which the cursor stands.
 std::size_t Screen::firstCellOfRow() const {
+  if (isAtRowStart) return cell;
   std::size_t first = 0;
   std::size_t used = 0;
   // Behind the last cell of a full row the cursor has not moved on yet.

@@ -33,6 +33,7 @@ class Screen {
   void put(std::string_view character);
   void control(std::string_view parameters, char command);
   void moveUp(std::size_t count);
+  void returnToRowStart();
   void clearToEndOfRow();
   void clearToEndOfScreen();
   [[nodiscard]] std::size_t firstCellOfRow() const;
@@ -42,6 +43,8 @@ class Screen {
   /// The cursor: which line, and before which of its cells.
   std::size_t line = 0;
   std::size_t cell = 0;
+  /// Whether it stands at the beginning of a row, and not behind the last cell of the one above.
+  bool isAtRowStart = true;
   /// The beginning of an escape sequence whose end has not come yet.
   std::string pending;
 };

@@ -6,6 +6,7 @@
 
 #include "CorvaneCore/files/Files.h"
 #include "FakeServerScript.h"
+#include "tests/support/DefaultInterrupt.h"
 
 namespace corvane::testing {
 namespace {
@@ -146,6 +147,7 @@ class ServerProcessTest : public ::testing::Test {
   }
 
   TemporaryDirectory directory;
+  DefaultInterrupt interrupt;
   Interruption interruption;
   ServerLog log;
 };
