@@ -1,5 +1,5 @@
-// A registry that cannot be reached is told from one that lacks what is asked for, and from one that gives
-// something else.
+// A registry that cannot be reached is told from one that lacks what is asked for or has it no more, and from one
+// that gives something else.
 import assert from 'node:assert/strict';
 import { spawn } from 'node:child_process';
 import { cpSync, mkdirSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
@@ -74,3 +74,22 @@ test("Debian's packages that cannot be reached", async (t) => {
   assert.match(said, /^release: Debian's lists of packages cannot be fetched now, as its registry cannot be reached$/m);
   assert.equal(status, 69);
 });
+
+// Fails when a version that Debian has replaced passes for a broken build.
+for (const [kind, words] of [
+  ['source', "E: Can not find version '3.0.1-1' of package 'simdjson'\nE: Unable to find a source package for simdjson"],
+  ['headers', "E: Version '3.0.1-1' for 'simdjson' was not found"],
+]) {
+  test(`a package of Debian that has been replaced, ${kind}`, async (t) => {
+    const folder = tree(t);
+    mkdirSync(join(folder, `cache/compiler-${version}`));
+    writeFileSync(join(folder, 'release/packages.txt'), `compiler ${package_} ${version} -\n${kind} simdjson 3.0.1-1 -\n`);
+    const bin = join(folder, 'bin');
+    mkdirSync(bin);
+    const says = `#!/bin/sh\ncase "$*" in *update*) exit 0 ;; esac\ncat >&2 <<'END'\n${words}\nEND\nexit 100\n`;
+    writeFileSync(join(bin, 'apt-get'), says, { mode: 0o755 });
+    const { status, said } = await release(folder, { PATH: `${bin}:${process.env.PATH}` });
+    assert.match(said, /^release: simdjson 3\.0\.1-1 has given way to a newer version, which release\/packages\.txt has to list$/m);
+    assert.equal(status, 69);
+  });
+}
