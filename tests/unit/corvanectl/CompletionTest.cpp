@@ -75,6 +75,8 @@ TEST_F(CompletionTest, BashCompletesNames) {
   EXPECT_EQ(inBash({"run", "'Corner Shop'", "--test", "x", "Sign\\ "}), "Sign\\ in\n");
   EXPECT_EQ(inBash({"run", "Corner\\ Shop", "--suite", "S"}), "Smoke\n");
   EXPECT_EQ(inBash({"run", "--test", "P"}), "Post\n");
+  // The project is the first argument, whatever stands there besides.
+  EXPECT_EQ(inBash({"run", "Corner\\ Shop", "Blog", "--test", "S"}), "Sign\\ in\n");
   EXPECT_EQ(inBash({"show", "l"}), "last\n");
 }
 
